@@ -1,0 +1,122 @@
+#include "quorix/base/WireText.h"
+
+#include <algorithm>
+
+namespace quorix {
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+
+char32_t TakeCodePoint(StringView& text) {
+    char16_t first = text.front();
+    text.remove_prefix(1);
+    if (IsLowSurrogate(first)) return kReplacement;
+    if (!IsHighSurrogate(first)) return first;
+    if (text.empty() || !IsLowSurrogate(text.front())) return kReplacement;
+    char32_t low = text.front();
+    text.remove_prefix(1);
+    return 0x10000 + ((first - 0xD800U) << 10U) + (low - 0xDC00U);
+}
+
+void AppendUtf8(std::string& out, char32_t code) {
+    auto tail = [&](unsigned shift) { out += static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+    } else if (code < 0x800) {
+        out += static_cast<char>(0xC0U | (code >> 6U));
+        tail(0);
+    } else if (code < 0x10000) {
+        out += static_cast<char>(0xE0U | (code >> 12U));
+        tail(6), tail(0);
+    } else {
+        out += static_cast<char>(0xF0U | (code >> 18U));
+        tail(12), tail(6), tail(0);
+    }
+}
+
+struct Sequence {
+    unsigned length;
+    char32_t lead;
+    char32_t least;  // smaller values are overlong
+};
+
+Sequence SequenceOf(unsigned char first) {
+    if (first < 0x80) return {1, first, 0};
+    if (first >= 0xC2 && first < 0xE0) return {2, first & 0x1FU, 0x80};
+    if (first >= 0xE0 && first < 0xF0) return {3, first & 0x0FU, 0x800};
+    if (first >= 0xF0 && first < 0xF5) return {4, first & 0x07U, 0x10000};
+    return {0, 0, 0};
+}
+
+char32_t DecodeUtf8(std::string_view& utf8) {
+    Sequence sequence = SequenceOf(static_cast<unsigned char>(utf8.front()));
+    char32_t code = sequence.lead;
+    bool good = sequence.length > 0 && sequence.length <= utf8.size();
+    for (unsigned i = 1; good && i < sequence.length; ++i) {
+        auto next = static_cast<unsigned char>(utf8[i]);
+        good = (next & 0xC0U) == 0x80U;
+        code = (code << 6U) | (next & 0x3FU);
+    }
+    good = good && code >= sequence.least && code < 0x110000 && (code < 0xD800 || code >= 0xE000);
+    utf8.remove_prefix(good ? sequence.length : 1);
+    return good ? code : kReplacement;
+}
+
+void AppendUtf16(String& out, char32_t code) {
+    if (code < 0x10000) {
+        out += static_cast<char16_t>(code);
+        return;
+    }
+    out += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10U));
+    out += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FFU));
+}
+
+}  // namespace
+
+String WireFromBytes(std::string_view bytes) {
+    String result(bytes.size(), u'\0');
+    std::transform(bytes.begin(), bytes.end(), result.begin(),
+                   [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
+    return result;
+}
+
+std::string BytesFromWire(StringView wire) {
+    std::string result(wire.size(), '\0');
+    std::transform(wire.begin(), wire.end(), result.begin(),
+                   [](char16_t c) { return c > 255 ? '?' : static_cast<char>(c); });
+    return result;
+}
+
+std::string Utf8FromText(StringView text) {
+    std::string result;
+    result.reserve(text.size() + text.size() / 8);
+    while (!text.empty()) {
+        if (text.front() < 0x80) {
+            result += static_cast<char>(text.front());
+            text.remove_prefix(1);
+        } else {
+            AppendUtf8(result, TakeCodePoint(text));
+        }
+    }
+    return result;
+}
+
+String TextFromUtf8(std::string_view utf8) {
+    String result;
+    result.reserve(utf8.size());
+    while (!utf8.empty()) {
+        if (static_cast<unsigned char>(utf8.front()) < 0x80) {
+            result += static_cast<char16_t>(utf8.front());
+            utf8.remove_prefix(1);
+        } else {
+            AppendUtf16(result, DecodeUtf8(utf8));
+        }
+    }
+    return result;
+}
+
+}  // namespace quorix

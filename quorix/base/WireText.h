@@ -1,0 +1,21 @@
+// Wire text: the bytes of the stream, one character per byte, codes 0 to 255, by identity on every system.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "quorix/base/String.h"
+
+namespace quorix {
+
+String WireFromBytes(std::string_view bytes);
+
+// The inverse. A character above 255 has no byte and goes out as "?".
+std::string BytesFromWire(StringView wire);
+
+// Real UTF-8, the whole of it, for files, consoles and the XML parser; the stream's own limited form is in
+// modUTF_8.h. An unpaired surrogate becomes U+FFFD; a malformed byte sequence becomes one U+FFFD a byte.
+std::string Utf8FromText(StringView text);
+String TextFromUtf8(std::string_view utf8);
+
+}  // namespace quorix

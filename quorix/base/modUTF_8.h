@@ -1,0 +1,28 @@
+// The UTF-8 forms of single values: builders encode what they place into a stanza, parsers decode what they
+// read from one. The conversions know 16-bit code units below U+8000 only.
+#pragma once
+
+#include "quorix/base/String.h"
+
+namespace quorix {
+
+// Values longer than this are returned as they are.
+inline constexpr std::size_t kMaxCodecUnits = 32767;
+
+// Text to wire text; with `escape`, through XmlEscape first. A text that holds a unit of U+8000 or above
+// (surrogates included), or more than kMaxCodecUnits units after escaping, is returned unchanged: neither
+// escaped nor encoded.
+String EncodeUTF8(StringView text, bool escape);
+
+// Wire text to text; with `unescape`, through XmlUnescape afterwards. Continuation bytes are not checked. A
+// sequence that is cut off at the end or whose value exceeds 32767, or an input of more than kMaxCodecUnits
+// characters, returns the input unchanged.
+String DecodeUTF8(StringView wire, bool unescape);
+
+// & " < > ' by their entities, in this order.
+String XmlEscape(StringView text);
+
+// The entities by their characters, "&amp;" first: "&amp;lt;" becomes "<", on purpose.
+String XmlUnescape(StringView text);
+
+}  // namespace quorix

@@ -1,0 +1,54 @@
+// What a feature sees of its session: the send path, the identity of the account, the events, and the two
+// look-ups that presence needs of the services.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <utility>
+
+#include "quorix/base/String.h"
+#include "quorix/link/SessionEvents.h"
+
+namespace quorix {
+
+// The kind of entity that stands behind a JID.
+enum eItemType : std::int32_t {
+    KV_RosterItem = 0,
+    KV_AgentItem = 1,
+    KV_GroupChatItem = 2,
+    KV_Unknown = 3,
+};
+
+class SessionLink {
+public:
+    virtual ~SessionLink() = default;
+
+    virtual void SendXML(StringView xml) = 0;
+    virtual bool IsConnected() const = 0;  // the socket is up, logged in or not
+    virtual String GetNextID() = 0;
+
+    virtual String ServerAddress() const = 0;
+    virtual String username() const = 0;
+    virtual String Password() const = 0;
+    virtual String Resource() const = 0;
+    virtual String MyJid() const = 0;
+
+    virtual eItemType FindItemType(StringView jid) = 0;
+
+    // True when `jid` is a known room in which `nickname` is the local user; the room is then forgotten.
+    virtual bool LeaveRoom(StringView jid, StringView nickname) = 0;
+
+    // Calls `raise` for each sink, in the order of their arrival. What a sink throws stops nothing.
+    virtual void ForEachSink(const std::function<void(SessionEvents&)>& raise) = 0;
+
+    template <class... Parameters, class... Arguments>
+    void Raise(void (SessionEvents::*event)(Parameters...), const Arguments&... arguments) {
+        ForEachSink([&](SessionEvents& sink) { (sink.*event)(arguments...); });
+    }
+};
+
+// The session behind a record's weak reference. Error 91 when it is gone or was never set.
+std::shared_ptr<SessionLink> RequireSession(const std::weak_ptr<SessionLink>& session);
+
+}  // namespace quorix
