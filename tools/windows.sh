@@ -1,0 +1,67 @@
+#!/bin/bash
+# Builds the component for Windows in 32 and 64 bits and tests both under Wine.
+#
+#   tools/windows.sh              everything
+#   tools/windows.sh 64           one width
+#   tools/windows.sh 64 -R COM    one width, the rest of the arguments to ctest
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+. "$root/tools/windows/ground.sh"
+. "$root/tools/windows/libraries.sh"
+
+declare -A targets=([32]=i686 [64]=x86_64)
+jobs=$(nproc)
+
+# What tools/windows/wine expects of its surroundings, for one width.
+wine_for() {
+    export QUORIX_TREE=$root QUORIX_WINE_PREFIX=$root/build/win$1/wine QUORIX_WINE32_ROOT=${wine32_root:-}
+}
+
+# A fresh drive C: in which windows can be made without a display.
+make_prefix() {
+    [ -e "$QUORIX_WINE_PREFIX/ready" ] && return
+    rm -rf "$QUORIX_WINE_PREFIX"
+    mkdir -p "$QUORIX_WINE_PREFIX"
+    "$root/tools/windows/wine" "$1" wineboot --init
+    "$root/tools/windows/wine" "$1" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+    stop_wine "$1"
+    touch "$QUORIX_WINE_PREFIX/ready"
+}
+
+# Ends what still runs in this width's drive, and nothing else.
+stop_wine() { "$root/tools/windows/wine" "$1" wineboot --kill || true; }
+
+configure_and_build() {
+    local libxml2 openssl build=$root/build/win$1
+    libxml2=$(provide_library libxml2 "${targets[$1]}")
+    openssl=$(provide_library openssl "${targets[$1]}")
+    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
+        -DQUORIX_WINDOWS_PREFIXES="$libxml2;$openssl" \
+        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF
+    cmake --build "$build" -j "$jobs"
+}
+
+check_width() {
+    local width=$1 status=0
+    shift
+    wine_for "$width"
+    make_prefix "$width"
+    configure_and_build "$width"
+    ctest --test-dir "$root/build/win$width" -j "$jobs" --output-on-failure --timeout 300 "$@" || status=$?
+    stop_wine "$width"
+    return $status
+}
+
+widths=(32 64)
+if [ $# -gt 0 ]; then
+    widths=("$1")
+    shift
+fi
+install_packages
+source_apt
+[[ " ${widths[*]} " = *" 32 "* ]] && make_wine32
+for width in "${widths[@]}"; do
+    echo "== Windows, $width bits"
+    check_width "$width" "$@"
+done
