@@ -21,7 +21,7 @@ void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
 std::int16_t Agents::FindAgent(StringView jid) const {
     auto found =
         std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->JID() == jid; });
-    return found == items_.end() ? std::int16_t{0} : ToInt16(found - items_.begin() + 1);
+    return found == items_.end() ? std::int16_t{0} : ToInt16(std::distance(items_.begin(), found) + 1);
 }
 
 bool Agents::Knows(StringView bareJid) const {

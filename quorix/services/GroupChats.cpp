@@ -13,7 +13,7 @@ namespace {
 template <class Same>
 std::int32_t Find(const GroupChats::List& rooms, Same same) {
     auto found = std::find_if(rooms.begin(), rooms.end(), same);
-    return found == rooms.end() ? 0 : static_cast<std::int32_t>(found - rooms.begin()) + 1;
+    return found == rooms.end() ? 0 : static_cast<std::int32_t>(std::distance(rooms.begin(), found)) + 1;
 }
 
 void Require(const std::shared_ptr<cGroupChat>& room) {

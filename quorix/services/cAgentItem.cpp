@@ -27,7 +27,7 @@ template <class Items>
 std::int16_t FindNamed(const Items& items, StringView name) {
     auto found =
         std::find_if(items.begin(), items.end(), [&](const auto& item) { return item->Name() == name; });
-    return found == items.end() ? std::int16_t{0} : ToInt16(found - items.begin() + 1);
+    return found == items.end() ? std::int16_t{0} : ToInt16(std::distance(items.begin(), found) + 1);
 }
 
 // What goes out is the XML library's own form of the text, and nothing when the text is not well-formed.
