@@ -20,13 +20,13 @@ void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
 
 std::int16_t Agents::FindAgent(StringView jid) const {
     auto found =
-        std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->JID() == jid; });
+        std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->jid_ == jid; });
     return found == items_.end() ? std::int16_t{0} : ToInt16(found - items_.begin() + 1);
 }
 
 bool Agents::Knows(StringView bareJid) const {
     return std::any_of(items_.begin(), items_.end(),
-                       [&](const auto& agent) { return EqualsIgnoringCase(agent->JID(), bareJid); });
+                       [&](const auto& agent) { return EqualsIgnoringCase(agent->jid_, bareJid); });
 }
 
 void Agents::HandleList(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
@@ -49,7 +49,7 @@ void Agents::AddAgent(const std::shared_ptr<SessionLink>& link, const XmlNode& e
 std::shared_ptr<cAgentItem> Agents::LastWithJid(StringView jid) const {
     std::shared_ptr<cAgentItem> last;
     for (const auto& agent : items_) {
-        if (agent->JID() == jid) last = agent;
+        if (agent->jid_ == jid) last = agent;
     }
     return last;
 }

@@ -58,9 +58,11 @@ String SearchBody(const cSearchFields& fields) {
 }  // namespace
 
 String cAgentItem::xml() const { return document_->Xml(); }
-void cAgentItem::xml(StringView value) { document_->Load(value); }
+void cAgentItem::xml(StringView value) {
+    document_->Load(value);
+    jid_ = document_->Root().Attribute(u"jid");
+}
 
-String cAgentItem::JID() const { return document_->Root().Attribute(u"jid"); }
 String cAgentItem::Name() const { return document_->Root().Child(u"name").Text(); }
 String cAgentItem::Service() const { return document_->Root().Child(u"service").Text(); }
 
