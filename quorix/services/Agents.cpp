@@ -4,6 +4,7 @@
 #include <map>
 
 #include "quorix/base/Number.h"
+#include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
 
@@ -19,9 +20,7 @@ void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
 }
 
 std::int16_t Agents::FindAgent(StringView jid) const {
-    auto found =
-        std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->jid_ == jid; });
-    return found == items_.end() ? std::int16_t{0} : ToInt16(found - items_.begin() + 1);
+    return ToInt16(PositionWhere(items_, [&](const auto& agent) { return agent->jid_ == jid; }));
 }
 
 bool Agents::Knows(StringView bareJid) const {
