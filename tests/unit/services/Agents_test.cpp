@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Agents.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -22,7 +22,7 @@ protected:
         return agents.Items().Item(1);
     }
 
-    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
     std::shared_ptr<FakeLink> link = std::make_shared<FakeLink>(log);
     std::shared_ptr<cSearchFields> searchFields = std::make_shared<cSearchFields>();
     Agents agents{searchFields};

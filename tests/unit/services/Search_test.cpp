@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Search.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -19,7 +19,7 @@ protected:
         return Utf8FromText(text);
     }
 
-    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
     FakeLink link{log};
     Search search;
 };

@@ -15,7 +15,7 @@
 
 namespace quorix::tests {
 
-class EventLog : public SessionEvents {
+class ServiceLog : public SessionEvents {
 public:
     std::vector<std::string> Take() { return std::exchange(lines_, {}); }
 
