@@ -88,10 +88,27 @@ void AgentList(benchmark::State& state) {
     for (auto _ : state) Agents(std::make_shared<cSearchFields>()).HandleList(link, StanzaOf(reply));
 }
 
+// Every field is looked up before it is added.
+void RegistrationForm(benchmark::State& state) {
+    String reply = Concat({u"<iq type='result' from='a'><query xmlns='jabber:iq:register'>",
+                           Repeat(state.range(0),
+                                  [](StringView i) {
+                                      return Concat({u"<field", i, u">value</field", i, u">"});
+                                  }),
+                           u"</query></iq>"});
+    auto link = std::make_shared<FakeLink>(std::make_shared<Reader>());
+    for (auto _ : state) {
+        Agents agents(std::make_shared<cSearchFields>());
+        agents.HandleList(link, StanzaOf(u"<iq><query><agent jid='a'/></query></iq>"));
+        agents.HandleRegistrationForm(StanzaOf(reply));
+    }
+}
+
 BENCHMARK(RoomsOfAServer)->Arg(10'000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(EntriesOfARoom)->Arg(10'000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(SearchHits)->Arg(10'000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(AgentList)->Arg(2'500)->Arg(5'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(RegistrationForm)->Arg(10'000)->Arg(20'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quorix

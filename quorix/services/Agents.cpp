@@ -4,6 +4,7 @@
 #include <map>
 
 #include "quorix/base/Number.h"
+#include "quorix/services/Outermost.h"
 #include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
@@ -30,7 +31,7 @@ bool Agents::Knows(StringView bareJid) const {
 
 void Agents::HandleList(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
     link->Raise(&SessionEvents::OnAgentBegin);
-    for (const XmlNode& element : stanza.root.Select(u"//agent")) AddAgent(link, element);
+    for (const XmlNode& element : Outermost(stanza.root, u"agent")) AddAgent(link, element);
     link->Raise(&SessionEvents::OnAgentEnd);
 }
 

@@ -52,6 +52,11 @@ TEST_F(AgentsTest, ANameThatIsTakenIsPassedOverAndTheListGoesOn) {
     EXPECT_EQ(agents.Items().Item(u"C")->JID(), u"c");
 }
 
+TEST_F(AgentsTest, AnAgentInsideAnAgentIsPartOfIt) {
+    Handle(u"<iq><query><agent jid='a'><agent jid='b'><name>B</name></agent></agent></query></iq>");
+    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentEnd"}));
+}
+
 TEST_F(AgentsTest, AnErrorHasBeginAndEndOnly) {
     Handle(u"<iq type='error' id='fullagents'><query xmlns='jabber:iq:agents'/><error code='503'/></iq>");
     EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentEnd"}));

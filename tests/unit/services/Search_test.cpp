@@ -110,6 +110,26 @@ TEST_F(SearchTest, ResultsThatAnApplicationKeptStayUntilTheConnectionEnds) {
     EXPECT_EQ(search.Searchresults(), current);
 }
 
+TEST_F(SearchTest, ThousandsOfHitsWithoutAnAddressAreAllThere) {
+    String items;
+    for (int i = 0; i < 5000; ++i) items += u"<item><a>x</a></item>";
+    EXPECT_EQ(Handle(Concat({u"<query>", items, u"</query>"})), (Lines{"SearchResults 5000"}));
+    EXPECT_EQ(search.Searchresults()->Item(5000)->SearchItem(), u"");
+}
+
+TEST_F(SearchTest, HitsInsideHitsDoNotMultiplyTheirText) {
+    String open, close;
+    for (int i = 0; i < 400; ++i) {
+        open += u"<item><a>";
+        close += u"</a></item>";
+    }
+    String text(1000, u'x');
+    EXPECT_EQ(Handle(Concat({u"<query><x><item><b>1</b></item></x>", open, text, close,
+                             u"<y><item><b>2</b></item></y></query>"})),
+              (Lines{"SearchResults 3"}));
+    EXPECT_EQ(search.Searchresults()->Item(2)->Fields()->Item(1)->FieldData().size(), 1000U);
+}
+
 TEST_F(SearchTest, AKeyIsUsedUnlessItIsEmpty) {
     cSearchFields fields;
     fields.Add(u"a", u"1", u"k");
