@@ -201,14 +201,5 @@ TEST_F(RoomReplies, ASecretMeansAPasswordAndOnlyResultsCount) {
     EXPECT_EQ(log->Take(), (Lines{"GroupChat r@c iq"}));
 }
 
-TEST_F(RoomReplies, AnInvitationIsToldFromOtherMessages) {
-    EXPECT_TRUE(
-        HandleInvitation(link, StanzaOf(u"<message from='a@b'><x xmlns='jabber:x:conference' jid='r@c'/>"
-                                        u"<subject>S</subject><body>B</body></message>")));
-    EXPECT_FALSE(
-        HandleInvitation(link, StanzaOf(u"<message from='a@b'><x xmlns='jabber:x:oob'/></message>")));
-    EXPECT_EQ(log->Take(), (Lines{"GCInvite10 r@c a@b 'B' 'S' message"}));
-}
-
 }  // namespace
 }  // namespace quorix::tests
