@@ -1,14 +1,6 @@
 #include "tests/unit/session/SessionFixture.h"
 
-#include <algorithm>
-
 namespace quorix {
-
-std::size_t EventRecorder::Count(const std::string& event) const {
-    return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-        return line.substr(0, line.find(' ')) == event;
-    }));
-}
 
 SessionTest::SessionTest() {
     session->Advise(events);
