@@ -6,6 +6,7 @@
 // Threads: start and use a server on the main thread; the system stops it when that thread ends.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -33,9 +34,8 @@ public:
     // when it ends or 30 s pass before. Nothing happens when it runs already.
     void Start();
 
-    // Ends the server at once, without a word to its clients. Started again, it has the same port and
-    // accounts.
-    void Kill() { processes_.clear(); }
+    // Ends the server without a word to its clients. Started again, it has the same port and accounts.
+    void Kill();
 
     int Port() const { return port_; }
     int TlsPort() const { return tls_port_; }  // 0 when made without a certificate
@@ -48,6 +48,8 @@ protected:
     virtual void Configure() = 0;
     // Starts the programs of the server.
     virtual void Launch() = 0;
+    // How long what a client was told may still be on its way to the disk.
+    virtual std::chrono::milliseconds Settling() const { return std::chrono::milliseconds(0); }
 
     std::string File(const std::string& name) const { return (folder_ / name).string(); }
     void Write(const std::string& name, const std::string& text) const;
@@ -57,6 +59,7 @@ protected:
 
 private:
     [[noreturn]] void Fail(const std::string& what) const;
+    std::vector<std::filesystem::path> Logs() const;
     void GiveToUser() const;
 
     std::string user_;
