@@ -81,7 +81,7 @@ void RealServer::Start() {
 
 void RealServer::Kill() {
     if (processes_.empty()) return;
-    std::this_thread::sleep_for(Settling());
+    Settle();
     processes_.clear();
 }
 

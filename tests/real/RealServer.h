@@ -6,7 +6,6 @@
 // Threads: start and use a server on the main thread; the system stops it when that thread ends.
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -48,8 +47,8 @@ protected:
     virtual void Configure() = 0;
     // Starts the programs of the server.
     virtual void Launch() = 0;
-    // How long what a client was told may still be on its way to the disk.
-    virtual std::chrono::milliseconds Settling() const { return std::chrono::milliseconds(0); }
+    // Returns when what clients were told can no longer be lost.
+    virtual void Settle() {}
 
     std::string File(const std::string& name) const { return (folder_ / name).string(); }
     void Write(const std::string& name, const std::string& text) const;

@@ -1,11 +1,16 @@
 #include "tests/real/Servers.h"
 
 #include <gmock/gmock.h>
+#include <openssl/ssl.h>
 
-#include <regex>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
 
 #include "quorix/auth/SHAHash.h"
 #include "quorix/base/WireText.h"
+#include "testkit/Certificates.h"
 #include "tests/real/Loopback.h"
 
 namespace quorix::real {
@@ -19,8 +24,8 @@ public:
     explicit PlainSession(int port) : connection_(port) {
         connection_.Send(kStreamHeader);
         const std::string header = connection_.ReceiveUntil("<stream:stream");
-        std::smatch found;
-        if (std::regex_search(header, found, std::regex(R"( id=["']([^"']+)["'])"))) id_ = found[1];
+        const auto start = header.find(" id=") + 5;
+        id_ = header.substr(start, header.find(header[start - 1], start) - start);
     }
 
     // The answer, up to the first '>' behind `mark`.
@@ -90,6 +95,36 @@ TEST_P(Servers, KeepPortAndAccountsWhenKilled) {
 }
 
 QUORIX_ON_EVERY_SERVER(Servers);
+
+// What a server says to a stream header within TLS, whatever its certificate; "" when it speaks no TLS.
+std::string AnswerOverTls(int port) {
+    const std::unique_ptr<SSL_CTX, testkit::Freeing<SSL_CTX_free>> context(SSL_CTX_new(TLS_client_method()));
+    const std::unique_ptr<BIO, testkit::Freeing<BIO_free_all>> channel(BIO_new_ssl_connect(context.get()));
+    BIO_set_conn_hostname(channel.get(), ("127.0.0.1:" + std::to_string(port)).c_str());
+    BIO_write(channel.get(), kStreamHeader.data(), static_cast<int>(kStreamHeader.size()));
+    std::array<char, 4096> answer{};
+    const int length = BIO_read(channel.get(), answer.data(), answer.size());
+    return {answer.data(), static_cast<std::size_t>(std::max(length, 0))};
+}
+
+class TlsServers : public ::testing::TestWithParam<ServerKind> {};
+
+TEST_P(TlsServers, AnswerAStreamHeader) {
+    const std::string missing = WhyMissing(GetParam());
+    if (!missing.empty()) {
+        SkipOrFail(missing);
+        return;
+    }
+    const auto identity = testkit::SelfSigned({});
+    const Certificate certificate{identity.SaveCertificate(::testing::TempDir()),
+                                  identity.SaveKey(::testing::TempDir())};
+    const auto server = MakeServer(GetParam(), &certificate);
+    server->Start();
+    EXPECT_THAT(AnswerOverTls(server->TlsPort()), HasSubstr("xml"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Real, TlsServers, ::testing::Values(ServerKind::ejabberd, ServerKind::prosody),
+                         NameOfCase);
 
 }  // namespace
 }  // namespace quorix::real
