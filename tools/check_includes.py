@@ -14,7 +14,7 @@ FOLDERS = {
     "apps": {"quorix", "testkit"},
     "examples": {"quorix"},
     "tests": {"quorix", "testkit"},
-    "bench": {"quorix", "testkit"},
+    "bench": {"quorix", "testkit", "tests"},
     "fuzz": {"quorix", "testkit"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

@@ -23,9 +23,8 @@ public:
     Reader& operator=(const Reader&) = delete;
 
     void Resume() {
-        if (watch_ == 0)
-            watch_ =
-                g_unix_fd_add(STDIN_FILENO, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), OnReady, this);
+        constexpr auto kReadable = static_cast<GIOCondition>(G_IO_IN | G_IO_HUP);
+        if (watch_ == 0) watch_ = g_unix_fd_add(STDIN_FILENO, kReadable, OnReady, this);
     }
     void Pause() {
         if (watch_ != 0) g_source_remove(std::exchange(watch_, 0U));

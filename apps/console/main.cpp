@@ -1,9 +1,12 @@
 // The console client.
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 
 #include "apps/console/Console.h"
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     quorix::console::Options options;
     CLI::App app{"A Jabber client for the console, for servers that offer the jabber:iq:auth login."};
     app.add_option("--server", options.server, "host name and domain of the server")->required();
@@ -15,4 +18,7 @@ int main(int argc, char** argv) {
     app.add_flag("--xml", options.xml, "shows the traffic, with passwords and digests masked");
     CLI11_PARSE(app, argc, argv);
     return std::make_shared<quorix::console::Console>(options)->Run();
+} catch (const std::exception& error) {
+    std::fputs(error.what(), stderr);
+    return EXIT_FAILURE;
 }

@@ -12,11 +12,10 @@ namespace {
 constexpr const char* kPackaged = "/etc/jabberd2/";
 constexpr const char* kTables = "/usr/share/doc/jabberd2/db-setup.sqlite.gz";
 
+// "" when there is no such file.
 std::string Contents(const std::string& file) {
-    std::ifstream in(file);
-    if (!in) throw std::runtime_error("Cannot read " + file);
     std::ostringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(file).rdbuf();
     return text.str();
 }
 
@@ -69,7 +68,7 @@ private:
                              .Replace("<stanzasize>65535</stanzasize>", "<stanzasize>0</stanzasize>")
                              .Text());
         const std::string tables =
-            "zcat " + std::string(kTables) + " | sqlite3 '" + File("accounts.db") + "'";
+            "zcat " + std::string(kTables) + " | sqlite3 '" + File("accounts.db") + "' >/dev/null";
         if (std::system(tables.c_str()) != 0) throw std::runtime_error("Failed: " + tables);
     }
 
@@ -82,9 +81,6 @@ private:
     }
 
     void Launch() override {
-        // The programs append to their logs; a line of an earlier run must not be taken for one of this run.
-        for (const char* program : {"router", "sm", "c2s"})
-            std::ofstream(File(std::string(program) + ".log"));
         RunProgram("router");
         Await("the router", [this] { return Accepts(router_port_); });
         RunProgram("sm");

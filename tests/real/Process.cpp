@@ -35,7 +35,11 @@ std::vector<std::string> CommandLine(const ProcessSetup& setup) {
 std::vector<std::string> Environment(const ProcessSetup& setup) {
     std::vector<std::string> variables;
     for (const auto& [name, value] : setup.environment) variables.push_back(name + "=" + value);
-    for (char** own = environ; *own != nullptr; ++own) variables.emplace_back(*own);
+    for (char** own = environ; *own != nullptr; ++own) {
+        const std::string variable = *own;
+        if (!setup.environment.contains(variable.substr(0, variable.find('='))))
+            variables.push_back(variable);
+    }
     return variables;
 }
 

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <sstream>
@@ -19,6 +20,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr auto kPatience = 30s;
+constexpr std::size_t kShown = 2000;  // characters of each log when a server fails
 
 fs::path TemporaryFolder() {
     std::string name = fs::temp_directory_path() / "quorix-server-XXXXXX";
@@ -56,7 +58,7 @@ RealServer::RealServer(std::string user, const Certificate* certificate)
 }
 
 RealServer::~RealServer() {
-    Kill();
+    processes_.clear();
     std::error_code ignored;
     fs::remove_all(folder_, ignored);
 }
@@ -65,9 +67,22 @@ void RealServer::Start() {
     if (!processes_.empty()) return;
     if (!configured_) Configure();
     configured_ = true;
+    // What an earlier run wrote must not be taken for this one's.
+    for (const auto& log : Logs()) fs::remove(log);
     GiveToUser();
-    Launch();
-    Await("an answer to a stream header", [this] { return AnswersHeader(port_); });
+    try {
+        Launch();
+        Await("an answer to a stream header", [this] { return AnswersHeader(port_); });
+    } catch (...) {
+        processes_.clear();
+        throw;
+    }
+}
+
+void RealServer::Kill() {
+    if (processes_.empty()) return;
+    Settle();
+    processes_.clear();
 }
 
 void RealServer::Write(const std::string& name, const std::string& text) const {
@@ -98,6 +113,14 @@ void RealServer::Fail(const std::string& what) const {
             message += "\n" + file.path().string() + ":\n" + Contents(file);
     }
     throw std::runtime_error(message);
+}
+
+std::vector<fs::path> RealServer::Logs() const {
+    std::vector<fs::path> logs;
+    for (const auto& file : fs::directory_iterator(folder_)) {
+        if (file.path().extension() == ".log") logs.push_back(file);
+    }
+    return logs;
 }
 
 void RealServer::GiveToUser() const {

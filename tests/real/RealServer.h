@@ -33,9 +33,8 @@ public:
     // when it ends or 30 s pass before. Nothing happens when it runs already.
     void Start();
 
-    // Ends the server at once, without a word to its clients. Started again, it has the same port and
-    // accounts.
-    void Kill() { processes_.clear(); }
+    // Ends the server without a word to its clients. Started again, it has the same port and accounts.
+    void Kill();
 
     int Port() const { return port_; }
     int TlsPort() const { return tls_port_; }  // 0 when made without a certificate
@@ -48,6 +47,8 @@ protected:
     virtual void Configure() = 0;
     // Starts the programs of the server.
     virtual void Launch() = 0;
+    // Returns when what clients were told can no longer be lost.
+    virtual void Settle() {}
 
     std::string File(const std::string& name) const { return (folder_ / name).string(); }
     void Write(const std::string& name, const std::string& text) const;
@@ -57,6 +58,7 @@ protected:
 
 private:
     [[noreturn]] void Fail(const std::string& what) const;
+    std::vector<std::filesystem::path> Logs() const;
     void GiveToUser() const;
 
     std::string user_;

@@ -20,6 +20,8 @@ enum class ServerKind { ejabberd, prosody, jabberd2 };
 const char* Name(ServerKind kind);
 inline void PrintTo(ServerKind kind, std::ostream* out) { *out << Name(kind); }
 
+inline std::string NameOfCase(const ::testing::TestParamInfo<ServerKind>& info) { return Name(info.param); }
+
 // Why this machine cannot run the server; empty when it can.
 std::string WhyMissing(ServerKind kind);
 
@@ -47,6 +49,6 @@ private:
         Real, suite,                                                                                 \
         ::testing::Values(::quorix::real::ServerKind::ejabberd, ::quorix::real::ServerKind::prosody, \
                           ::quorix::real::ServerKind::jabberd2),                                     \
-        [](const auto& made) { return ::quorix::real::Name(made.param); })
+        ::quorix::real::NameOfCase)
 
 }  // namespace quorix::real

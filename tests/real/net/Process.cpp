@@ -15,8 +15,6 @@
 
 #include "quorix/platform/MessageLoop.h"
 
-extern char** environ;
-
 namespace quorix::testing_real {
 
 namespace {
