@@ -284,7 +284,14 @@ std::size_t cSocketSSL::SendNow(std::string_view bytes) {
     return sent;
 }
 
-void cSocketSSL::Flush() { unsent_.Pop(SendNow(unsent_.Front())); }
+void cSocketSSL::Flush() {
+    while (!unsent_.IsEmpty()) {
+        std::size_t waiting = unsent_.Front().size();
+        std::size_t sent = SendNow(unsent_.Front());
+        unsent_.Pop(sent);
+        if (sent < waiting) return;
+    }
+}
 
 void cSocketSSL::OnWritable() {
     Flush();
