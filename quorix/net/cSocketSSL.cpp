@@ -246,21 +246,22 @@ void cSocketSSL::OnNothingReceived(std::int32_t error) {
 }
 
 void cSocketSSL::Deliver(std::string_view bytes) {
-    if (!lineSeparator_.empty()) return DeliverLines(bytes);
-    Raise(&SocketEvents::OnDataArrival, bytes, String(remoteHost_));
+    String peer = remoteHost_;  // a handler may change it
+    if (lineSeparator_.empty()) return Raise(&SocketEvents::OnDataArrival, bytes, peer);
+    lines_.Append(bytes.substr(0, bytes.find('\0')));
+    DeliverLines(peer);
 }
 
-void cSocketSSL::DeliverLines(std::string_view bytes) {
+void cSocketSSL::DeliverLines(StringView peer) {
     Moment before(*this);
-    lines_.Append(WireFromBytes(bytes.substr(0, bytes.find('\0'))));
     while (!lineSeparator_.empty()) {
         auto line = lines_.TakeLine(lineSeparator_);
         if (!line) break;
-        Raise(&SocketEvents::OnLineDataArrival, *line, String(remoteHost_));
+        Raise(&SocketEvents::OnLineDataArrival, *line, peer);
         if (before.HasPassed()) return;
     }
-    std::string leftOver = BytesFromWire(lines_.TakeLeftOver());
-    if (!leftOver.empty()) Raise(&SocketEvents::OnDataArrival, leftOver, String(remoteHost_));
+    std::string leftOver(lines_.TakeLeftOver());
+    if (!leftOver.empty()) Raise(&SocketEvents::OnDataArrival, leftOver, peer);
 }
 
 void cSocketSSL::SendData(StringView wireText) { SendBytes(BytesFromWire(wireText)); }
