@@ -19,7 +19,6 @@ constexpr std::int32_t kServerEvents = SOCK_Read | SOCK_Write | SOCK_Accept | SO
 constexpr std::int32_t kBacklog = 5;
 constexpr std::size_t kReadBlock = 2000;
 constexpr std::size_t kFileBlock = 5000;
-constexpr std::int32_t kNoSuchHost = 100;
 constexpr std::int32_t kNotASocket = 10038;
 constexpr std::int32_t kTimedOut = 0;
 constexpr std::int32_t kNotJudgedYet = 1;
@@ -75,7 +74,7 @@ void cSocketSSL::Connect() {
     Open();
     state_ = sockConnecting;
     auto ip = ResolveHost(environment_, remoteHost_);
-    if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, u"No valid Hostaddress");
+    if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, kNoSuchHostText);
     if (std::int32_t error = OpenSocket(false)) return Fail(error);
     Address peer{*ip, Port(remotePort_)};
     sslEnable_ ? ConnectSecure(peer) : ConnectPlain(peer);

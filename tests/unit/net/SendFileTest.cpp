@@ -12,7 +12,7 @@ namespace {
 
 class SendFile : public ::testing::Test {
 protected:
-    SendFile() : path(std::filesystem::temp_directory_path() / "quorix-send-file-\u00E9.bin") {
+    SendFile() : path(std::filesystem::temp_directory_path() / u"quorix-send-file-\u00E9.bin") {
         for (int i = 0; i < 12003; ++i) contents += static_cast<char>(i);
         std::ofstream(path, std::ios::binary) << contents;
         client = SocketRecorder::Connecting();
