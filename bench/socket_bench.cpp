@@ -9,7 +9,6 @@
 
 #include <array>
 #include <atomic>
-#include <filesystem>
 #include <functional>
 #include <thread>
 
@@ -18,6 +17,7 @@
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
 #include "testkit/Certificates.h"
+#include "testkit/TemporaryFolder.h"
 
 namespace quorix {
 namespace {
@@ -38,17 +38,10 @@ const std::string& Block() {
 }
 
 struct CertificateFiles {
-    CertificateFiles() {
-        testkit::Identity identity = testkit::SelfSigned({});
-        certificate = identity.SaveCertificate(std::filesystem::temp_directory_path());
-        key = identity.SaveKey(std::filesystem::temp_directory_path());
-    }
-    ~CertificateFiles() {
-        std::filesystem::remove(certificate);
-        std::filesystem::remove(key);
-    }
-    std::string certificate;
-    std::string key;
+    testkit::TemporaryFolder folder;
+    testkit::Identity identity = testkit::SelfSigned({});
+    std::string certificate = identity.SaveCertificate(folder.Path());
+    std::string key = identity.SaveKey(folder.Path());
 };
 
 // One side of the transfer: sends or receives everything, and then ends its thread's loop.

@@ -10,9 +10,10 @@
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
 #include "testkit/Certificates.h"
-#include "tests/real/net/Process.h"
+#include "testkit/TemporaryFolder.h"
+#include "tests/real/net/RunUntil.h"
 
-namespace quorix::testing_real {
+namespace quorix::real {
 namespace {
 
 constexpr std::size_t kTotal = 64'000'000;
@@ -98,7 +99,7 @@ protected:
         EXPECT_TRUE(server->same);
     }
 
-    Folder folder;
+    testkit::TemporaryFolder folder;
     testkit::Identity identity = testkit::SelfSigned({});
     const std::string text = Text();
     std::atomic<int> port = 0;
@@ -137,4 +138,4 @@ INSTANTIATE_TEST_SUITE_P(Manners, Bulk,
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace
-}  // namespace quorix::testing_real
+}  // namespace quorix::real

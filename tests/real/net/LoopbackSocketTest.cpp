@@ -9,10 +9,10 @@
 
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
-#include "tests/real/net/Process.h"
+#include "tests/real/net/RunUntil.h"
 #include "tests/unit/net/SocketRecorder.h"
 
-namespace quorix::testing_real {
+namespace quorix::real {
 namespace {
 
 using testing_net::Log;
@@ -239,4 +239,4 @@ TEST(SystemLoopDeathTest, ASocketInAStaticVariableIsClosedInPeace) {
 }
 
 }  // namespace
-}  // namespace quorix::testing_real
+}  // namespace quorix::real

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "quorix/net/SecureChannel.h"
 #include "testkit/DeterministicEnvironment.h"
+#include "testkit/TemporaryFolder.h"
 #include "testkit/TlsPeer.h"
 #include "tests/unit/net/SocketRecorder.h"
 
@@ -11,16 +10,6 @@ namespace quorix::testing_net {
 namespace {
 
 using namespace testkit;
-
-class TemporaryFolder {
-public:
-    TemporaryFolder() { std::filesystem::create_directories(path_); }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    const std::filesystem::path& Path() const { return path_; }
-
-private:
-    std::filesystem::path path_ = std::filesystem::temp_directory_path() / "quorix-secure-socket";
-};
 
 class SecureSocket : public ::testing::Test {
 protected:
