@@ -1,6 +1,7 @@
 // The session through real proxies, to the loopback server in this process.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -76,8 +77,8 @@ protected:
         std::string everybody = " { from: 0.0.0.0/0 to: 0.0.0.0/0 }\n";
         std::string settings = "logoutput: stderr\ninternal: 127.0.0.1 port = " + std::to_string(own) +
                                "\nexternal: 127.0.0.1\nclientmethod: none\nsocksmethod: none\n" +
-                               "user.privileged: root\nuser.unprivileged: nobody\nclient pass" + everybody +
-                               "socks " + rule + everybody;
+                               (geteuid() == 0 ? "user.privileged: root\nuser.unprivileged: nobody\n" : "") +
+                               "client pass" + everybody + "socks " + rule + everybody;
         return std::make_unique<Peer>(
             folder, own, std::vector<std::string>{"danted", "-f", folder.Write("danted.conf", settings)});
     }
