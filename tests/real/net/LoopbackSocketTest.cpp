@@ -1,10 +1,10 @@
 // The socket on the system's own sockets and message loop.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <thread>
 
 #include "quorix/net/mSocketSSL.h"

@@ -1,8 +1,8 @@
 // The session through real proxies, to the loopback server in this process.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "quorix/net/mSocketSSL.h"

@@ -12,7 +12,7 @@ constexpr std::int32_t kLookInterval = 10;  // milliseconds
 
 bool RunUntil(const std::function<bool()>& done, int seconds) {
     Environment& environment = Environment::Current();
-    std::int64_t deadline = environment.Milliseconds() + seconds * 1000;
+    std::int64_t deadline = environment.Milliseconds() + std::int64_t{seconds} * 1000;
     TimerId timer = environment.SetTimer(kLookInterval, [] { MessageLoop::Quit(); });
     while (!done() && environment.Milliseconds() < deadline) MessageLoop::Run();
     environment.KillTimer(timer);

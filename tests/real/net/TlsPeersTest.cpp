@@ -1,6 +1,7 @@
 // TLS against OpenSSL's own programs.
 #include <gtest/gtest.h>
-#include <signal.h>
+
+#include <csignal>
 
 #include "quorix/net/mSocketSSL.h"
 #include "testkit/Certificates.h"
