@@ -211,6 +211,20 @@ TEST_F(SecureSocket, AHandshakeThatFailsIsAnAbortedConnection) {
     }
 }
 
+TEST_F(SecureSocket, APeerThatTricklesDoesNotOutlastTheTimeOut) {
+    std::string record = std::string("\x16\3\3\x40\0", 5) + std::string(100, 'x');
+    std::size_t said = 0;
+    environment.WhileWaiting([&] {
+        environment.Advance(100);
+        if (said < record.size()) Say(record.substr(said++, 1));
+    });
+    client->socket->TimeOut(700);
+    std::int64_t start = environment.Milliseconds();
+    client->socket->Connect();
+    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_LE(environment.Milliseconds() - start, 800);
+}
+
 TEST_F(SecureSocket, ACertificateOfNonsenseEndsTheHandshake) {
     Identity nonsense = SelfSigned({});
     nonsense.key.reset(EVP_EC_gen("P-256"));  // signs with a key that is not the certificate's
