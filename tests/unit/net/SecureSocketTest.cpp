@@ -223,6 +223,7 @@ TEST_F(SecureSocket, APeerThatTricklesDoesNotOutlastTheTimeOut) {
     client->socket->Connect();
     EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
     EXPECT_LE(environment.Milliseconds() - start, 800);
+    EXPECT_EQ(said, 7U);
 }
 
 TEST_F(SecureSocket, ACertificateOfNonsenseEndsTheHandshake) {
