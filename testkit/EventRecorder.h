@@ -73,9 +73,8 @@ public:
 private:
     template <class... Texts>
     void Note(const std::string& event, const Texts&... texts) {
-        std::string line = event;
-        ((line += " " + BytesFromWire(texts)), ...);
-        lines.push_back(line);
+        lines.push_back(event);
+        ((lines.back() += " " + BytesFromWire(texts)), ...);
         if (hook) hook(event);
     }
 };

@@ -21,6 +21,9 @@ void LoopbackServer::OnConnectionRequest() {
     auto connection = std::make_shared<LoopbackConnection>(*this, socket, streamId);
     connections_.push_back(connection);
     socket->Advise(connection);
+    socket->SSLEnable(!certificate_.empty());
+    socket->SSLServerCertificate(certificate_);
+    socket->SSLServerKey(key_);
     socket->Accept(AcceptConnection(listener_->SocketHandle()));
 }
 

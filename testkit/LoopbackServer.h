@@ -31,6 +31,13 @@ public:
     static std::shared_ptr<LoopbackServer> Create() { return std::make_shared<LoopbackServer>(); }
     ~LoopbackServer() override;
 
+    // From now on connections run over TLS, with this PEM certificate and key (file names, text). The
+    // handshake of each occupies the server's thread, so its client must be in another.
+    void UseCertificate(StringView certificate, StringView key) {
+        certificate_ = certificate;
+        key_ = key;
+    }
+
     // Begins to listen, on any free port or on the one given. Returns the port.
     std::uint16_t Start(std::uint16_t port = 0);
 
@@ -55,6 +62,8 @@ private:
     std::shared_ptr<cSocketSSL> listener_;
     std::vector<std::shared_ptr<LoopbackConnection>> connections_;
     std::map<String, LoopbackAccount, std::less<>> accounts_;
+    String certificate_;
+    String key_;
     std::uint32_t nextStream_ = 0;
 };
 

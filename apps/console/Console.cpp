@@ -1,10 +1,12 @@
 #include "apps/console/Console.h"
 
 #include <glib.h>
+#include <openssl/x509.h>
 
 #include <utility>
 
 #include "apps/console/Mask.h"
+#include "apps/console/Proxy.h"
 #include "quorix/base/WireText.h"
 #include "quorix/platform/MessageLoop.h"
 
@@ -40,6 +42,10 @@ int Console::Run() {
     ApplyOptions();
     Print(Concat({u"Connecting to ", session_->ServerAddress(), u" ..."}));
     session_->Connect(options_.newUser);
+    if (options_.tls && session_->IsConnected() && !TrustsPeer()) {
+        exitCode_ = 1;
+        Quit();
+    }
     MessageLoop::Run();
     session_->Unadvise(shared_from_this());
     terminal_.reset();
@@ -52,6 +58,43 @@ void Console::ApplyOptions() {
     session_->username(WireFromBytes(options_.user));
     session_->Password(TextFromUtf8(options_.password));
     session_->Resource(TextFromUtf8(options_.resource));
+    session_->UseSSL(options_.tls);
+    session_->Socket()->SSLCAFile(TextFromUtf8(options_.ca));
+    ApplyProxy();
+}
+
+void Console::ApplyProxy() {
+    std::optional<Proxy> proxy = ParseProxy(options_.proxy);
+    if (!proxy) return;
+    session_->ProxyType(proxy->type);
+    session_->ProxyHostname(TextFromUtf8(proxy->host));
+    session_->ProxyPort(proxy->port);
+    session_->ProxyAuthentication(proxy->withLogin ? KV_SocksUserPass : KV_SocksNoAuth);
+    session_->ProxyUsername(WireFromBytes(proxy->user));
+    session_->ProxyPassword(WireFromBytes(proxy->password));
+    session_->ProxyUseRemoteDNS(options_.remoteDns);
+}
+
+// -- Trust --
+
+String Console::PeerIdentity() const {
+    const cSocketSSL& socket = *session_->Socket();
+    return Concat({u"certificate of ", socket.SSLSubject(), u", issued by ", socket.SSLIssuer(), u": ",
+                   WireFromBytes(X509_verify_cert_error_string(socket.SSLTrusted()))});
+}
+
+bool Console::IsPeerAccepted() const {
+    bool trusted = session_->Socket()->SSLTrusted() == X509_V_OK;
+    return !options_.tls || trusted || options_.insecure || PeerIdentity() == acceptedPeer_;
+}
+
+bool Console::TrustsPeer() {
+    Print(Concat({u"TLS with ", session_->Socket()->SSLCipher(), u", ", PeerIdentity()}));
+    if (IsPeerAccepted()) return true;
+    Print(u"! The server is not trusted.");
+    if (!terminal_->Ask("Go on all the same? [y/N] ")) return false;
+    acceptedPeer_ = PeerIdentity();
+    return true;
 }
 
 void Console::Print(StringView text) { terminal_->Print(Utf8FromText(text)); }
@@ -127,7 +170,12 @@ void Console::OnSocketError(const NodePtr& /*XMLElement*/, StringView Descriptio
     MessageLoop::Quit();
 }
 
+// A reconnection is judged here: nothing secret has been sent when the server's first text arrives.
 void Console::OnIncomingXML(StringView XML) {
+    if (!IsPeerAccepted()) {
+        Print(Concat({u"! Another server answers, which is not trusted, ", PeerIdentity()}));
+        return Quit();
+    }
     if (options_.xml) Print(Concat({u"<< ", Readable(MaskSecrets(XML))}));
 }
 

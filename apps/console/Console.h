@@ -65,12 +65,17 @@ public:
 
 private:
     void ApplyOptions();
+    void ApplyProxy();
+    bool IsPeerAccepted() const;
+    bool TrustsPeer();
+    String PeerIdentity() const;
     void TakeLine(StringView line);
     void TakeEnd();
 
     Options options_;
     std::shared_ptr<cSession> session_;
     std::unique_ptr<Terminal> terminal_;
+    String acceptedPeer_;  // the one that the user did not mind
     bool loggedIn_ = false;
     bool quitting_ = false;
     int exitCode_ = 0;

@@ -12,6 +12,11 @@ struct Options {
     std::string user;
     std::string password;
     std::string resource = "console";
+    std::string ca = "/etc/ssl/certs/ca-certificates.crt";
+    std::string proxy;
+    bool tls = false;
+    bool insecure = false;
+    bool remoteDns = false;
     bool xml = false;
     bool newUser = false;
 };

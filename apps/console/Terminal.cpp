@@ -31,6 +31,7 @@ public:
     }
 
     virtual void Print(const std::string& line) { fmt::print("{}\n", line); }
+    virtual bool Ask(const std::string& /*question*/) { return false; }
 
 protected:
     virtual void Read() = 0;
@@ -57,7 +58,7 @@ class Terminal::Prompt : public Terminal::Reader {
 public:
     Prompt(LineHandler onLine, EndHandler onEnd) : Reader(std::move(onLine), std::move(onEnd)) {
         current = this;
-        rl_callback_handler_install("> ", OnLine);
+        Install();
     }
     ~Prompt() override {
         rl_callback_handler_remove();
@@ -72,10 +73,19 @@ public:
         rl_redisplay();
     }
 
+    bool Ask(const std::string& question) override {
+        rl_callback_handler_remove();
+        std::unique_ptr<char, decltype(&std::free)> answer(readline(question.c_str()), std::free);
+        Install();
+        return answer != nullptr && (*answer == 'y' || *answer == 'Y');
+    }
+
 protected:
     void Read() override { rl_callback_read_char(); }
 
 private:
+    static void Install() { rl_callback_handler_install("> ", OnLine); }
+
     static void OnLine(char* text) {
         if (text == nullptr) return current->End();
         std::string line(text);
@@ -120,6 +130,7 @@ Terminal::Terminal(LineHandler onLine, EndHandler onEnd) {
 Terminal::~Terminal() = default;
 void Terminal::Resume() { reader_->Resume(); }
 void Terminal::Pause() { reader_->Pause(); }
+bool Terminal::Ask(const std::string& question) { return reader_->Ask(question); }
 void Terminal::Print(const std::string& line) { reader_->Print(line); }
 
 }  // namespace quorix::console

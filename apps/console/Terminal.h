@@ -20,6 +20,9 @@ public:
     void Resume();
     void Pause();
 
+    // Asks a question and waits for "y", without running the loop. Through a pipe nobody can be asked: false.
+    bool Ask(const std::string& question);
+
     // Prints one line without disturbing what is being typed.
     void Print(const std::string& line);
 

@@ -1,6 +1,8 @@
-// Bytes that wait to be sent, in order.
+// Bytes that wait to be sent, in order. They are kept in blocks, so that nothing is moved while they wait and
+// memory is given back as they go.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
 
@@ -8,24 +10,38 @@ namespace quorix {
 
 class ByteQueue {
 public:
-    bool IsEmpty() const { return sent_ == bytes_.size(); }
-    std::string_view Front() const { return std::string_view(bytes_).substr(sent_); }
-    void Append(std::string_view bytes) { bytes_ += bytes; }
-    void Clear() { *this = ByteQueue(); }
+    bool IsEmpty() const { return blocks_.empty(); }
 
-    // Forgets the first `count` bytes. What has been sent is dropped when it outgrows the rest, so that each
-    // byte is moved a bounded number of times.
+    // The first bytes, some of them if not all.
+    std::string_view Front() const { return std::string_view(blocks_.front()).substr(sent_); }
+
+    // Forgets the first `count` bytes of Front.
     void Pop(std::size_t count) {
         sent_ += count;
-        if (IsEmpty()) return Clear();
-        if (sent_ < bytes_.size() / 2) return;
-        bytes_ = bytes_.substr(sent_);
+        if (sent_ < blocks_.front().size()) return;
+        blocks_.pop_front();
         sent_ = 0;
     }
 
+    void Append(std::string_view bytes) {
+        while (!bytes.empty()) bytes.remove_prefix(Fill(bytes));
+    }
+
+    void Clear() { *this = ByteQueue(); }
+
 private:
-    std::string bytes_;
-    std::size_t sent_ = 0;
+    static constexpr std::size_t kBlock = 65536;
+
+    std::size_t Fill(std::string_view bytes) {
+        if (blocks_.empty() || blocks_.back().size() == kBlock) blocks_.emplace_back();
+        std::string& last = blocks_.back();
+        std::string_view fitting = bytes.substr(0, kBlock - last.size());
+        last += fitting;
+        return fitting.size();
+    }
+
+    std::deque<std::string> blocks_;  // none of them empty, each but the last full
+    std::size_t sent_ = 0;            // of the first one
 };
 
 }  // namespace quorix

@@ -2,39 +2,51 @@
 
 #include <algorithm>
 
+#include "quorix/base/WireText.h"
+
 namespace quorix {
 
-void LineBuffer::Append(StringView text) {
+namespace {
+
+bool IsWireText(StringView text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c <= 0xFF; });
+}
+
+}  // namespace
+
+void LineBuffer::Append(std::string_view bytes) {
     DropConsumed();
-    text_ += text;
+    bytes_ += bytes;
 }
 
 std::optional<String> LineBuffer::TakeLine(StringView separator) {
-    if (separator != separator_) {
-        separator_ = separator;
-        searched_ = start_;
-    }
-    std::size_t at = text_.find(separator, searched_);
-    if (at == String::npos) {
-        std::size_t overlap = std::min(text_.size() - start_, separator.size() - 1);
-        searched_ = text_.size() - overlap;
+    if (!IsWireText(separator)) return {};
+    if (separator != separator_) UseSeparator(separator);
+    std::size_t at = bytes_.find(separatorBytes_, searched_);
+    if (at == std::string::npos) {
+        std::size_t overlap = std::min(bytes_.size() - start_, separatorBytes_.size() - 1);
+        searched_ = bytes_.size() - overlap;
         return {};
     }
-    String line = text_.substr(start_, at - start_);
-    start_ = searched_ = at + separator.size();
+    String line = WireFromBytes(std::string_view(bytes_).substr(start_, at - start_));
+    start_ = searched_ = at + separatorBytes_.size();
     return line;
 }
 
-StringView LineBuffer::TakeLeftOver() {
+std::string_view LineBuffer::TakeLeftOver() {
     std::size_t from = std::max(start_, handed_);
-    handed_ = text_.size();
-    return StringView(text_).substr(from);
+    handed_ = bytes_.size();
+    return std::string_view(bytes_).substr(from);
 }
 
-void LineBuffer::Clear() { *this = LineBuffer(); }
+void LineBuffer::UseSeparator(StringView separator) {
+    separator_ = separator;
+    separatorBytes_ = BytesFromWire(separator);
+    searched_ = start_;
+}
 
 void LineBuffer::DropConsumed() {
-    text_.erase(0, start_);
+    bytes_.erase(0, start_);
     searched_ -= start_;
     handed_ = std::max(handed_, start_) - start_;
     start_ = 0;

@@ -1,7 +1,7 @@
-// Received text on its way to become lines. The searching resumes where it stopped, and nothing is moved
+// Received bytes on their way to become lines. The searching resumes where it stopped, and nothing is moved
 // that has been searched, so the cost is in proportion to the text, however it is cut into blocks.
 //
-// Handlers may pump messages, and so add text while lines are being taken: all positions live here.
+// Handlers may pump messages, and so add bytes while lines are being taken: all positions live here.
 #pragma once
 
 #include <optional>
@@ -12,21 +12,23 @@ namespace quorix {
 
 class LineBuffer {
 public:
-    void Append(StringView text);
+    void Append(std::string_view bytes);
 
-    // The next complete line, without its separator (which must not be empty).
+    // The next complete line (wire text), without its separator (which must not be empty).
     std::optional<String> TakeLine(StringView separator);
 
-    // The text behind the last line that was not handed out by an earlier call. It stays pending.
-    StringView TakeLeftOver();
+    // The bytes behind the last line that were not handed out by an earlier call. They stay pending.
+    std::string_view TakeLeftOver();
 
-    void Clear();
+    void Clear() { *this = LineBuffer(); }
 
 private:
+    void UseSeparator(StringView separator);
     void DropConsumed();
 
-    String text_;
+    std::string bytes_;
     String separator_;
+    std::string separatorBytes_;
     std::size_t start_ = 0;     // of the pending line
     std::size_t searched_ = 0;  // no separator begins before this
     std::size_t handed_ = 0;    // handed out as left-over up to here

@@ -19,7 +19,6 @@ constexpr std::int32_t kServerEvents = SOCK_Read | SOCK_Write | SOCK_Accept | SO
 constexpr std::int32_t kBacklog = 5;
 constexpr std::size_t kReadBlock = 2000;
 constexpr std::size_t kFileBlock = 5000;
-constexpr std::int32_t kNoSuchHost = 100;
 constexpr std::int32_t kNotASocket = 10038;
 constexpr std::int32_t kTimedOut = 0;
 constexpr std::int32_t kNotJudgedYet = 1;
@@ -75,7 +74,7 @@ void cSocketSSL::Connect() {
     Open();
     state_ = sockConnecting;
     auto ip = ResolveHost(environment_, remoteHost_);
-    if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, u"No valid Hostaddress");
+    if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, kNoSuchHostText);
     if (std::int32_t error = OpenSocket(false)) return Fail(error);
     Address peer{*ip, Port(remotePort_)};
     sslEnable_ ? ConnectSecure(peer) : ConnectPlain(peer);
@@ -246,21 +245,22 @@ void cSocketSSL::OnNothingReceived(std::int32_t error) {
 }
 
 void cSocketSSL::Deliver(std::string_view bytes) {
-    if (!lineSeparator_.empty()) return DeliverLines(bytes);
-    Raise(&SocketEvents::OnDataArrival, bytes, String(remoteHost_));
+    String peer = remoteHost_;  // a handler may change it
+    if (lineSeparator_.empty()) return Raise(&SocketEvents::OnDataArrival, bytes, peer);
+    lines_.Append(bytes.substr(0, bytes.find('\0')));
+    DeliverLines(peer);
 }
 
-void cSocketSSL::DeliverLines(std::string_view bytes) {
+void cSocketSSL::DeliverLines(StringView peer) {
     Moment before(*this);
-    lines_.Append(WireFromBytes(bytes.substr(0, bytes.find('\0'))));
     while (!lineSeparator_.empty()) {
         auto line = lines_.TakeLine(lineSeparator_);
         if (!line) break;
-        Raise(&SocketEvents::OnLineDataArrival, *line, String(remoteHost_));
+        Raise(&SocketEvents::OnLineDataArrival, *line, peer);
         if (before.HasPassed()) return;
     }
-    std::string leftOver = BytesFromWire(lines_.TakeLeftOver());
-    if (!leftOver.empty()) Raise(&SocketEvents::OnDataArrival, leftOver, String(remoteHost_));
+    std::string leftOver(lines_.TakeLeftOver());
+    if (!leftOver.empty()) Raise(&SocketEvents::OnDataArrival, leftOver, peer);
 }
 
 void cSocketSSL::SendData(StringView wireText) { SendBytes(BytesFromWire(wireText)); }
@@ -284,7 +284,14 @@ std::size_t cSocketSSL::SendNow(std::string_view bytes) {
     return sent;
 }
 
-void cSocketSSL::Flush() { unsent_.Pop(SendNow(unsent_.Front())); }
+void cSocketSSL::Flush() {
+    while (!unsent_.IsEmpty()) {
+        std::size_t waiting = unsent_.Front().size();
+        std::size_t sent = SendNow(unsent_.Front());
+        unsent_.Pop(sent);
+        if (sent < waiting) return;
+    }
+}
 
 void cSocketSSL::OnWritable() {
     Flush();

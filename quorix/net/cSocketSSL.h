@@ -197,7 +197,7 @@ private:
     void Flush();
     void OnNothingReceived(std::int32_t error);
     void Deliver(std::string_view bytes);
-    void DeliverLines(std::string_view bytes);
+    void DeliverLines(StringView peer);
 
     template <class... Parameters, class... Arguments>
     void Raise(void (SocketEvents::*event)(Parameters...), const Arguments&... arguments);

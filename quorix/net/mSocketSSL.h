@@ -16,6 +16,10 @@ class cSocketSSL;
 // The English text of a socket error number, "" for a number that is not listed.
 StringView SocketErrorText(std::int32_t number);
 
+// What is reported for a host that does not resolve.
+constexpr std::int32_t kNoSuchHost = 100;
+constexpr StringView kNoSuchHostText = u"No valid Hostaddress";
+
 // The IPv4 address of a host name or dotted address (text, ASCII), in host byte order. Blocks while looking
 // up. None when there is no such host, and for the broadcast address.
 std::optional<std::uint32_t> ResolveHost(Environment& environment, StringView host);

@@ -7,6 +7,8 @@
 #include "quorix/base/Number.h"
 #include "quorix/base/WireText.h"
 #include "quorix/base/modUTF_8.h"
+#include "quorix/net/HttpTunnel.h"
+#include "quorix/net/mSocketSSL.h"
 #include "quorix/session/Dispatcher.h"
 
 namespace quorix {
@@ -147,8 +149,8 @@ void cSession::Connect(bool bNewUser) {
     socket_->SSLEnable(useSSL_);
     switch (proxyType_) {
         case KV_NoProxy: return OpenSocket(serverAddress_, static_cast<std::uint16_t>(port_));
-        case KV_HTTPProxy:
-        case KV_SOCKS5Proxy: return OpenSocket(proxyHostname_, proxyPort_);
+        case KV_HTTPProxy: return OpenSocket(proxyHostname_, proxyPort_);
+        case KV_SOCKS5Proxy: socks_ = {}; return OpenSocket(proxyHostname_, proxyPort_);
         default: return;
     }
 }
@@ -162,6 +164,10 @@ void cSession::OpenSocket(StringView host, std::int32_t port) {
 void cSession::socket1_Connect() {
     mTimer::StopReconnect();
     attempts_ = 0;
+    SendStreamHeader();
+}
+
+void cSession::SendStreamHeader() {
     framer_.Reset();
     SendXML(Concat({u"<stream:stream to='", serverAddress_, u"' xmlns='jabber:client' xmlns:stream='",
                     kStreamsNamespace, u"'>"}));
@@ -262,7 +268,26 @@ void cSession::DrainDeliveries() {
     }
 }
 
-void cSession::socket1_DataArrival(std::string_view bytes) { ProcessIncoming(WireFromBytes(bytes)); }
+void cSession::socket1_DataArrival(std::string_view bytes) {
+    if (proxyType_ == KV_SOCKS5Proxy && !socks_.IsNegotiated()) return AnswerProxy(bytes);
+    String text = WireFromBytes(bytes);
+    if (proxyType_ == KV_HTTPProxy && IsHttpResponse(text)) return;
+    ProcessIncoming(text);
+}
+
+void cSession::AnswerProxy(std::string_view reply) {
+    Socks5Request request{proxyAuthentication_,
+                          proxyUsername_,
+                          proxyPassword_,
+                          serverAddress_,
+                          static_cast<std::uint16_t>(port_),
+                          proxyUseRemoteDNS_.value_or(false)};
+    Socks5Answer answer = socks_.Take(
+        reply, request, [](StringView host) { return ResolveHost(Environment::Current(), host); });
+    if (!answer.bytes.empty()) socket_->SendBytes(answer.bytes);
+    if (answer.unknownHost) socket1_Error(kNoSuchHost, kNoSuchHostText);
+    if (answer.negotiated) SendStreamHeader();
+}
 
 // -- The inbound stream --
 
@@ -334,8 +359,20 @@ void cSession::CompleteLogin() {
 void cSession::SendXML(StringView xml) {
     if (!IsConnected()) return;
     Entry entry(*this);
-    if (proxyType_ == KV_NoProxy) socket_->SendData(xml);
+    Transmit(xml);
     Raise(&SessionEvents::OnOutgoingXML, xml);
+}
+
+// Until a SOCKS5 proxy has opened the tunnel, its greeting goes out in place of any text.
+void cSession::Transmit(StringView xml) {
+    switch (proxyType_) {
+        case KV_NoProxy: return socket_->SendData(xml);
+        case KV_HTTPProxy: return socket_->SendData(PutRequest(serverAddress_, port_, xml));
+        case KV_SOCKS5Proxy:
+            if (socks_.IsNegotiated()) return socket_->SendData(xml);
+            return socket_->SendBytes(socks_.Greeting(proxyAuthentication_));
+        default: return;
+    }
 }
 
 String cSession::GetNextID() {

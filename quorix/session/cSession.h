@@ -21,6 +21,7 @@
 #include "quorix/im/Roster.h"
 #include "quorix/im/RosterTable.h"
 #include "quorix/link/SessionLink.h"
+#include "quorix/net/Socks5Exchange.h"
 #include "quorix/net/cSocketSSL.h"
 #include "quorix/net/mTimer.h"
 #include "quorix/session/EventSinks.h"
@@ -33,12 +34,6 @@ enum eProxyType : std::int32_t {
     KV_HTTPProxy = 1,
     KV_SOCKS4Proxy = 2,  // not supported: Connect does nothing
     KV_SOCKS5Proxy = 3,
-};
-
-// The method codes of the SOCKS5 greeting.
-enum eProxy_Authentication : std::int32_t {
-    KV_SocksNoAuth = 0,
-    KV_SocksUserPass = 2,
 };
 
 class cSession final : public SessionLink, public TimerTarget, public std::enable_shared_from_this<cSession> {
@@ -111,6 +106,15 @@ public:
     void ReconnectInterval(std::int16_t value) { reconnectInterval_ = value; }
 
     // -- Proxy --
+    //
+    // The socket connects to ProxyHostname:ProxyPort instead of the server. An HTTP proxy gets each text as
+    // the body of its own PUT request; a SOCKS5 proxy (RFC 1928) opens a tunnel first. With UseSSL, TLS is
+    // spoken to the proxy itself, so it is the proxy's certificate that Socket shows.
+    //
+    // A SOCKS5 proxy that refuses is not reported: the stream does not open, until somebody closes the
+    // connection. ProxyUsername, ProxyPassword and, with ProxyUseRemoteDNS, ServerAddress hold 255 characters
+    // at most; nothing is sent otherwise. Without ProxyUseRemoteDNS the server's address is looked up here,
+    // and OnSocketError with number 100 reports that it has none.
 
     eProxyType ProxyType() const { return proxyType_; }
     void ProxyType(eProxyType value) { proxyType_ = value; }
@@ -142,6 +146,11 @@ public:
     bool Active() const { return active_; }
     bool IsConnected() const override { return socket_->State() == sockConnected; }
     String LocalIP() const { return socket_->LocalIP(); }
+
+    // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
+    // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
+    // application judges the certificate there, and Disconnects when it does not trust it: no password has
+    // been sent by then.
     const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
 
     // -- Connection --
@@ -246,6 +255,9 @@ private:
     void DecideReconnect();
     bool RetriesLeft() const;
 
+    void SendStreamHeader();
+    void Transmit(StringView xml);
+    void AnswerProxy(std::string_view reply);
     void ProcessIncoming(StringView text);
     void TakeStreamHeader(StringView header);
     void EndWithStreamError();
@@ -301,6 +313,7 @@ private:
     std::unique_ptr<SocketPort> socketPort_;
     std::deque<Delivery> deliveries_;
     EventSinks sinks_;
+    Socks5Exchange socks_;
     Framer framer_;
     PresenceTable presence_;
     RosterTable roster_;

@@ -51,7 +51,7 @@ Process::Process(const ProcessSetup& setup) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, setup.folder.c_str());
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 0, setup.input.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, setup.log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
     posix_spawn_file_actions_adddup2(&actions, 1, 2);
     posix_spawn_file_actions_addclosefrom_np(&actions, 3);
@@ -71,6 +71,10 @@ bool Process::Running() {
         pid_ = 0;
     }
     return pid_ != 0;
+}
+
+void Process::Signal(int number) const {
+    if (pid_ != 0) kill(-pid_, number);
 }
 
 void Process::Kill() {

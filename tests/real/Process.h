@@ -18,6 +18,7 @@ struct ProcessSetup {
     std::string folder;                              // current folder of the program
     std::string log;                                 // file that takes what it prints, appended
     std::string user;                                // account it runs as; the test's own unless that is root
+    std::string input = "/dev/null";                 // file that it reads
 };
 
 class Process {
@@ -28,6 +29,7 @@ public:
     Process& operator=(const Process&) = delete;
 
     bool Running();
+    void Signal(int number) const;
     void Kill();  // SIGKILL to the group, and waits for the program's end
 
 private:

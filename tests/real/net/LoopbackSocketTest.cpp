@@ -1,18 +1,18 @@
 // The socket on the system's own sockets and message loop.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <thread>
 
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
-#include "tests/real/net/Process.h"
+#include "tests/real/net/RunUntil.h"
 #include "tests/unit/net/SocketRecorder.h"
 
-namespace quorix::testing_real {
+namespace quorix::real {
 namespace {
 
 using testing_net::Log;
@@ -239,4 +239,4 @@ TEST(SystemLoopDeathTest, ASocketInAStaticVariableIsClosedInPeace) {
 }
 
 }  // namespace
-}  // namespace quorix::testing_real
+}  // namespace quorix::real

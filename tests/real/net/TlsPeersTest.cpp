@@ -1,53 +1,56 @@
 // TLS against OpenSSL's own programs.
 #include <gtest/gtest.h>
-#include <signal.h>
+
+#include <csignal>
 
 #include "quorix/net/mSocketSSL.h"
 #include "testkit/Certificates.h"
-#include "tests/real/net/Process.h"
+#include "testkit/TemporaryFolder.h"
+#include "tests/real/Loopback.h"
+#include "tests/real/net/Peer.h"
+#include "tests/real/net/RunUntil.h"
 #include "tests/unit/net/SocketRecorder.h"
 
-namespace quorix::testing_real {
+namespace quorix::real {
 namespace {
 
 using testing_net::Log;
 using testing_net::SocketRecorder;
 using namespace testkit;
 
+const Log kHandshakeFailed{"error:10053:Software caused connection abort."};
+
 class TlsPeers : public ::testing::Test {
 protected:
-    std::shared_ptr<SocketRecorder> Client(std::uint16_t port) {
+    std::shared_ptr<SocketRecorder> Client(const Peer& server) {
         auto made = SocketRecorder::Create();
         made->socket->SSLEnable(true);
         made->socket->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
         made->socket->RemoteHost(u"localhost");
-        made->socket->RemotePort(port);
+        made->socket->RemotePort(server.Port());
         return made;
     }
 
     // Answers each line with its characters reversed.
-    std::unique_ptr<Process> Server(const Identity& identity, std::uint16_t port,
-                                    std::vector<std::string> options = {}) {
+    std::unique_ptr<Peer> Server(const Identity& identity, const std::vector<std::string>& options = {}) {
+        int port = FreePort();
         std::vector<std::string> command = {"openssl", "s_server", "-rev", "-accept",
                                             "127.0.0.1:" + std::to_string(port)};
         command.insert(command.end(), {"-cert", identity.SaveCertificate(folder.Path()), "-key",
                                        identity.SaveKey(folder.Path())});
         command.insert(command.end(), options.begin(), options.end());
-        auto made = std::make_unique<Process>(folder, "s_server", command);
-        EXPECT_TRUE(WaitForPort(port)) << folder.Read("s_server.log");
-        return made;
+        return std::make_unique<Peer>(folder, port, command);
     }
 
-    Folder folder;
+    TemporaryFolder folder;
     Identity authority = Authority("The authority of these tests");
     Identity good = IssuedBy(authority, {});
 };
 
 TEST_F(TlsPeers, SpeakBothVersionsOfTheProtocol) {
     for (const char* version : {"-tls1_2", "-tls1_3"}) {
-        std::uint16_t port = FreePort();
-        auto server = Server(good, port, {version});
-        auto client = Client(port);
+        auto server = Server(good, {version});
+        auto client = Client(*server);
         client->socket->Connect();
         EXPECT_EQ(client->TakeLog(), Log{"connect"}) << version;
         EXPECT_EQ(client->socket->SSLTrusted(), 0);
@@ -60,11 +63,10 @@ TEST_F(TlsPeers, SpeakBothVersionsOfTheProtocol) {
 }
 
 TEST_F(TlsPeers, AnOlderVersionIsRefused) {
-    std::uint16_t port = FreePort();
-    auto server = Server(good, port, {"-tls1_1", "-cipher", "ALL:@SECLEVEL=0"});
-    auto client = Client(port);
+    auto server = Server(good, {"-tls1_1", "-cipher", "ALL:@SECLEVEL=0"});
+    auto client = Client(*server);
     client->socket->Connect();
-    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_EQ(client->log, kHandshakeFailed);
 }
 
 TEST_F(TlsPeers, AreJudgedByTheirCertificates) {
@@ -78,9 +80,8 @@ TEST_F(TlsPeers, AreJudgedByTheirCertificates) {
     rows.emplace_back(IssuedBy(authority, otherName), 62);
     rows.emplace_back(SelfSigned({}), 18);
     for (auto& [identity, verdict] : rows) {
-        std::uint16_t port = FreePort();
-        auto server = Server(identity, port);
-        auto client = Client(port);
+        auto server = Server(identity);
+        auto client = Client(*server);
         client->socket->Connect();
         EXPECT_EQ(client->socket->State(), sockConnected);
         EXPECT_EQ(client->socket->SSLTrusted(), verdict);
@@ -88,13 +89,12 @@ TEST_F(TlsPeers, AreJudgedByTheirCertificates) {
 }
 
 TEST_F(TlsPeers, AStoppedServerDoesNotHangTheCaller) {
-    std::uint16_t port = FreePort();
-    auto server = Server(good, port);
+    auto server = Server(good);
     server->Signal(SIGSTOP);
-    auto client = Client(port);
+    auto client = Client(*server);
     client->socket->TimeOut(300);
     client->socket->Connect();
-    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_EQ(client->log, kHandshakeFailed);
     EXPECT_EQ(client->socket->State(), sockClosed);
 }
 
@@ -110,11 +110,17 @@ protected:
         listener->socket->Listen();
     }
 
-    Process Visitor(std::vector<std::string> options) {
-        std::vector<std::string> command = {"openssl", "s_client", "-quiet", "-connect",
-                                            "127.0.0.1:" + std::to_string(listener->socket->LocalPort())};
-        command.insert(command.end(), options.begin(), options.end());
-        return Process(folder, "s_client", command, folder.Write("input", "hello\n"));
+    std::unique_ptr<Process> Visitor(std::vector<std::string> command, const std::string& says = "") {
+        ProcessSetup setup;
+        setup.command = std::move(command);
+        setup.folder = folder.Path().string();
+        setup.input = folder.Write("input", says);
+        setup.log = (folder.Path() / "visitor.log").string();
+        return std::make_unique<Process>(setup);
+    }
+
+    std::string Address(const char* between) const {
+        return std::string("127.0.0.1") + between + std::to_string(listener->socket->LocalPort());
     }
 
     std::shared_ptr<SocketRecorder> listener = SocketRecorder::Create();
@@ -123,36 +129,37 @@ protected:
 
 TEST_F(TlsServer, ServesAClientThatVerifiesIt) {
     std::string ca = authority.SaveCertificate(folder.Path());
+    server->on["data"] = [&] {
+        server->socket->SendData(u"welcome");
+        server->socket->Disconnect();
+    };
     for (const char* version : {"-tls1_2", "-tls1_3"}) {
+        folder.Write("visitor.log", "");
         server->received.clear();
-        server->on["data"] = [&] {
-            server->socket->SendData(u"welcome");
-            server->socket->Disconnect();
-        };
-        Process visitor =
-            Visitor({version, "-CAfile", ca, "-verify_return_error", "-verify_hostname", "localhost"});
-        EXPECT_TRUE(RunUntil([&] { return !visitor.IsRunning(); })) << version;
-        EXPECT_EQ(server->received, "hello\n") << folder.Read("s_client.log");
-        EXPECT_NE(folder.Read("s_client.log").find("welcome"), std::string::npos);
+        auto visitor = Visitor({"openssl", "s_client", "-quiet", "-connect", Address(":"), version, "-CAfile",
+                                ca, "-verify_return_error", "-verify_hostname", "localhost"},
+                               "hello\n");
+        EXPECT_TRUE(RunUntil([&] { return !visitor->Running(); })) << version;
+        EXPECT_EQ(server->received, "hello\n") << folder.Read("visitor.log");
+        EXPECT_NE(folder.Read("visitor.log").find("welcome"), std::string::npos);
     }
 }
 
 TEST_F(TlsServer, AVisitorThatSpeaksSomethingElseIsDropped) {
     server->socket->TimeOut(60000);  // it is the plain text that ends this, not the clock
-    std::string connection = "/dev/tcp/127.0.0.1/" + std::to_string(listener->socket->LocalPort());
-    Process visitor(folder, "visitor",
-                    {"bash", "-c", "exec 3<>" + connection + "; echo GET / HTTP/1.0 >&3; cat <&3"});
-    ASSERT_TRUE(RunUntil([&] { return !visitor.IsRunning(); }));
-    EXPECT_EQ(server->log, Log{"error:10053:Software caused connection abort."});
+    std::string script = "exec 3<>/dev/tcp/" + Address("/") + "; echo GET / HTTP/1.0 >&3; cat <&3";
+    auto visitor = Visitor({"bash", "-c", script});
+    ASSERT_TRUE(RunUntil([&] { return !visitor->Running(); }));
+    EXPECT_EQ(server->log, kHandshakeFailed);
     EXPECT_EQ(server->socket->State(), sockClosed);
 }
 
-TEST_F(TlsServer, WithoutItsCertificateItServesNobody) {
+TEST_F(TlsServer, WithoutItsKeyItServesNobody) {
     server->socket->SSLServerKey(u"no/such/key");
-    Process visitor = Visitor({});
+    auto visitor = Visitor({"openssl", "s_client", "-connect", Address(":")});
     ASSERT_TRUE(RunUntil([&] { return !server->log.empty(); }));
-    EXPECT_EQ(server->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_EQ(server->log, kHandshakeFailed);
 }
 
 }  // namespace
-}  // namespace quorix::testing_real
+}  // namespace quorix::real

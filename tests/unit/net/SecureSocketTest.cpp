@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "quorix/net/SecureChannel.h"
 #include "testkit/DeterministicEnvironment.h"
+#include "testkit/TemporaryFolder.h"
 #include "testkit/TlsPeer.h"
 #include "tests/unit/net/SocketRecorder.h"
 
@@ -11,16 +10,6 @@ namespace quorix::testing_net {
 namespace {
 
 using namespace testkit;
-
-class TemporaryFolder {
-public:
-    TemporaryFolder() { std::filesystem::create_directories(path_); }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    const std::filesystem::path& Path() const { return path_; }
-
-private:
-    std::filesystem::path path_ = std::filesystem::temp_directory_path() / "quorix-secure-socket";
-};
 
 class SecureSocket : public ::testing::Test {
 protected:
@@ -220,6 +209,21 @@ TEST_F(SecureSocket, AHandshakeThatFailsIsAnAbortedConnection) {
         EXPECT_EQ(environment.OpenSockets(), 0U);
         EXPECT_LE(environment.Milliseconds() - start, 700);
     }
+}
+
+TEST_F(SecureSocket, APeerThatTricklesDoesNotOutlastTheTimeOut) {
+    std::string record = std::string("\x16\3\3\x40\0", 5) + std::string(100, 'x');
+    std::size_t said = 0;
+    environment.WhileWaiting([&] {
+        environment.Advance(100);
+        if (said < record.size()) Say(record.substr(said++, 1));
+    });
+    client->socket->TimeOut(700);
+    std::int64_t start = environment.Milliseconds();
+    client->socket->Connect();
+    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_LE(environment.Milliseconds() - start, 800);
+    EXPECT_EQ(said, 7U);
 }
 
 TEST_F(SecureSocket, ACertificateOfNonsenseEndsTheHandshake) {

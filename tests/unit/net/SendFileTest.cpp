@@ -5,6 +5,7 @@
 
 #include "quorix/base/AutomationError.h"
 #include "testkit/DeterministicEnvironment.h"
+#include "testkit/TemporaryFolder.h"
 #include "tests/unit/net/SocketRecorder.h"
 
 namespace quorix::testing_net {
@@ -12,17 +13,17 @@ namespace {
 
 class SendFile : public ::testing::Test {
 protected:
-    SendFile() : path(std::filesystem::temp_directory_path() / "quorix-send-file-\u00E9.bin") {
+    SendFile() {
         for (int i = 0; i < 12003; ++i) contents += static_cast<char>(i);
         std::ofstream(path, std::ios::binary) << contents;
         client = SocketRecorder::Connecting();
         environment.DoEvents();
         client->TakeLog();
     }
-    ~SendFile() override { std::filesystem::remove(path); }
 
     testkit::DeterministicEnvironment environment;
-    std::filesystem::path path;
+    testkit::TemporaryFolder folder;
+    std::filesystem::path path = folder.Path() / u"a file\u00E9";
     std::string contents;
     std::shared_ptr<SocketRecorder> client;
 };
@@ -57,8 +58,7 @@ TEST_F(SendFile, WaitsInTheQueueLikeAnythingElse) {
 }
 
 TEST_F(SendFile, AFileThatCannotBeOpenedIsError53) {
-    std::filesystem::path folder = std::filesystem::temp_directory_path();
-    for (const std::filesystem::path& wrong : {folder / "quorix-no-such-file", folder}) {
+    for (const std::filesystem::path& wrong : {folder.Path() / "missing", folder.Path()}) {
         try {
             client->socket->SendFile(wrong.u16string());
             ADD_FAILURE() << wrong;

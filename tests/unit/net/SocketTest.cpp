@@ -135,6 +135,32 @@ TEST_F(Socket, WhatIsNotTakenWaitsInOrderAndIsReportedWhenItHasGone) {
     EXPECT_EQ(client->log, Log{"sent"});
 }
 
+TEST_F(Socket, AnyAmountWaitsAndKeepsItsOrder) {
+    auto client = Connected();
+    std::string text;
+    for (int i = 0; i < 40000; ++i) text += std::to_string(i) + ',';
+    environment.LimitWrites(7001);
+    environment.BlockWrites(true);
+    client->socket->SendBytes(text);
+    environment.BlockWrites(false);
+    environment.DoEvents();
+    EXPECT_EQ(environment.Peer().Heard(), text);
+}
+
+TEST_F(Socket, ASocketThatTakesDataAgainButNotAllHasNotCompleted) {
+    auto client = SocketRecorder::Connecting();
+    client->on["connect"] = [&] {
+        environment.BlockWrites(true);
+        client->socket->SendData(u"early");
+    };
+    environment.DoEvents();
+    EXPECT_EQ(client->log, Log{"connect"});
+    environment.BlockWrites(false);
+    environment.DoEvents();
+    EXPECT_EQ(client->log, (Log{"connect", "sent"}));
+    EXPECT_EQ(environment.Peer().Heard(), "early");
+}
+
 TEST_F(Socket, WireTextGoesOutByteForByte) {
     auto client = Connected();
     client->socket->SendData(u"\u00E9\u20AC\u00FF");
