@@ -104,8 +104,13 @@ void Console::OnAuthorized() {
     session_->SendMyPresence();
 }
 
+void Console::OnNewUserCreated() {
+    Print(u"Account created; logging in with it.");
+    accountCreated_ = true;
+}
+
 void Console::OnDisConnected() {
-    if (quitting_) return;
+    if (quitting_ || std::exchange(accountCreated_, false)) return;
     Print(u"Disconnected.");
     if (loggedIn_) return;
     exitCode_ = 1;

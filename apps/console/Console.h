@@ -51,6 +51,7 @@ public:
     void Wait(std::int32_t seconds);
 
     void OnAuthorized() override;
+    void OnNewUserCreated() override;
     void OnDisConnected() override;
     void OnError(const NodePtr& XMLElement, StringView FromJid, std::int16_t eErrorCode,
                  StringView ErrorDescription) override;
@@ -76,6 +77,7 @@ private:
     std::unique_ptr<Terminal> terminal_;
     bool loggedIn_ = false;
     bool quitting_ = false;
+    bool accountCreated_ = false;  // the connection ends now, and the login follows
     int exitCode_ = 0;
 };
 

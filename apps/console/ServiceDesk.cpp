@@ -54,7 +54,6 @@ void ServiceDesk::Print(std::initializer_list<StringView> parts) { console_.Prin
 
 // -- The account --
 
-void ServiceDesk::OnNewUserCreated() { Print({u"Account created; logging in with it."}); }
 void ServiceDesk::ChangePassword(StringView password) {
     newPassword_ = password;
     Session().ChangePassword(Wire(password));

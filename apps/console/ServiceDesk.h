@@ -35,7 +35,6 @@ public:
     // The room of that JID that was joined here, or an error on the console and null.
     std::shared_ptr<cGroupChat> Room(StringView roomJid);
 
-    void OnNewUserCreated() override;
     void OnChangedPassword() override;
     void OnAccountRemoved(StringView FromJid, StringView ID) override;
     void OnAgentItem(const std::shared_ptr<cAgentItem>& Agent, const NodePtr& XMLElement) override;
