@@ -45,6 +45,7 @@ class Line {
 public:
     Line() {
         session->Advise(reader);
+        session->ServerAddress(u"s");
         session->Connect();
         env_.DoEvents();
         Say("<stream:stream id='1'>");
