@@ -11,6 +11,7 @@
 
 #include "quorix/link/Stanza.h"
 #include "quorix/net/cSocketSSL.h"
+#include "testkit/LoopbackServices.h"
 
 namespace quorix::testkit {
 
@@ -64,6 +65,7 @@ private:
     std::map<String, LoopbackAccount, std::less<>> accounts_;
     String certificate_;
     String key_;
+    LoopbackServices services_;
     std::uint32_t nextStream_ = 0;
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/console/Options.h"
+#include "apps/console/ServiceDesk.h"
 #include "apps/console/Terminal.h"
 #include "quorix/session/cSession.h"
 
@@ -42,6 +43,7 @@ public:
     int Run();
 
     cSession& Session() { return *session_; }
+    ServiceDesk& Desk() { return *desk_; }
     void Print(StringView text);
     void Quit();
 
@@ -49,6 +51,7 @@ public:
     void Wait(std::int32_t seconds);
 
     void OnAuthorized() override;
+    void OnNewUserCreated() override;
     void OnDisConnected() override;
     void OnError(const NodePtr& XMLElement, StringView FromJid, std::int16_t eErrorCode,
                  StringView ErrorDescription) override;
@@ -74,12 +77,17 @@ private:
 
     Options options_;
     std::shared_ptr<cSession> session_;
+    std::shared_ptr<ServiceDesk> desk_;
     std::unique_ptr<Terminal> terminal_;
     String acceptedPeer_;  // the one that the user did not mind
     bool loggedIn_ = false;
     bool quitting_ = false;
+    bool accountCreated_ = false;  // the connection ends now, and the login follows
     int exitCode_ = 0;
 };
+
+// What the services offer. Commands has them too.
+const std::vector<Command>& ServiceCommands();
 
 // All commands, in the order in which /help lists them.
 const std::vector<Command>& Commands();
