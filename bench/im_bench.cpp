@@ -139,5 +139,3 @@ BENCHMARK(RosterAndPushes)->Arg(20)->Arg(20000)->Arg(40000)->Unit(benchmark::kMi
 
 }  // namespace
 }  // namespace quorix
-
-BENCHMARK_MAIN();

@@ -1,0 +1,266 @@
+// Contacts and messages between accounts on each kind of server.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "tests/real/Client.h"
+#include "tests/unit/im/EventLog.h"
+
+namespace quorix::real {
+namespace {
+
+using test::EventLog;
+using ::testing::HasSubstr;
+
+// Somebody who is logged in, has the roster and is available.
+class Person {
+public:
+    Person(const RealServer& server, StringView name, StringView resource)
+        : jid(Concat({name, u"@localhost"})), client_(server, name, resource) {
+        client_->Reconnect(false);
+        client_->Advise(log);
+    }
+
+    bool Join() { return Connect(true) && Appear(); }
+    bool Return() { return Connect(false) && Appear(); }
+
+    // An event that begins so; Sees waits for it and forgets everything up to it.
+    bool HasSeen(const std::string& start) const { return Find(start) != log->lines.end(); }
+    bool Sees(const std::string& start) {
+        if (!Await([&] { return HasSeen(start); })) return false;
+        log->lines.erase(log->lines.begin(), Find(start) + 1);
+        return true;
+    }
+    bool Await(const std::function<bool()>& condition) const { return client_.Await(condition); }
+
+    // Everything that was sent before has been answered when this returns.
+    bool Settle() {
+        String id = client_->GetNextID();
+        std::size_t before = client_.Events().Count("OnIQ");
+        client_->SendXML(Concat(
+            {u"<iq type='get' to='localhost' id='", id, u"'><query xmlns='jabber:iq:version'/></iq>"}));
+        return client_.AwaitEvent("OnIQ", before + 1);
+    }
+
+    std::shared_ptr<cRosterItem> Contact(const Person& other) const {
+        std::int16_t index = client_->FindRosterItem(other.jid);
+        return index > 0 ? client_->Roster().Item(index) : nullptr;
+    }
+
+    cSession* operator->() const { return client_.operator->(); }
+    const Client& Connection() const { return client_; }
+
+    const String jid;
+    const std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+
+private:
+    test::Lines::const_iterator Find(const std::string& start) const {
+        return std::find_if(log->lines.begin(), log->lines.end(),
+                            [&](const std::string& line) { return line.rfind(start, 0) == 0; });
+    }
+    // jabberd2 names a session after the number of its socket, and ends a new one now and then when it means
+    // the one that had the number before: so another attempt.
+    bool Connect(bool isNew) {
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            client_.Events().Take();
+            client_->Connect(isNew);
+            auto loggedIn = [&] { return client_.Events().Count("OnAuthorized") > 0; };
+            std::size_t endings = isNew ? 2 : 1;  // the first ends the registration
+            Await([&] { return loggedIn() || client_.Events().Count("OnDisConnected") == endings; });
+            if (loggedIn()) return true;
+        }
+        return false;
+    }
+    bool Appear() {
+        client_->FetchRoster();
+        client_->SendMyPresence();
+        return Sees("OnRosterEnd") && Settle();
+    }
+
+    Client client_;
+};
+
+class Chat : public RealServerTest {};
+
+TEST_P(Chat, ASubscriptionIsAskedForGrantedAndEnded) {
+    Person ann(Server(), u"sub.ann", u"home");
+    Person bob(Server(), u"sub.bob", u"work");
+    ASSERT_TRUE(ann.Join() && bob.Join());
+
+    ann->SendPresence(bob.jid, KV_Subscribe, u"bitte & d\u00e9j\u00e0");
+    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest sub.ann@localhost 2"));
+    ASSERT_TRUE(ann.Await([&] { return ann.Contact(bob) && ann.Contact(bob)->Ask() == u"subscribe"; }));
+
+    bob->SendPresence(ann.jid, KV_Subscribe_Accept, u"");
+    ASSERT_TRUE(ann.Sees("OnSubscriptionAccept sub.bob@localhost"));
+    ASSERT_TRUE(ann.Await([&] { return ann.Contact(bob)->Subscription() == KV_To; }));
+    ASSERT_TRUE(bob.Await([&] { return bob.Contact(ann) && bob.Contact(ann)->Subscription() == KV_From; }));
+    ASSERT_TRUE(ann.Await([&] { return ann->FindPresence(bob.jid, u"work", true) > 0; }));
+
+    bob->Status(u"\u00e9crit");
+    bob->ShowType(KV_Away);
+    bob->SendMyPresence();
+    ASSERT_TRUE(ann.Sees("OnPresence sub.bob@localhost work 1 2"));
+    EXPECT_EQ(ann.log->presences.back()->Status(), u"\u00e9crit");
+
+    ann->SendPresence(bob.jid, KV_UnSubscribe, u"");
+    EXPECT_TRUE(bob.Sees("OnSubscriptionRequest sub.ann@localhost 3"));
+    EXPECT_TRUE(ann.Await([&] { return ann.Contact(bob)->Subscription() == KV_Empty; }));
+
+    // Prosody does not take back the presence that it has shown; it stays until the contact goes.
+    bool isTakenBack = GetParam() != ServerKind::prosody;
+    ASSERT_TRUE(bob.Settle() && ann.Settle());
+    EXPECT_EQ(ann.HasSeen("OnPresence sub.bob@localhost work 0"), isTakenBack);
+    EXPECT_EQ(ann->FindPresence(bob.jid, u"work", true) > 0, !isTakenBack);
+}
+
+TEST_P(Chat, ASubscriptionIsDeniedAndTakenBack) {
+    Person ann(Server(), u"deny.ann", u"home");
+    Person bob(Server(), u"deny.bob", u"work");
+    ASSERT_TRUE(ann.Join() && bob.Join());
+    ann->SendPresence(bob.jid, KV_Subscribe, u"");
+    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest deny.ann@localhost 2"));
+    bob->SendPresence(ann.jid, KV_Subscribe_Deny, u"");
+    ASSERT_TRUE(bob.Settle() && ann.Settle());
+    // jabberd2 tells nobody that a subscription was denied which there never was.
+    bool isTold = GetParam() != ServerKind::jabberd2;
+    EXPECT_EQ(ann.HasSeen("OnSubscriptionDenied deny.bob@localhost"), isTold);
+
+    ann->SendPresence(bob.jid, KV_Subscribe, u"");
+    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest deny.ann@localhost 2"));
+    bob->SendPresence(ann.jid, KV_Subscribe_Accept, u"");
+    ASSERT_TRUE(ann.Sees("OnPresence deny.bob@localhost work 1"));
+    bob->SendPresence(ann.jid, KV_Subscribe_Deny, u"");
+    EXPECT_TRUE(ann.Sees("OnSubscriptionDenied deny.bob@localhost"));
+    EXPECT_TRUE(ann.Await([&] { return ann->FindPresence(bob.jid, u"work", true) == 0; }));
+}
+
+TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
+    Person home(Server(), u"rost.ann", u"home");
+    Person work(Server(), u"rost.ann", u"work");
+    const Person bob(Server(), u"rost.bob", u"x");
+    ASSERT_TRUE(home.Join() && work.Return());
+
+    auto contact = home->CreateRosterItem();
+    contact->JID(bob.jid);
+    contact->NickName(u"B\u00f6b & Co");
+    contact->AddGroup(u"Fr\u00e9res <1>");
+    contact->Add();
+    for (Person* resource : {&home, &work}) {
+        ASSERT_TRUE(resource->Sees("OnRosterItem rost.bob@localhost 0"));
+        EXPECT_EQ(resource->Contact(bob)->NickName(), u"B\u00f6b & Co");
+        EXPECT_TRUE(resource->Contact(bob)->inGroup(u"Fr\u00e9res <1>"));
+    }
+
+    auto mine = home.Contact(bob);
+    mine->NickName(u"Robert");
+    mine->RemoveAllGroups();
+    mine->AddGroup(u"Work");
+    mine->AddGroup(u"Home");
+    mine->Add();
+    ASSERT_TRUE(work.Sees("OnRosterItem rost.bob@localhost 0"));
+    EXPECT_EQ(work.log->lastNode->GetAttrib(u"name"), u"Robert");
+    EXPECT_EQ(work.Contact(bob)->NickName(), u"B\u00f6b & Co") << "a contact that stays keeps its name";
+    EXPECT_TRUE(work.Contact(bob)->inGroup(u"Work") && work.Contact(bob)->inGroup(u"Home"));
+    EXPECT_EQ(work.Contact(bob)->Groups().Count(), 2);
+    ASSERT_TRUE(home.Sees("OnRosterItem rost.bob@localhost 0"));
+
+    mine->Subscription(KV_Remove);
+    mine->Update();
+    EXPECT_TRUE(home.Sees("OnRosterItem rost.bob@localhost 4") &&
+                work.Sees("OnRosterItem rost.bob@localhost 4"));
+    EXPECT_EQ(home.Contact(bob), nullptr);
+    EXPECT_EQ(work.Contact(bob), nullptr);
+}
+
+TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
+    Person ann(Server(), u"ev.ann", u"home");
+    Person bob(Server(), u"ev.bob", u"work");
+    ASSERT_TRUE(ann.Join() && bob.Join());
+    auto message = ann->CreateMessage(u"ev.bob@localhost/work", MSG_Chat, u"da?", u"");
+    message->AddEvent(KV_Displayed);
+    message->AddEvent(KV_Composing);
+    message->SendMessage();
+    ASSERT_TRUE(bob.Sees("OnMessage da?") && bob.Sees("OnMessageEvent 0 1 ev.ann@localhost/home") &&
+                bob.Sees("OnMessageEvent 0 2 ev.ann@localhost/home"));
+
+    const auto heard = bob.log->messages.back();
+    bob->SendEvent(heard->FromJid(), KV_Displayed, heard->ID());
+    bob->SendEvent(heard->FromJid(), KV_Composing, heard->ID());
+    bob->SendEvent(heard->FromJid(), KV_Composing, heard->ID(), true);
+    EXPECT_TRUE(ann.Sees("OnMessageEvent 1 2 ev.bob@localhost/work"));
+    EXPECT_TRUE(ann.Sees("OnMessageEvent 1 1 ev.bob@localhost/work"));
+    EXPECT_TRUE(ann.Sees("OnMessage ")) << "the report taken back names no event";
+}
+
+TEST_P(Chat, MarkupContactsAndCopiesArrive) {
+    Person ann(Server(), u"ext.ann", u"home");
+    Person bob(Server(), u"ext.bob", u"work");
+    Person eve(Server(), u"ext.eve", u"work");
+    ASSERT_TRUE(ann.Join() && bob.Join() && eve.Join());
+
+    auto message = ann->CreateMessage(u"ext.bob@localhost/work", MSG_Normal, u"plain", u"S\u00e9");
+    message->XHTML(u"<p>h\u00e9 <em>you</em></p>");
+    message->AddCC(u"ext.eve@localhost/work");
+    message->SendMessage();
+    ASSERT_TRUE(bob.Sees("OnMessage plain") && eve.Sees("OnMessage plain"));
+    EXPECT_EQ(bob.log->messages.back()->XHTML(), u"<p>h\u00e9 <em>you</em></p>");
+    EXPECT_EQ(bob.log->messages.back()->Subject(), u"S\u00e9");
+    EXPECT_TRUE(eve.log->messages.back()->HasCC());
+    EXPECT_EQ(eve.log->messages.back()->XHTML(), u"") << "a copy holds body and subject";
+
+    auto contact = ann->CreateRosterItem();
+    contact->JID(eve.jid);
+    contact->NickName(u"\u00c8ve");
+    auto gift = ann->CreateMessage(u"ext.bob@localhost/work", MSG_Normal, u"", u"");
+    gift->AddRoster(contact);
+    gift->SendMessage();
+    ASSERT_TRUE(bob.Sees("OnReceiveRosterItem ext.eve@localhost"));
+    EXPECT_EQ(bob->Convert2Unicode(bob.log->received.back()->NickName()), u"\u00c8ve");
+}
+
+TEST_P(Chat, AMessageWaitsForItsRecipient) {
+    Person ann(Server(), u"off.ann", u"home");
+    Person bob(Server(), u"off.bob", u"work");
+    ASSERT_TRUE(ann.Join() && bob.Join());
+    bob->SendXML(u"<presence to='off.ann@localhost/home'/>");
+    ASSERT_TRUE(ann.Sees("OnPresence off.bob@localhost work 1"));
+    bob->Disconnect();
+    ASSERT_TRUE(ann.Sees("OnPresence off.bob@localhost work 0"));
+    ann->CreateMessage(bob.jid, MSG_Chat, u"sp\u00e4ter", u"")->SendMessage();
+    ASSERT_TRUE(ann.Settle());
+
+    ASSERT_TRUE(bob.Return());
+    ASSERT_TRUE(bob.Await([&] { return !bob.log->messages.empty(); }));
+    EXPECT_EQ(bob.log->messages.back()->Body(), u"sp\u00e4ter");
+    EXPECT_THAT(test::Show(bob.log->messages.back()->xml()), HasSubstr("urn:xmpp:delay"));
+    EXPECT_EQ(bob.log->messages.back()->Stamp(), u"") << "no server writes the older form any more";
+}
+
+// What one sends of one's own presence comes back from some servers: a client must know itself in the list.
+// "available" is the meaning of no type, and not a type that every server takes; "invisible" is an extension.
+TEST_P(Chat, ServersDifferAboutOnesOwnPresence) {
+    Person ann(Server(), u"own.ann", u"home");
+    ASSERT_TRUE(ann.Join());
+    const std::string own = "OnPresence own.ann@localhost home 1";
+    EXPECT_EQ(ann.HasSeen(own), GetParam() != ServerKind::jabberd2);
+    auto send = [&](eSubType type) {
+        ann.log->lines.clear();
+        ann.Connection().Events().incoming.clear();
+        ann->SendPresence(u"", type, u"");
+        EXPECT_TRUE(ann.Settle());
+    };
+    auto isRefused = [&] { return ann.Connection().Events().incoming.front().find("<presence") == 0; };
+
+    send(KV_Available);
+    EXPECT_EQ(ann.HasSeen(own), GetParam() == ServerKind::ejabberd);
+    EXPECT_EQ(!ann.HasSeen(own) && isRefused(), GetParam() == ServerKind::prosody);
+    send(KV_Invisible);
+    EXPECT_EQ(isRefused(), GetParam() != ServerKind::jabberd2);
+    EXPECT_TRUE(ann.log->lines.empty()) << "a refused presence raises nothing";
+}
+
+QUORIX_ON_EVERY_SERVER(Chat);
+
+}  // namespace
+}  // namespace quorix::real
