@@ -112,9 +112,7 @@ public:
         return ErrorUnless(listen(Native(socket), backlog) == 0);
     }
 
-    NewSocket Accept(SocketId listener) override {
-        return Made(accept(Native(listener), nullptr, nullptr));
-    }
+    NewSocket Accept(SocketId listener) override { return Made(accept(Native(listener), nullptr, nullptr)); }
 
     std::int32_t Connect(SocketId socket, Address peer) override {
         const sockaddr_in native = Native(peer);
