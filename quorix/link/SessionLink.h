@@ -2,10 +2,8 @@
 // look-ups that presence needs of the services.
 #pragma once
 
-#include <exception>
 #include <functional>
 #include <memory>
-#include <utility>
 
 #include "quorix/base/String.h"
 #include "quorix/link/SessionEvents.h"
@@ -18,6 +16,22 @@ enum eItemType : std::int32_t {
     KV_AgentItem = 1,
     KV_GroupChatItem = 2,
     KV_Unknown = 3,
+};
+
+// How a login may be made. `digest`, `sequence` and `token` are what the server offered.
+enum eAuthType : std::int32_t {
+    KV_AutoAuth = 0,    // the strongest form on offer
+    KV_ZeroKAuth = 1,   // zero-knowledge: a hash, a sequence and a token
+    KV_DigestAuth = 2,  // SHA-1 of the stream id and the password
+    KV_PlainAuth = 3,   // the password itself
+};
+
+struct LoginFacts {
+    eAuthType authType = KV_AutoAuth;
+    String sessionID;
+    bool digest = false;
+    std::int32_t sequence = 0;
+    String token;
 };
 
 class SessionLink {
@@ -33,6 +47,7 @@ public:
     virtual String Password() const = 0;
     virtual String Resource() const = 0;
     virtual String MyJid() const = 0;
+    virtual LoginFacts Login() const { return {}; }
 
     virtual eItemType FindItemType(StringView jid) = 0;
 
@@ -44,7 +59,8 @@ public:
 
     template <class... Parameters, class... Arguments>
     void Raise(void (SessionEvents::*event)(Parameters...), const Arguments&... arguments) {
-        ForEachSink([&](SessionEvents& sink) { (sink.*event)(arguments...); });
+        auto raise = [&](SessionEvents& sink) { (sink.*event)(arguments...); };
+        ForEachSink(std::ref(raise));
     }
 };
 

@@ -45,6 +45,9 @@ struct Address {
     std::uint16_t port = 0;
 };
 
+// The shortest interval of a timer, in milliseconds; a shorter one counts as this.
+constexpr std::int32_t kShortestInterval = 10;
+
 // What a transfer did: the count of bytes, or -1 and an error. A receive of 0 bytes is the end of the stream.
 struct Transfer {
     std::int32_t count = 0;
@@ -100,7 +103,8 @@ public:
     virtual std::int32_t Listen(SocketId socket, std::int32_t backlog) = 0;
     virtual NewSocket Accept(SocketId listener) = 0;
 
-    // A blocking socket returns when connected; a selected one returns SOCKERR_WouldBlock and notifies later.
+    // A blocking socket returns when connected. A selected one returns SOCKERR_WouldBlock and notifies
+    // SOCK_Connect later; a non-blocking one that is not selected is writable when the attempt has ended.
     virtual std::int32_t Connect(SocketId socket, Address peer) = 0;
 
     // Never raises a signal. A selected socket that takes nothing returns SOCKERR_WouldBlock and notifies
@@ -137,7 +141,7 @@ public:
                                 std::int32_t milliseconds) = 0;
     virtual void KillSocketTimer(SocketId socket, const HiddenWindow& window) = 0;
 
-    // A periodic timer; 0 when none could be made. An interval below 10 ms counts as 10 ms.
+    // A periodic timer; 0 when none could be made.
     virtual TimerId SetTimer(std::int32_t milliseconds, TimerTick tick) = 0;
     virtual void KillTimer(TimerId timer) = 0;
 

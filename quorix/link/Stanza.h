@@ -1,0 +1,39 @@
+// One stanza on its way through the dispatcher: its node, and what every branch asks of it.
+#pragma once
+
+#include <memory>
+
+#include "quorix/base/String.h"
+#include "quorix/xml/cXML_Node.h"
+
+namespace quorix {
+
+using NodePtr = std::shared_ptr<cXML_Node>;
+
+// `type`, `from` and `id` are the root element's own attributes, "" when missing.
+struct Stanza {
+    explicit Stanza(NodePtr stanzaNode);
+
+    // The first child element, or an empty node.
+    XmlNode Query() const { return root.FirstElement(); }
+
+    // The text of the direct child `name`, "" when there is none.
+    String ChildText(StringView name) const;
+
+    // `code` and text of the error child; 0 and "" when there is none, or no number in range.
+    std::int16_t ErrorCode() const;
+    String ErrorText() const { return ChildText(u"error"); }
+
+    bool IsGet() const { return type == u"get"; }
+    bool IsSet() const { return type == u"set"; }
+    bool IsResult() const { return type == u"result"; }
+    bool IsError() const { return type == u"error"; }
+
+    NodePtr node;
+    XmlNode root;
+    String type;
+    String from;
+    String id;
+};
+
+}  // namespace quorix

@@ -1,0 +1,255 @@
+#include "quorix/net/cSocketSSL.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+
+#include "quorix/base/AutomationError.h"
+#include "quorix/base/WireText.h"
+#include "quorix/net/mSocketSSL.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr std::int32_t kConnectionEvents = SOCK_Read | SOCK_Write | SOCK_Connect | SOCK_Close;
+constexpr std::int32_t kServerEvents = SOCK_Read | SOCK_Write | SOCK_Accept | SOCK_Close;
+constexpr std::int32_t kBacklog = 5;
+constexpr std::size_t kReadBlock = 2000;
+constexpr std::size_t kFileBlock = 5000;
+constexpr std::int32_t kNoSuchHost = 100;
+
+std::uint16_t Port(std::int32_t port) { return static_cast<std::uint16_t>(port); }
+
+std::ifstream OpenFile(StringView name) {
+    std::string utf8 = Utf8FromText(name);
+    std::filesystem::path path(std::u8string(utf8.begin(), utf8.end()));
+    std::ifstream file(path, std::ios::binary);
+    std::error_code ignored;
+    if (!file || std::filesystem::is_directory(path, ignored)) throw AutomationError(ERR_FileNotFound);
+    return file;
+}
+
+}  // namespace
+
+class cSocketSSL::Moment {
+public:
+    explicit Moment(const cSocketSSL& socket) : socket_(socket), generation_(socket.generation_) {}
+    bool HasPassed() const { return socket_.generation_ != generation_; }
+
+private:
+    const cSocketSSL& socket_;
+    std::uint64_t generation_;
+};
+
+cSocketSSL::cSocketSSL() : environment_(Environment::Current()), table_(SocketTable::OfThisThread()) {}
+
+cSocketSSL::~cSocketSSL() {
+    Disconnect();
+    if (windowOpen_) environment_.CloseWindow(window_);
+}
+
+template <class... Parameters, class... Arguments>
+void cSocketSSL::Raise(void (SocketEvents::*event)(Parameters...), const Arguments&... arguments) {
+    auto sink = sink_.lock();
+    if (sink == nullptr) return;
+    try {
+        (*sink.*event)(arguments...);
+    } catch (...) {  // a handler's fault must not stop the connection
+    }
+}
+
+void cSocketSSL::SocketHandle(std::int32_t value) {
+    table_->Remove(handle_, *this);
+    handle_ = value;
+    if (handle_ != 0) table_->Insert(handle_, *this);
+}
+
+void cSocketSSL::Connect() {
+    auto self = shared_from_this();
+    Open();
+    state_ = sockConnecting;
+    auto ip = ResolveHost(environment_, remoteHost_);
+    if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, u"No valid Hostaddress");
+    if (std::int32_t error = OpenSocket(false)) return Fail(error);
+    ConnectPlain({*ip, Port(remotePort_)});
+}
+
+void cSocketSSL::ConnectPlain(Address peer) {
+    std::int32_t error = environment_.AsyncSelect(handle_, window_, *table_, kConnectionEvents);
+    if (error == SOCKERR_None) error = environment_.Connect(handle_, peer);
+    if (error != SOCKERR_None && error != SOCKERR_WouldBlock) return Fail(error);
+    environment_.SetSocketTimer(handle_, window_, *table_, timeOut_);
+}
+
+void cSocketSSL::Listen() {
+    auto self = shared_from_this();
+    Open();
+    std::int32_t error = OpenSocket(true);
+    if (error == SOCKERR_None) error = environment_.AsyncSelect(handle_, window_, *table_, kServerEvents);
+    if (error == SOCKERR_None) error = environment_.Listen(handle_, kBacklog);
+    if (error != SOCKERR_None) return Fail(error);
+    state_ = sockListening;
+    localPort_ = environment_.LocalAddress(handle_).port;
+}
+
+void cSocketSSL::Accept(std::int32_t RequestID) {
+    auto self = shared_from_this();
+    Open();
+    SocketHandle(RequestID);
+    std::int32_t error = environment_.AsyncSelect(handle_, window_, *table_, kServerEvents);
+    if (error != SOCKERR_None) return Fail(error);
+    ReadPeer();
+    state_ = sockConnected;
+}
+
+// Ends what was open before, so that nothing of it reaches the new connection.
+void cSocketSSL::Open() {
+    Disconnect();
+    if (windowOpen_) return;
+    window_ = environment_.OpenWindow(*table_);
+    windowOpen_ = true;
+}
+
+std::int32_t cSocketSSL::OpenSocket(bool reuseAddress) {
+    NewSocket made = environment_.CreateSocket();
+    if (made.id == 0) return made.error;
+    SocketHandle(made.id);
+    return environment_.Bind(handle_, Port(localPort_), reuseAddress);
+}
+
+void cSocketSSL::Disconnect() {
+    ++generation_;
+    state_ = sockClosed;
+    unsent_.Clear();
+    lines_.Clear();
+    Release();
+}
+
+void cSocketSSL::Release() {
+    if (handle_ == 0) return;
+    SocketId closing = handle_;
+    SocketHandle(0);
+    environment_.KillSocketTimer(closing, window_);
+    environment_.Close(closing);
+}
+
+void cSocketSSL::Fail(std::int32_t number) { Fail(number, SocketErrorText(number)); }
+
+// A handler of the error may have connected again; that connection is not the one that failed.
+void cSocketSSL::Fail(std::int32_t number, StringView description) {
+    Moment before(*this);
+    Raise(&SocketEvents::OnError, number, description);
+    if (!before.HasPassed()) Disconnect();
+}
+
+void cSocketSSL::OnConnectResult(std::int32_t error) {
+    if (error != SOCKERR_None) return Fail(error);
+    CompleteConnection();
+}
+
+void cSocketSSL::CompleteConnection() {
+    ReadPeer();
+    state_ = sockConnected;
+    Raise(&SocketEvents::OnConnect);
+}
+
+void cSocketSSL::ReadPeer() {
+    Address peer = environment_.PeerAddress(handle_);
+    remoteHost_ = DottedAddress(peer.ip);
+    remotePort_ = peer.port;
+}
+
+void cSocketSSL::OnConnectTimer() {
+    environment_.KillSocketTimer(handle_, window_);
+    if (state_ == sockConnecting) Fail(SOCKERR_None, u"Timeout");
+}
+
+void cSocketSSL::OnPeerClosed() { Raise(&SocketEvents::OnClosed); }
+void cSocketSSL::OnAcceptable() { Raise(&SocketEvents::OnConnectionRequest); }
+
+void cSocketSSL::OnReadable() {
+    Moment before(*this);
+    std::array<char, kReadBlock> buffer;
+    while (!before.HasPassed()) {
+        Transfer received = ReceiveSome(buffer.data(), buffer.size());
+        if (received.count <= 0) return;
+        Deliver({buffer.data(), static_cast<std::size_t>(received.count)});
+    }
+}
+
+void cSocketSSL::Deliver(std::string_view bytes) {
+    if (!lineSeparator_.empty()) return DeliverLines(bytes);
+    Raise(&SocketEvents::OnDataArrival, bytes, String(remoteHost_));
+}
+
+void cSocketSSL::DeliverLines(std::string_view bytes) {
+    Moment before(*this);
+    lines_.Append(WireFromBytes(bytes.substr(0, bytes.find('\0'))));
+    while (!lineSeparator_.empty()) {
+        auto line = lines_.TakeLine(lineSeparator_);
+        if (!line) break;
+        Raise(&SocketEvents::OnLineDataArrival, *line, String(remoteHost_));
+        if (before.HasPassed()) return;
+    }
+    std::string leftOver = BytesFromWire(lines_.TakeLeftOver());
+    if (!leftOver.empty()) Raise(&SocketEvents::OnDataArrival, leftOver, String(remoteHost_));
+}
+
+void cSocketSSL::SendData(StringView wireText) { SendBytes(BytesFromWire(wireText)); }
+
+void cSocketSSL::SendBytes(std::string_view bytes) {
+    if (state_ != sockConnected) return;
+    if (unsent_.IsEmpty()) bytes.remove_prefix(SendNow(bytes));
+    unsent_.Append(bytes);
+}
+
+// Sends until the system takes no more. What can never be sent counts as sent: the connection is lost, and
+// the closing that follows tells so.
+std::size_t cSocketSSL::SendNow(std::string_view bytes) {
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        Transfer taken = SendSome(bytes.substr(sent));
+        if (taken.error == SOCKERR_WouldBlock) break;
+        if (taken.count < 0) return bytes.size();
+        sent += static_cast<std::size_t>(taken.count);
+    }
+    return sent;
+}
+
+void cSocketSSL::Flush() { unsent_.Pop(SendNow(unsent_.Front())); }
+
+void cSocketSSL::OnWritable() {
+    Flush();
+    if (unsent_.IsEmpty()) Raise(&SocketEvents::OnSendComplete);
+}
+
+Transfer cSocketSSL::ReceiveSome(char* buffer, std::size_t capacity) {
+    return environment_.Receive(handle_, buffer, capacity);
+}
+
+Transfer cSocketSSL::SendSome(std::string_view bytes) { return environment_.Send(handle_, bytes); }
+
+void cSocketSSL::SendFile(StringView FileName) {
+    auto self = shared_from_this();
+    Moment before(*this);
+    std::ifstream file = OpenFile(FileName);
+    std::array<char, kFileBlock> block;
+    while (!before.HasPassed()) {
+        file.read(block.data(), block.size());
+        if (file.gcount() == 0) return;
+        SendBytes({block.data(), static_cast<std::size_t>(file.gcount())});
+        environment_.DoEvents();
+    }
+}
+
+String cSocketSSL::LocalIP() const { return DottedAddress(environment_.LocalAddress(handle_).ip); }
+
+String cSocketSSL::MyName() const { return WireFromBytes(environment_.HostName()); }
+
+String cSocketSSL::MyIP() const {
+    auto ip = ResolveHost(environment_, MyName());
+    return ip ? DottedAddress(*ip) : String();
+}
+
+}  // namespace quorix

@@ -1,0 +1,72 @@
+// The ground floor on POSIX systems: BSD sockets, and a GLib main context as the pump.
+//
+// The context is the thread's default one. The main thread has GLib's global default context, which an
+// application's GLib, GTK or Qt loop runs already; another thread that has none yet gets one of its own.
+#pragma once
+
+#include <glib.h>
+
+#include <memory>
+#include <unordered_map>
+
+#include "quorix/platform/Environment.h"
+#include "quorix/platform/posix/SocketWatch.h"
+
+namespace quorix {
+
+class PosixEnvironment final : public Environment {
+public:
+    PosixEnvironment();
+    ~PosixEnvironment() override;
+    PosixEnvironment(const PosixEnvironment&) = delete;
+    PosixEnvironment& operator=(const PosixEnvironment&) = delete;
+
+    HiddenWindow OpenWindow(SocketSink& sink) override;
+    void CloseWindow(HiddenWindow& window) override;
+
+    NewSocket CreateSocket() override;
+    std::int32_t Bind(SocketId socket, std::uint16_t port, bool reuseAddress) override;
+    std::int32_t Listen(SocketId socket, std::int32_t backlog) override;
+    NewSocket Accept(SocketId listener) override;
+    std::int32_t Connect(SocketId socket, Address peer) override;
+    Transfer Send(SocketId socket, std::string_view bytes) override;
+    Transfer Receive(SocketId socket, char* buffer, std::size_t capacity) override;
+    void Close(SocketId socket) override;
+
+    std::int32_t AsyncSelect(SocketId socket, const HiddenWindow& window, SocketSink& sink,
+                             std::int32_t events) override;
+    std::int32_t SetBlocking(SocketId socket, bool blocking) override;
+    std::int32_t WaitReadable(SocketId socket, std::int32_t milliseconds) override;
+    std::int32_t WaitWritable(SocketId socket, std::int32_t milliseconds) override;
+    std::int32_t PendingError(SocketId socket) override;
+
+    Address LocalAddress(SocketId socket) override;
+    Address PeerAddress(SocketId socket) override;
+    std::optional<std::uint32_t> Resolve(const std::string& host) override;
+    std::string HostName() override;
+
+    void SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
+                        std::int32_t milliseconds) override;
+    void KillSocketTimer(SocketId socket, const HiddenWindow& window) override;
+    TimerId SetTimer(std::int32_t milliseconds, TimerTick tick) override;
+    void KillTimer(TimerId timer) override;
+    std::int64_t Milliseconds() override;
+
+    void DoEvents() override;
+    void Run() override;
+    void Quit() override;
+    void CriticalMessage(StringView text, StringView title) override;
+
+private:
+    NewSocket Adopt(int descriptor, SocketWatch::Phase phase);
+    SocketWatch& WatchOf(SocketId socket);
+
+    GMainContext* context_;
+    bool ownsContext_;
+    std::unordered_map<SocketId, std::shared_ptr<SocketWatch>> sockets_;
+    std::unordered_map<TimerId, GSource*> timers_;
+    TimerId lastTimer_ = 0;
+    bool quit_ = false;
+};
+
+}  // namespace quorix
