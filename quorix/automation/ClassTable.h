@@ -1,6 +1,7 @@
 // What the automation world may do with a class: one line for each member, bound by name.
 //
-// The type library gives the same names their numbers, parameters and types; neither says what the other says.
+// The type library gives the same names their numbers, parameters and types; neither says what the other
+// says.
 #pragma once
 
 #include <functional>
@@ -62,7 +63,8 @@ protected:
     std::function<std::shared_ptr<EventSource>(const Instance&)> events_;
 };
 
-// Builds the table of T. Members are member functions of T, or functions whose first parameter is a T&.
+// Builds the table of T. Members are member functions of T, or functions whose first parameter is the T, by
+// reference or, when it is needed to keep a part of it alive, by its pointer.
 template <class T>
 class Class : public ClassTable {
 public:
@@ -99,6 +101,14 @@ public:
     Class& Get(const wchar_t* name, V (*get)(T&, A...)) {
         return Add<T&, A...>(name, DISPATCH_PROPERTYGET, 0, get);
     }
+    template <class V, class... A>
+    Class& Get(const wchar_t* name, V (*get)(const std::shared_ptr<T>&, A...)) {
+        return Add<const std::shared_ptr<T>&, A...>(name, DISPATCH_PROPERTYGET, 0, get);
+    }
+    template <class A>
+    Class& Put(const wchar_t* name, void (*put)(T&, A)) {
+        return Add<T&, A>(name, DISPATCH_PROPERTYPUT, 0, put);
+    }
 
     template <class V, class B, class... A>
     Class& Method(const wchar_t* name, V (B::*method)(A...), unsigned optional = 0) {
@@ -112,27 +122,31 @@ public:
     Class& Method(const wchar_t* name, V (*function)(T&, A...), unsigned optional = 0) {
         return Add<T&, A...>(name, DISPATCH_METHOD, optional, function);
     }
+    template <class V, class... A>
+    Class& Method(const wchar_t* name, V (*function)(const std::shared_ptr<T>&, A...), unsigned optional = 0) {
+        return Add<const std::shared_ptr<T>&, A...>(name, DISPATCH_METHOD, optional, function);
+    }
 
 private:
-    template <class, class... A, class F>
+    template <class Self, class... A, class F>
     Class& Add(const wchar_t* name, WORD kind, unsigned optional, F function) {
-        members_.push_back({name, kind, sizeof...(A), optional, MakeThunk<F, A...>(function)});
+        Thunk thunk = [function](const Instance& instance, const Arguments& arguments) {
+            const auto object = std::static_pointer_cast<T>(instance);
+            if constexpr (std::is_same_v<Self, T&>) {
+                return Call<A...>(function, *object, arguments, std::index_sequence_for<A...>());
+            } else {
+                return Call<A...>(function, object, arguments, std::index_sequence_for<A...>());
+            }
+        };
+        members_.push_back({name, kind, sizeof...(A), optional, std::move(thunk)});
         return *this;
     }
 
-    template <class F, class... A>
-    static Thunk MakeThunk(F function) {
-        return [function](const Instance& instance, const Arguments& arguments) {
-            return Call<F, A...>(function, *std::static_pointer_cast<T>(instance), arguments,
-                                 std::index_sequence_for<A...>());
-        };
-    }
-
-    template <class F, class... A, std::size_t... I>
-    static Variant Call(F function, T& object, const Arguments& arguments, std::index_sequence<I...>) {
+    template <class... A, class F, class Self, std::size_t... I>
+    static Variant Call(F function, Self& object, const Arguments& arguments, std::index_sequence<I...>) {
         // Braces, so that the first bad argument is the one reported.
         std::tuple<Held<A>...> held{arguments.Take<Held<A>>(I)...};
-        if constexpr (std::is_void_v<std::invoke_result_t<F, T&, Held<A>&...>>) {
+        if constexpr (std::is_void_v<std::invoke_result_t<F, Self&, Held<A>&...>>) {
             std::invoke(function, object, std::get<I>(held)...);
             return {};
         } else {

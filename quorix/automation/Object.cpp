@@ -12,9 +12,14 @@ std::atomic<long>& LoadCount() {
 }
 
 IDispatch* Wrap(Instance instance, const ClassTable& table) {
+    const void* identity = instance.get();
+    return Wrap(std::move(instance), table, identity);
+}
+
+IDispatch* Wrap(Instance handle, const ClassTable& table, const void* identity) {
     const BoundClass& bound = Bind(table);
-    const Apartment::Key key{instance.get(), &table};
-    return Apartment::Current()->FindOrMake(key, [&] { return new Object(std::move(instance), bound); });
+    return Apartment::Current()->FindOrMake(
+        {identity, &table}, [&] { return new Object(std::move(handle), bound, identity); });
 }
 
 Instance Unwrap(const VARIANT& value, const ClassTable& table) {
@@ -23,20 +28,22 @@ Instance Unwrap(const VARIANT& value, const ClassTable& table) {
     if (direct.vt != VT_DISPATCH && direct.vt != VT_UNKNOWN) throw BadArgument{DISP_E_TYPEMISMATCH};
     if (direct.punkVal == nullptr) return nullptr;
     ComPtr<IWrapper> wrapper;
-    if (FAILED(direct.punkVal->QueryInterface(IID_PPV_ARGS(&wrapper)))) throw BadArgument{DISP_E_TYPEMISMATCH};
+    if (FAILED(direct.punkVal->QueryInterface(IID_PPV_ARGS(&wrapper))))
+        throw BadArgument{DISP_E_TYPEMISMATCH};
     const Object& object = *wrapper->Self();
     if (&object.Bound().Table() != &table) throw BadArgument{DISP_E_TYPEMISMATCH};
     if (!object.OnItsThread()) throw BadArgument{RPC_E_WRONG_THREAD};
     return object.Wrapped();
 }
 
-Object::Object(Instance instance, const BoundClass& bound)
+Object::Object(Instance instance, const BoundClass& bound, const void* identity)
     : bound_(bound),
+      key_(identity, &bound.Table()),
       apartment_(Apartment::Current()),
       body_(std::make_shared<Body>(Body{std::move(instance), nullptr})) {}
 
 Object::~Object() {
-    apartment_->Forget(Key(), this);
+    apartment_->Forget(key_, this);
     if (!OnItsThread()) apartment_->Bury(std::move(body_));
 }
 

@@ -18,9 +18,7 @@ class Object;
 
 // How a wrapper knows another one among all objects that clients pass.
 MIDL_INTERFACE("3c1a0c52-6d0e-4f6c-9a5e-0d7b6f1f5a41")
-IWrapper : public IUnknown {
-    STDMETHOD_(Object*, Self)() = 0;
-};
+IWrapper : public IUnknown { STDMETHOD_(Object*, Self)() = 0; };
 
 }  // namespace quorix::automation
 
@@ -32,7 +30,7 @@ namespace quorix::automation {
 class Object
     : public Unknown<IDispatch, IProvideClassInfo2, ISupportErrorInfo, IConnectionPointContainer, IWrapper> {
 public:
-    Object(Instance instance, const BoundClass& bound);
+    Object(Instance instance, const BoundClass& bound, const void* identity);
     ~Object() override;
 
     const Instance& Wrapped() const { return body_->instance; }
@@ -73,9 +71,8 @@ private:
         }
     };
 
-    Apartment::Key Key() const { return {body_->instance.get(), &bound_.Table()}; }
-
     const BoundClass& bound_;
+    const Apartment::Key key_;
     std::shared_ptr<Apartment> apartment_;
     std::shared_ptr<Body> body_;
 };

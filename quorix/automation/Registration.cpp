@@ -7,6 +7,10 @@
 #include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
 
+// Exported by the system, and in its import library, but not declared in the headers at hand.
+extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib*, OLECHAR*, OLECHAR*);
+extern "C" HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID, WORD, WORD, LCID, SYSKIND);
+
 namespace quorix::automation {
 namespace {
 

@@ -26,9 +26,7 @@ Variant Coerce(const VARIANT& value, VARTYPE type) {
     return converted;
 }
 
-bool IsMissing(const VARIANT& value) {
-    return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND;
-}
+bool IsMissing(const VARIANT& value) { return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND; }
 
 Variant StringVariant(StringView text) {
     Variant made;
@@ -64,6 +62,12 @@ Variant BytesVariant(const Bytes& bytes) {
     if (made.parray == nullptr) throw std::bad_alloc();
     made.vt = VT_ARRAY | VT_UI1;
     std::copy(bytes.begin(), bytes.end(), static_cast<char*>(made.parray->pvData));
+    return made;
+}
+
+Variant NullVariant() {
+    Variant made;
+    made.vt = VT_NULL;
     return made;
 }
 

@@ -82,12 +82,18 @@ Variant Coerce(const VARIANT& value, VARTYPE type);
 // True for what stands for an argument that was left out.
 bool IsMissing(const VARIANT& value);
 
-// Objects, in Object.cpp: a C++ object as its one wrapper, and what a wrapper wraps.
+// Objects, in Object.cpp: a C++ object as its one wrapper, and what a wrapper wraps. Of handles, many of which
+// may stand for one thing, `identity` is the thing.
 class ClassTable;
 template <class T>
 const ClassTable& TableOf();
 IDispatch* Wrap(std::shared_ptr<void> instance, const ClassTable& table);
+IDispatch* Wrap(std::shared_ptr<void> handle, const ClassTable& table, const void* identity);
 std::shared_ptr<void> Unwrap(const VARIANT& value, const ClassTable& table);
+
+// Types of a room of its own: From and To, as the functions below.
+template <class T>
+struct Custom;
 
 // C++ from VARIANT. What is missing reads as the type's empty value. Throws BadArgument.
 template <class T>
@@ -109,7 +115,7 @@ T FromVariant(const VARIANT& value) {
         } else if constexpr (std::is_enum_v<T> || std::same_as<T, std::int32_t>) {
             return static_cast<T>(Coerce(value, VT_I4).lVal);
         } else {
-            static_assert(std::is_void_v<T>, "no conversion from VARIANT");
+            return Custom<T>::From(value);
         }
     }
 }
@@ -119,7 +125,8 @@ Variant BooleanVariant(bool value);
 Variant Int16Variant(std::int16_t value);
 Variant Int32Variant(std::int32_t value);
 Variant BytesVariant(const Bytes& bytes);
-Variant ObjectVariant(IDispatch* adopted);
+Variant ObjectVariant(IDispatch* adopted);  // takes over the reference
+Variant NullVariant();
 
 // VARIANT from C++.
 template <class T>
@@ -138,7 +145,7 @@ Variant ToVariant(const T& value) {
     } else if constexpr (std::same_as<T, Bytes>) {
         return BytesVariant(value);
     } else {
-        static_assert(std::is_void_v<T>, "no conversion to VARIANT");
+        return Custom<T>::To(value);
     }
 }
 
