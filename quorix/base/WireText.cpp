@@ -10,6 +10,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+bool IsSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xE000; }
 
 char32_t TakeCodePoint(StringView& text) {
     char16_t first = text.front();
@@ -22,20 +23,34 @@ char32_t TakeCodePoint(StringView& text) {
     return 0x10000 + ((first - 0xD800U) << 10U) + (low - 0xDC00U);
 }
 
-void AppendUtf8(std::string& out, char32_t code) {
-    auto tail = [&](unsigned shift) { out += static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
+char* PutUtf8(char* out, char32_t code) {
+    auto tail = [&](unsigned shift) { *out++ = static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
     if (code < 0x80) {
-        out += static_cast<char>(code);
+        *out++ = static_cast<char>(code);
     } else if (code < 0x800) {
-        out += static_cast<char>(0xC0U | (code >> 6U));
+        *out++ = static_cast<char>(0xC0U | (code >> 6U));
         tail(0);
     } else if (code < 0x10000) {
-        out += static_cast<char>(0xE0U | (code >> 12U));
+        *out++ = static_cast<char>(0xE0U | (code >> 12U));
         tail(6), tail(0);
     } else {
-        out += static_cast<char>(0xF0U | (code >> 18U));
+        *out++ = static_cast<char>(0xF0U | (code >> 18U));
         tail(12), tail(6), tail(0);
     }
+    return out;
+}
+
+// The size in UTF-8, exact without surrogates; a pair of these takes less.
+std::size_t Utf8Bound(StringView text) {
+    std::size_t size = text.size();
+    for (char16_t c : text) size += (c >= 0x80 ? 1U : 0U) + (c >= 0x800 ? 1U : 0U);
+    return size;
+}
+
+bool IsAscii(std::string_view bytes) {
+    unsigned char all = 0;
+    for (char byte : bytes) all |= static_cast<unsigned char>(byte);
+    return all < 0x80;
 }
 
 struct Sequence {
@@ -66,13 +81,14 @@ char32_t DecodeUtf8(std::string_view& utf8) {
     return good ? code : kReplacement;
 }
 
-void AppendUtf16(String& out, char32_t code) {
+char16_t* PutUtf16(char16_t* out, char32_t code) {
     if (code < 0x10000) {
-        out += static_cast<char16_t>(code);
-        return;
+        *out++ = static_cast<char16_t>(code);
+        return out;
     }
-    out += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10U));
-    out += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FFU));
+    *out++ = static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10U));
+    *out++ = static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FFU));
+    return out;
 }
 
 }  // namespace
@@ -92,31 +108,33 @@ std::string BytesFromWire(StringView wire) {
 }
 
 std::string Utf8FromText(StringView text) {
-    std::string result;
-    result.reserve(text.size() + text.size() / 8);
-    while (!text.empty()) {
-        if (text.front() < 0x80) {
-            result += static_cast<char>(text.front());
-            text.remove_prefix(1);
-        } else {
-            AppendUtf8(result, TakeCodePoint(text));
-        }
+    std::string result(Utf8Bound(text), '\0');
+    char* out = result.data();
+    if (result.size() == text.size()) {
+        std::transform(text.begin(), text.end(), out, [](char16_t c) { return static_cast<char>(c); });
+        return result;
     }
+    while (!text.empty()) out = PutUtf8(out, TakeCodePoint(text));
+    result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
 }
 
 String TextFromUtf8(std::string_view utf8) {
-    String result;
-    result.reserve(utf8.size());
-    while (!utf8.empty()) {
-        if (static_cast<unsigned char>(utf8.front()) < 0x80) {
-            result += static_cast<char16_t>(utf8.front());
-            utf8.remove_prefix(1);
-        } else {
-            AppendUtf16(result, DecodeUtf8(utf8));
-        }
-    }
+    if (IsAscii(utf8)) return {utf8.begin(), utf8.end()};
+    String result(utf8.size(), u'\0');
+    char16_t* out = result.data();
+    while (!utf8.empty()) out = PutUtf16(out, DecodeUtf8(utf8));
+    result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
+}
+
+bool HasLoneSurrogate(StringView text) {
+    if (std::none_of(text.begin(), text.end(), IsSurrogate)) return false;
+    while (!text.empty()) {
+        bool literal = text.front() == kReplacement;
+        if (TakeCodePoint(text) == kReplacement && !literal) return true;
+    }
+    return false;
 }
 
 }  // namespace quorix

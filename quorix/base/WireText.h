@@ -18,4 +18,7 @@ std::string BytesFromWire(StringView wire);
 std::string Utf8FromText(StringView text);
 String TextFromUtf8(std::string_view utf8);
 
+// True when `text` is not UTF-16 throughout: half of a surrogate pair stands alone.
+bool HasLoneSurrogate(StringView text);
+
 }  // namespace quorix

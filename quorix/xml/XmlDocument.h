@@ -1,0 +1,73 @@
+// An XML document: parsed from text or a file, or built node by node.
+//
+// Loading is strict and has no side effects: what is not well-formed, holds a document type declaration, or
+// exceeds a bound of XmlLimits.h leaves the document empty. White-space-only text that has an element beside
+// it is dropped, in a leaf it stays. A declaration is kept and written back first.
+//
+// Ownership and threads: see XmlNode.h.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "quorix/base/String.h"
+#include "quorix/xml/XmlNode.h"
+
+namespace quorix {
+
+struct XmlTree;
+struct XmlTreeRelease {
+    void operator()(XmlTree* tree) const;
+};
+using XmlTreePtr = std::unique_ptr<XmlTree, XmlTreeRelease>;
+
+class XmlDocument {
+public:
+    static std::shared_ptr<XmlDocument> Create();
+
+    // Replaces the tree; handles into the former one stay valid. False when the document is empty now.
+    // An encoding declared in `text` has no meaning, since characters are characters already.
+    bool Load(StringView text);
+
+    // Loads `text` as the content of an enclosing element that is not in it: any number of elements side by
+    // side, with text between them. White-space-only text directly under the enclosing element is dropped.
+    bool LoadContent(StringView text);
+
+    // The bytes are UTF-8, or what the file's byte order mark or declaration says.
+    bool LoadFile(StringView path);
+
+    // Writes UTF-8, and says so in a declaration that names an encoding. Error 53 when the file cannot be
+    // written.
+    void SaveFile(StringView path) const;
+
+    // The document element, after LoadContent the enclosing one; empty in an empty document.
+    XmlNode Root() const;
+    // Makes `element` the document element in place of the present one. Error 5 when it is no element.
+    void Root(const XmlNode& element);
+
+    String Xml() const;
+
+    // XPath on the document; see XmlNode.
+    XmlNode SelectSingle(StringView xpath) const;
+    std::vector<XmlNode> Select(StringView xpath) const;
+
+    // An element outside the tree. Error 5 when `name` is no XML name.
+    XmlNode CreateElement(StringView name);
+
+    // Appends a processing instruction to the document. Error 5 when `target` is no XML name.
+    void AppendInstruction(StringView target, StringView data);
+
+    // Moves `node` and what is below it out of its document into one of its own, without parsing or copying.
+    // Handles into the subtree follow it. Error 91 when `node` is empty, 5 when it cannot be moved.
+    static std::shared_ptr<XmlDocument> Detach(const XmlNode& node);
+
+    explicit XmlDocument(XmlTreePtr tree);
+    ~XmlDocument();
+
+private:
+    bool Take(XmlTreePtr tree);
+
+    XmlTreePtr tree_;
+};
+
+}  // namespace quorix

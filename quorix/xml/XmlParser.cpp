@@ -1,0 +1,72 @@
+#include "quorix/xml/XmlParser.h"
+
+#include <libxml/parserInternals.h>
+
+#include <limits>
+#include <memory>
+
+#include "quorix/xml/XmlBuilder.h"
+
+namespace quorix {
+
+namespace {
+
+// Names are shared by the documents of a thread up to this many; a hostile peer can invent names for ever.
+constexpr int kMaxSharedNames = 4096;
+constexpr std::size_t kMaxSharedNameBytes = 1U << 20U;
+
+struct ParserFree {
+    void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+};
+using ParserPtr = std::unique_ptr<xmlParserCtxt, ParserFree>;
+
+ParserPtr NewParser() {
+    ParserPtr parser(xmlNewParserCtxt());
+    *parser->sax = XmlBuilder::Handlers();
+    return parser;
+}
+
+void BoundSharedNames(xmlParserCtxt* parser) {
+    if (xmlDictSize(parser->dict) < kMaxSharedNames && xmlDictGetUsage(parser->dict) < kMaxSharedNameBytes)
+        return;
+    xmlDictFree(parser->dict);
+    parser->dict = xmlDictCreate();
+}
+
+// A parser costs more to make than a stanza to parse.
+xmlParserCtxt* ThreadParser(int options) {
+    thread_local ParserPtr parser = NewParser();
+    xmlCtxtReset(parser.get());
+    BoundSharedNames(parser.get());
+    // Without XML_PARSE_NOENT an "&amp;" in an attribute would be left for a second parse.
+    xmlCtxtUseOptions(parser.get(), options | XML_PARSE_HUGE | XML_PARSE_NOENT | XML_PARSE_NONET);
+    return parser.get();
+}
+
+XmlTreePtr Parse(xmlParserCtxt* parser, xmlParserInput* input, bool enclosed) {
+    XmlBuilder builder(parser, enclosed);
+    parser->userData = &builder;
+    inputPush(parser, input);
+    xmlParseDocument(parser);
+    return builder.Finish();
+}
+
+bool FitsParser(const std::string& bytes) { return bytes.size() < std::numeric_limits<int>::max(); }
+
+}  // namespace
+
+XmlTreePtr ParseText(const std::string& utf8, bool enclosed) {
+    if (!FitsParser(utf8) || utf8.find('\0') != std::string::npos) return nullptr;
+    xmlParserCtxt* parser = ThreadParser(XML_PARSE_IGNORE_ENC);
+    return Parse(parser, xmlNewStringInputStream(parser, BAD_CAST utf8.c_str()), enclosed);
+}
+
+XmlTreePtr ParseFile(const std::string& bytes) {
+    if (!FitsParser(bytes)) return nullptr;
+    xmlParserCtxt* parser = ThreadParser(0);
+    xmlParserInputBuffer* buffer =
+        xmlParserInputBufferCreateMem(bytes.data(), static_cast<int>(bytes.size()), XML_CHAR_ENCODING_NONE);
+    return Parse(parser, xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE), false);
+}
+
+}  // namespace quorix

@@ -1,0 +1,139 @@
+#include "quorix/xml/XmlQuery.h"
+
+#include <libxml/xpath.h>
+
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+#include "quorix/base/AutomationError.h"
+#include "quorix/base/WireText.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr std::size_t kMaxCompiledQueries = 64;
+
+template <auto Free>
+struct With {
+    template <class T>
+    void operator()(T* pointer) const {
+        Free(pointer);
+    }
+};
+using Context = std::unique_ptr<xmlXPathContext, With<xmlXPathFreeContext>>;
+using Compiled = std::unique_ptr<xmlXPathCompExpr, With<xmlXPathFreeCompExpr>>;
+using Result = std::unique_ptr<xmlXPathObject, With<xmlXPathFreeObject>>;
+
+// The thread's evaluator with the expressions it has compiled: both cost more than a query on a stanza.
+class Evaluator {
+public:
+    Evaluator() : context_(xmlXPathNewContext(nullptr)) {
+        context_->error = [](void*, xmlError*) {};  // else errors go to the standard error stream
+    }
+
+    Result Evaluate(xmlNode* node, StringView xpath) {
+        xmlXPathCompExpr* expression = Expression(xpath);
+        if (!expression) return nullptr;
+        context_->doc = node->doc;
+        context_->node = node;
+        Result result(xmlXPathCompiledEval(expression, context_.get()));
+        context_->doc = nullptr;
+        context_->node = nullptr;
+        return result;
+    }
+
+private:
+    struct Hash : std::hash<StringView> {
+        using is_transparent = void;
+    };
+
+    xmlXPathCompExpr* Expression(StringView xpath) {
+        auto found = compiled_.find(xpath);
+        if (found != compiled_.end()) return found->second.get();
+        if (compiled_.size() >= kMaxCompiledQueries) compiled_.clear();
+        std::string utf8 = WithNamesAsWritten(TreeText(xpath));
+        Compiled expression(xmlXPathCtxtCompile(context_.get(), BAD_CAST utf8.c_str()));
+        return compiled_.emplace(xpath, std::move(expression)).first->second.get();
+    }
+
+    Context context_;
+    std::unordered_map<String, Compiled, Hash, std::equal_to<>> compiled_;
+};
+
+Evaluator& ThreadEvaluator() {
+    thread_local Evaluator evaluator;
+    return evaluator;
+}
+
+bool IsNameChar(char c) {
+    bool letter =
+        (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<signed char>(c) < 0;
+    return letter || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
+std::string_view TakeName(std::string_view& text) {
+    std::size_t size = 0;
+    while (size < text.size() && IsNameChar(text[size])) ++size;
+    std::string_view name = text.substr(0, size);
+    text.remove_prefix(size);
+    return name;
+}
+
+std::string_view TakeLiteral(std::string_view& text) {
+    std::size_t end = text.find(text.front(), 1);
+    std::string_view literal = text.substr(0, end == std::string_view::npos ? end : end + 1);
+    text.remove_prefix(literal.size());
+    return literal;
+}
+
+// A single colon; two end the name of an axis.
+bool AtPrefixEnd(std::string_view rest) {
+    return rest.size() > 1 && rest[0] == ':' && (rest[1] == '*' || IsNameChar(rest[1]));
+}
+
+std::string NameTest(std::string_view prefix, std::string_view local) {
+    if (local == "*") return "*[starts-with(name(),'" + std::string(prefix) + ":')]";
+    return "*[name()='" + std::string(prefix) + ":" + std::string(local) + "']";
+}
+
+}  // namespace
+
+std::string WithNamesAsWritten(const std::string& xpath) {
+    std::string out;
+    std::string_view rest = xpath;
+    while (!rest.empty()) {
+        if (rest.front() == '"' || rest.front() == '\'') {
+            out += TakeLiteral(rest);
+            continue;
+        }
+        std::string_view name = TakeName(rest);
+        if (name.empty() || !AtPrefixEnd(rest)) {
+            std::size_t size = name.empty() ? 1 : 0;
+            out.append(name).append(rest.substr(0, size));
+            rest.remove_prefix(size);
+            continue;
+        }
+        rest.remove_prefix(1);
+        bool any = rest.front() == '*';
+        std::string_view local = any ? rest.substr(0, 1) : TakeName(rest);
+        if (any) rest.remove_prefix(1);
+        out += NameTest(name, local);
+    }
+    return out;
+}
+
+std::vector<XmlNode> SelectNodes(xmlNode* context, StringView xpath) {
+    Result result = ThreadEvaluator().Evaluate(context, xpath);
+    if (!result || result->type != XPATH_NODESET) throw AutomationError(ERR_InvalidCall);
+    std::vector<XmlNode> nodes;
+    const xmlNodeSet* found = result->nodesetval;
+    for (int i = 0; found && i < found->nodeNr; ++i) {
+        // The namespace axis makes up nodes that are in no tree.
+        if (found->nodeTab[i]->type != XML_NAMESPACE_DECL) nodes.emplace_back(found->nodeTab[i]);
+    }
+    return nodes;
+}
+
+}  // namespace quorix

@@ -1,0 +1,13 @@
+// The one serialized form of a tree, in UTF-8: no declaration added, no indentation, no trailing newline,
+// attributes in their order with double quotes, `<a/>` for every empty element.
+#pragma once
+
+#include <libxml/tree.h>
+
+#include <string>
+
+namespace quorix {
+
+std::string Serialize(const xmlNode* node);
+
+}  // namespace quorix

@@ -1,0 +1,70 @@
+// The parser library's tree with a life of its own: it lives as long as a document or a handle needs it.
+//
+// Every node counts its handles in its private field, and the tree counts all of them. So a subtree can move
+// to another tree and take its handles along, and what is removed is freed at once unless someone looks at
+// it.
+#pragma once
+
+#include <libxml/tree.h>
+
+#include <string>
+#include <unordered_set>
+
+#include "quorix/base/String.h"
+#include "quorix/xml/XmlDocument.h"
+
+namespace quorix {
+
+struct XmlTree : xmlDoc {
+    std::size_t references = 1;
+    std::unordered_set<xmlNode*> loose;  // removed or not yet placed, but in sight of a handle
+};
+
+// A tree without nodes. Names in `names`, when given, may be shared by the tree's nodes.
+XmlTreePtr NewTree(xmlDict* names = nullptr);
+
+inline XmlTree* TreeOf(const xmlNode* node) { return static_cast<XmlTree*>(node->doc); }
+inline xmlNode* AsNode(XmlTree& tree) { return reinterpret_cast<xmlNode*>(static_cast<xmlDoc*>(&tree)); }
+inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
+
+void AddHandle(xmlNode* node);
+void DropHandle(xmlNode* node);
+
+// The node after `node` in document order, inside the subtree of `top`; null at its end.
+xmlNode* Following(const xmlNode* node, const xmlNode* top);
+
+// Appends `node`, which must stand outside, in constant time.
+void LinkLast(xmlNode* parent, xmlNode* node);
+
+// Takes `node` out of its place. It must be linked or discarded next.
+void Unlink(xmlNode* node);
+
+// Frees an unlinked node, or keeps it with the tree while a handle may look at it.
+void Discard(xmlNode* node);
+
+// Makes an unlinked node and all below it part of `tree`, whatever tree it came from.
+void Adopt(XmlTree& tree, xmlNode* node);
+
+xmlNode* NewElement(XmlTree& tree, const std::string& name);
+xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size);
+
+// Text as the tree keeps it: what has no place in XML at all (a lone surrogate, a NUL) becomes U+FFFD.
+std::string TreeText(StringView text);
+
+// The name, checked. Error 5 when it is no XML name.
+std::string TreeName(StringView name);
+
+String FromTree(const xmlChar* text);
+bool Equals(const xmlChar* left, StringView right);
+
+inline bool IsElementNode(const xmlNode* node) { return node && node->type == XML_ELEMENT_NODE; }
+inline bool IsTextNode(const xmlNode* node) {
+    return node && (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE);
+}
+// Only these link other nodes and properties in the ordinary way.
+inline bool CanBeChild(const xmlNode* node) {
+    return IsElementNode(node) || IsTextNode(node) || node->type == XML_COMMENT_NODE ||
+           node->type == XML_PI_NODE;
+}
+
+}  // namespace quorix
