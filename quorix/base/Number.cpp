@@ -62,6 +62,11 @@ std::int32_t ToInt32(StringView text) {
     return static_cast<std::int32_t>(value);
 }
 
+std::int16_t ToInt16(std::int64_t value) {
+    if (!Fits<std::int16_t>(static_cast<double>(value))) throw AutomationError(ERR_Overflow);
+    return static_cast<std::int16_t>(value);
+}
+
 bool ToBoolean(StringView text) {
     if (EqualsIgnoringCase(Trim(text), u"True")) return true;
     if (EqualsIgnoringCase(Trim(text), u"False")) return false;

@@ -18,6 +18,9 @@ std::int32_t WireInt32(StringView text);
 // The whole text as a number, rounded half to even. Error 13 when it is not a number, 6 when out of range.
 std::int32_t ToInt32(StringView text);
 
+// `value` as the narrower type. Error 6 when out of range.
+std::int16_t ToInt16(std::int64_t value);
+
 // "True" and "False" in any ASCII case, or a number (not 0 is true). Error 13 for anything else.
 bool ToBoolean(StringView text);
 

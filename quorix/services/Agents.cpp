@@ -1,0 +1,102 @@
+#include "quorix/services/Agents.h"
+
+#include <algorithm>
+#include <map>
+
+#include "quorix/base/Number.h"
+#include "quorix/services/Query.h"
+#include "quorix/services/XDataForm.h"
+
+namespace quorix {
+
+void FetchAgents(SessionLink& link) {
+    link.SendXML(Concat({u"<iq id='", kAgentListId, u"' to='", link.ServerAddress(),
+                         u"' type='get'><query xmlns='jabber:iq:agents'/></iq>"}));
+}
+
+void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
+    link.SendXML(Query(u"get", id, jid, u"jabber:iq:register"));
+}
+
+std::int16_t Agents::FindAgent(StringView jid) const {
+    auto found =
+        std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->JID() == jid; });
+    return found == items_.end() ? std::int16_t{0} : ToInt16(found - items_.begin() + 1);
+}
+
+bool Agents::Knows(StringView bareJid) const {
+    return std::any_of(items_.begin(), items_.end(),
+                       [&](const auto& agent) { return EqualsIgnoringCase(agent->JID(), bareJid); });
+}
+
+void Agents::HandleList(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
+    link->Raise(&SessionEvents::OnAgentBegin);
+    for (const XmlNode& element : stanza.root.Select(u"//agent")) AddAgent(link, element);
+    link->Raise(&SessionEvents::OnAgentEnd);
+}
+
+void Agents::AddAgent(const std::shared_ptr<SessionLink>& link, const XmlNode& element) {
+    auto node = std::make_shared<cXML_Node>();
+    node->xml(element.Xml());
+    auto agent = std::make_shared<cAgentItem>();
+    agent->SetSession(link, searchFields_);
+    agent->xml(element.Xml());
+    if (items_.HasKey(agent->Name())) return;
+    items_.Add(agent, agent->Name());
+    link->Raise(&SessionEvents::OnAgentItem, agent, node);
+}
+
+std::shared_ptr<cAgentItem> Agents::LastWithJid(StringView jid) const {
+    std::shared_ptr<cAgentItem> last;
+    for (const auto& agent : items_) {
+        if (agent->JID() == jid) last = agent;
+    }
+    return last;
+}
+
+namespace {
+
+// Finds fields by name as FindField does, in one scan for the whole form.
+class FieldIndex {
+public:
+    explicit FieldIndex(cAgentItem& agent) : agent_(agent) {
+        for (const auto& field : agent.Fields()) first_.try_emplace(field->Name(), field);
+    }
+
+    void Put(const String& name, StringView value) {
+        auto known = first_.find(name);
+        if (known != first_.end()) return known->second->Value(value);
+        first_.emplace(name, agent_.AddField(name, value));
+    }
+
+private:
+    cAgentItem& agent_;
+    std::map<String, std::shared_ptr<cAgentField>> first_;
+};
+
+void FillDataForm(cAgentItem& agent, const XmlNode& x) {
+    if (!agent.xData()) agent.xData(std::make_shared<cXData>());
+    FillXData(*agent.xData(), x);
+}
+
+}  // namespace
+
+void Agents::HandleRegistrationForm(const Stanza& stanza) {
+    std::shared_ptr<cAgentItem> agent = LastWithJid(stanza.from);
+    if (!agent) return;
+    FieldIndex fields(*agent);
+    for (XmlNode child = stanza.root.Child(u"query").FirstElement(); child; child = child.NextElement()) {
+        if (child.Is(u"x")) {
+            FillDataForm(*agent, child);
+        } else {
+            fields.Put(child.Name(), child.Text());
+        }
+    }
+}
+
+void HandleGateway(SessionLink& link, const Stanza& stanza) {
+    if (!stanza.IsResult()) return;
+    link.Raise(&SessionEvents::OnGatewayInfo, stanza.node, stanza.Query().Child(u"desc").Text());
+}
+
+}  // namespace quorix

@@ -1,0 +1,107 @@
+#include "quorix/services/Browse.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "quorix/base/modUTF_8.h"
+#include "quorix/services/cBrowseItem.h"
+#include "quorix/services/cGroupChat.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr StringView kServerPrefix = u"gcsrv_";
+constexpr StringView kRoomPrefix = u"gcroom_";
+
+void Browse(SessionLink& link, StringView jid, StringView prefix, StringView id) {
+    link.SendXML(Concat({u"<iq type='get' to='", EncodeUTF8(jid, false), u"' id='", prefix, id,
+                         u"'><item xmlns='jabber:iq:browse'/></iq>"}));
+}
+
+template <class Accept>
+std::vector<XmlNode> ChildrenWhere(const XmlNode& parent, Accept accept) {
+    std::vector<XmlNode> children;
+    for (XmlNode child = parent.FirstElement(); child; child = child.NextElement()) {
+        if (accept(child)) children.push_back(child);
+    }
+    return children;
+}
+
+XmlNode ConferenceOf(const Stanza& stanza) { return stanza.root.SelectSingle(u"//conference"); }
+
+// Servers mark the items with the namespace; where none does, the ones with an address count.
+std::vector<XmlNode> RoomElements(const XmlNode& conference) {
+    auto itemsWith = [&](StringView attribute) {
+        return ChildrenWhere(conference, [=](const XmlNode& child) {
+            return child.Is(u"item") && child.HasAttribute(attribute);
+        });
+    };
+    std::vector<XmlNode> marked = itemsWith(u"xmlns");
+    return marked.empty() ? itemsWith(u"jid") : marked;
+}
+
+std::shared_ptr<cGroupChat> ReadRoom(const XmlNode& element, StringView server) {
+    auto room = std::make_shared<cGroupChat>();
+    room->Server(server);
+    room->JID(element.Attribute(u"jid"));
+    room->RoomName(element.Attribute(u"name"));
+    room->ServerType(element.AttributeIs(u"type", u"private") ? KV_Private : KV_Public);
+    return room;
+}
+
+void HandleServer(SessionLink& link, const Stanza& stanza) {
+    std::vector<std::shared_ptr<cGroupChat>> rooms;
+    for (const XmlNode& element : RoomElements(ConferenceOf(stanza))) {
+        rooms.push_back(ReadRoom(element, stanza.from));
+    }
+    if (rooms.empty()) rooms.emplace_back();
+    for (const auto& room : rooms) link.Raise(&SessionEvents::OnChatServerBrowseResult, room, stanza.node);
+}
+
+struct Entry {
+    std::shared_ptr<cBrowseItem> item;
+    NodePtr node;
+};
+
+Entry ReadEntry(const XmlNode& element) {
+    Entry entry{std::make_shared<cBrowseItem>(), std::make_shared<cXML_Node>()};
+    String type = element.Attribute(u"type");
+    entry.item->JID(element.Attribute(u"jid"));
+    entry.item->Name(element.Attribute(u"name"));
+    entry.item->SubType(type.empty() ? element.Attribute(u"category") : type);
+    entry.node->xml(element.Xml());
+    return entry;
+}
+
+bool IsEntry(const XmlNode& element) {
+    return (element.Is(u"user") || element.Is(u"item")) && element.HasAttribute(u"jid");
+}
+
+void HandleRoom(SessionLink& link, const Stanza& stanza) {
+    std::vector<Entry> entries;
+    for (const XmlNode& element : ChildrenWhere(ConferenceOf(stanza), IsEntry)) {
+        entries.push_back(ReadEntry(element));
+    }
+    link.Raise(&SessionEvents::OnChatRoomBrowseResult, stanza.from, stanza.node);
+    for (const Entry& entry : entries) {
+        link.Raise(&SessionEvents::OnGroupChatItem, entry.item, stanza.from, entry.node);
+    }
+}
+
+}  // namespace
+
+void BrowseChatServer(SessionLink& link, StringView jid, StringView id) {
+    Browse(link, jid, kServerPrefix, id);
+}
+
+void BrowseChatRoom(SessionLink& link, StringView jid, StringView id) { Browse(link, jid, kRoomPrefix, id); }
+
+void HandleBrowse(SessionLink& link, const Stanza& stanza) {
+    if (!stanza.IsResult()) return;
+    if (StartsWith(stanza.id, kServerPrefix)) HandleServer(link, stanza);
+    if (StartsWith(stanza.id, kRoomPrefix)) HandleRoom(link, stanza);
+}
+
+}  // namespace quorix

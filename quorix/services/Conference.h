@@ -1,0 +1,18 @@
+// What a room requires (jabber:iq:conference), and invitations to rooms (jabber:x:conference, XEP-0249).
+#pragma once
+
+#include "quorix/link/SessionLink.h"
+#include "quorix/link/Stanza.h"
+
+namespace quorix {
+
+// Invites `jid` to the room `roomJid`, both inserted as given.
+void SendGCInvite10(SessionLink& link, StringView jid, StringView roomJid);
+
+// A room's answer raises OnGroupChat.
+void HandleConference(SessionLink& link, const Stanza& stanza);
+
+// A message that invites raises OnGCInvite10. False, and nothing raised, for any other message.
+bool HandleInvitation(SessionLink& link, const Stanza& stanza);
+
+}  // namespace quorix

@@ -1,0 +1,84 @@
+#include "quorix/services/GroupChats.h"
+
+#include <algorithm>
+
+#include "quorix/base/Jid.h"
+#include "quorix/base/modUTF_8.h"
+#include "quorix/services/Query.h"
+
+namespace quorix {
+
+namespace {
+
+template <class Same>
+std::int32_t Find(const GroupChats::List& rooms, Same same) {
+    auto found = std::find_if(rooms.begin(), rooms.end(), same);
+    return found == rooms.end() ? 0 : static_cast<std::int32_t>(found - rooms.begin()) + 1;
+}
+
+void Require(const std::shared_ptr<cGroupChat>& room) {
+    if (!room) throw AutomationError(ERR_ObjectNotSet);
+}
+
+// Two blanks before `type`, as peers have always seen it.
+String RoomPresence(const cGroupChat& room, bool available) {
+    return Concat({u"<presence to='", EncodeUTF8(room.JID(), false), u"/", EncodeUTF8(room.NickName(), false),
+                   available ? u"'/>" : u"'  type='unavailable'/>"});
+}
+
+StringView ShowText(eShowType showType) {
+    switch (showType) {
+        case KV_chat: return u"chat";
+        case KV_Away: return u"away";
+        case KV_DND: return u"dnd";
+        default: return {};
+    }
+}
+
+}  // namespace
+
+std::int32_t GroupChats::FindGroupChat(StringView jid) const {
+    return Find(items_, [&](const auto& room) { return room->JID() == jid; });
+}
+
+std::int32_t GroupChats::FindSameRoom(StringView jid) const {
+    String bare = RemoveResource(jid);
+    return Find(items_,
+                [&](const auto& room) { return EqualsIgnoringCase(RemoveResource(room->JID()), bare); });
+}
+
+void GroupChats::SendGroupChatRequest(SessionLink& link, const std::shared_ptr<cGroupChat>& room,
+                                      bool available) {
+    Require(room);
+    link.SendXML(RoomPresence(*room, available));
+    std::int32_t position = FindSameRoom(room->JID());
+    if (!available) {
+        if (position > 0) items_.Remove(position);
+    } else if (position > 0) {
+        items_.Replace(position, room);
+    } else {
+        items_.Add(room);
+    }
+}
+
+bool GroupChats::Leave(StringView jid, StringView nickname) {
+    std::int32_t position = FindGroupChat(jid);
+    if (position == 0 || items_.Item(position)->NickName() != nickname) return false;
+    items_.Remove(position);
+    return true;
+}
+
+void SendGroupChatPresence(SessionLink& link, StringView groupJid, eShowType showType, StringView status) {
+    String statusElement = status.empty() ? String() : Element(u"status", EncodeUTF8(status, false));
+    link.SendXML(Concat({u"<presence to='", EncodeUTF8(groupJid, false), u"'>",
+                         Element(u"show", ShowText(showType)), statusElement, u"</presence>"}));
+}
+
+void ChangeGCNickName(SessionLink& link, const std::shared_ptr<cGroupChat>& room, StringView nickname) {
+    Require(room);
+    link.SendXML(Concat({u"<iq to= '", room->JID(), u"' type='set'><query xmlns='jabber:iq:conference'>",
+                         Element(u"nick", nickname), u"</query></iq>"}));
+    room->NickName(nickname);
+}
+
+}  // namespace quorix

@@ -1,0 +1,76 @@
+#include "quorix/services/Search.h"
+
+#include "quorix/base/modUTF_8.h"
+#include "quorix/services/XDataForm.h"
+
+namespace quorix {
+
+namespace {
+
+void AddPlainHit(cSearchResults& results, const XmlNode& item) {
+    auto hit = results.Add(item.Attribute(u"jid"));
+    for (XmlNode child = item.FirstElement(); child; child = child.NextElement()) {
+        if (child.Is(u"iq") || child.Is(u"query")) continue;
+        hit->Fields()->Add(child.Name(), DecodeUTF8(child.Text(), true));
+    }
+}
+
+String JidOf(const XmlNode& item) {
+    for (XmlNode field = item.FirstElement(); field; field = field.NextElement()) {
+        if (field.Is(u"field") && field.AttributeIs(u"var", u"jid")) return field.Child(u"value").Text();
+    }
+    return {};
+}
+
+// The values of a data form stay wire text, unlike those of a plain hit.
+void AddFormHit(cSearchResults& results, const XmlNode& item) {
+    auto hit = results.Add(JidOf(item));
+    for (XmlNode field = item.FirstElement(); field; field = field.NextElement()) {
+        if (!field.Is(u"field") || field.AttributeIs(u"var", u"jid")) continue;
+        hit->Fields()->Add(field.Attribute(u"var"), field.Child(u"value").Text());
+    }
+}
+
+std::shared_ptr<cSearchResults> ReadResults(const XmlNode& root) {
+    auto results = std::make_shared<cSearchResults>();
+    bool isForm = static_cast<bool>(root.SelectSingle(u"//x[@xmlns='jabber:x:data']"));
+    auto add = isForm ? AddFormHit : AddPlainHit;
+    for (const XmlNode& item : root.Select(u"//item")) add(*results, item);
+    return results;
+}
+
+}  // namespace
+
+void Search::Handle(SessionLink& link, const Stanza& stanza) {
+    if (!stanza.IsResult()) return;
+    fields_->Clear();
+    if (!stanza.node->GetTag(u"item").empty()) {
+        HandleResults(link, stanza);
+    } else if (!stanza.node->GetTag(u"instructions").empty()) {
+        HandleForm(link, stanza);
+    }
+}
+
+void Search::HandleResults(SessionLink& link, const Stanza& stanza) {
+    results_ = ReadResults(stanza.root);
+    link.Raise(&SessionEvents::OnSearchResults, results_);
+}
+
+void Search::HandleForm(SessionLink& link, const Stanza& stanza) {
+    form_ = std::make_shared<cXData>();
+    for (XmlNode child = stanza.Query().FirstElement(); child; child = child.NextElement()) {
+        if (child.Is(u"x")) {
+            FillXData(*form_, child);
+        } else if (!child.Is(u"iq") && !child.Is(u"query")) {
+            fields_->Add(child.Name(), child.Text());
+        }
+    }
+    link.Raise(&SessionEvents::OnSearchFields, fields_);
+}
+
+void Search::Empty() {
+    fields_->Clear();
+    results_->items_.Clear();
+}
+
+}  // namespace quorix

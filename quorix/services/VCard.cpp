@@ -1,0 +1,193 @@
+#include "quorix/services/VCard.h"
+
+#include <algorithm>
+#include <array>
+
+#include "quorix/base/modUTF_8.h"
+
+namespace quorix {
+
+namespace {
+
+using Getter = String (cVcard::*)() const;
+using Setter = void (cVcard::*)(StringView);
+
+struct Property {
+    Getter get;
+    Setter set;
+};
+
+#define QUORIX_PROPERTY(Name) \
+    Property { &cVcard::Name, &cVcard::Name }
+
+// -- Publishing --
+
+struct Piece {
+    StringView before;
+    Getter value;
+    StringView after;
+};
+
+// The whole card in its order. The middle name and the home's extended address are always written empty.
+constexpr Piece kUpdate[] = {
+    {u"<FN>", &cVcard::FullName, u"</FN>"},
+    {u"<N><FAMILY>", &cVcard::LastName, u"</FAMILY>"},
+    {u"<GIVEN>", &cVcard::FirstName, u"</GIVEN><MIDDLE/></N>"},
+    {u"<NICKNAME>", &cVcard::NickName, u"</NICKNAME>"},
+    {u"<URL>", &cVcard::WebPage, u"</URL>"},
+    {u"<BDAY>", &cVcard::BirthDate, u"</BDAY>"},
+    {u"<ORG><ORGNAME>", &cVcard::OrgName, u"</ORGNAME>"},
+    {u"<ORGUNIT>", &cVcard::OrgUnit, u"</ORGUNIT></ORG>"},
+    {u"<TITLE>", &cVcard::Title, u"</TITLE>"},
+    {u"<ROLE>", &cVcard::Role, u"</ROLE>"},
+    {u"<TEL><VOICE/><HOME/><NUMBER>", &cVcard::HomePhone, u"</NUMBER></TEL>"},
+    {u"<TEL><FAX/><HOME/><NUMBER>", &cVcard::HomeFax, u"</NUMBER></TEL>"},
+    {u"<TEL><MSG/><HOME/><NUMBER>", &cVcard::HomeMessage, u"</NUMBER></TEL>"},
+    {u"<ADR><HOME/><EXTADD/><STREET>", &cVcard::HomeStreet, u"</STREET>"},
+    {u"<LOCALITY>", &cVcard::HomeCity, u"</LOCALITY>"},
+    {u"<REGION>", &cVcard::HomeRegion, u"</REGION>"},
+    {u"<PCODE>", &cVcard::HomePostalCode, u"</PCODE>"},
+    {u"<COUNTRY>", &cVcard::HomeCountry, u"</COUNTRY></ADR>"},
+    {u"<TEL><VOICE/><WORK/><NUMBER>", &cVcard::BusinessPhone, u"</NUMBER></TEL>"},
+    {u"<TEL><FAX/><WORK/><NUMBER>", &cVcard::BusinessFax, u"</NUMBER></TEL>"},
+    {u"<TEL><MSG/><WORK/><NUMBER>", &cVcard::BusinessMessage, u"</NUMBER></TEL>"},
+    {u"<ADR><WORK/><EXTADD>", &cVcard::BusinessExtAddress, u"</EXTADD>"},
+    {u"<STREET>", &cVcard::BusinessStreet, u"</STREET>"},
+    {u"<LOCALITY>", &cVcard::BusinessCity, u"</LOCALITY>"},
+    {u"<REGION>", &cVcard::BusinessRegion, u"</REGION>"},
+    {u"<PCODE>", &cVcard::BusinessPostalCode, u"</PCODE>"},
+    {u"<COUNTRY>", &cVcard::BusinessCountry, u"</COUNTRY></ADR>"},
+    {u"<EMAIL><INTERNET/><PREF/><USERID>", &cVcard::Email, u"</USERID></EMAIL>"},
+    {u"<JABBERID>", &cVcard::JabberID, u"</JABBERID>"},
+    {u"<DESC>", &cVcard::Description, u"</DESC>"},
+};
+
+String UpdateBody(const cVcard& card) {
+    String body;
+    for (const Piece& piece : kUpdate) {
+        body += Concat({piece.before, EncodeUTF8((card.*piece.value)(), true), piece.after});
+    }
+    return body;
+}
+
+// -- Reading --
+
+// An element by its name, or by its name and that of its parent.
+struct Path {
+    StringView element;
+    StringView child;
+    Property property;
+};
+
+constexpr Path kPaths[] = {
+    {u"FN", u"", QUORIX_PROPERTY(FullName)},        {u"N", u"FAMILY", QUORIX_PROPERTY(LastName)},
+    {u"N", u"GIVEN", QUORIX_PROPERTY(FirstName)},   {u"N", u"MIDDLE", QUORIX_PROPERTY(MiddleName)},
+    {u"NICKNAME", u"", QUORIX_PROPERTY(NickName)},  {u"URL", u"", QUORIX_PROPERTY(WebPage)},
+    {u"BDAY", u"", QUORIX_PROPERTY(BirthDate)},     {u"ORG", u"ORGNAME", QUORIX_PROPERTY(OrgName)},
+    {u"ORG", u"ORGUNIT", QUORIX_PROPERTY(OrgUnit)}, {u"TITLE", u"", QUORIX_PROPERTY(Title)},
+    {u"ROLE", u"", QUORIX_PROPERTY(Role)},          {u"JABBERID", u"", QUORIX_PROPERTY(JabberID)},
+    {u"DESC", u"", QUORIX_PROPERTY(Description)},
+};
+
+struct Numbers {
+    Property phone, fax, message;
+};
+
+constexpr Numbers kHomeNumbers{QUORIX_PROPERTY(HomePhone), QUORIX_PROPERTY(HomeFax),
+                               QUORIX_PROPERTY(HomeMessage)};
+constexpr Numbers kWorkNumbers{QUORIX_PROPERTY(BusinessPhone), QUORIX_PROPERTY(BusinessFax),
+                               QUORIX_PROPERTY(BusinessMessage)};
+
+constexpr StringView kOtherKinds[] = {u"PAGER", u"CELL", u"VIDEO", u"BBS", u"MODEM", u"ISDN", u"PCS"};
+
+struct Place {
+    Property extended, street, city, region, postalCode, country;
+};
+
+constexpr Place kHome{QUORIX_PROPERTY(HomeExtAddress), QUORIX_PROPERTY(HomeStreet),
+                      QUORIX_PROPERTY(HomeCity),       QUORIX_PROPERTY(HomeRegion),
+                      QUORIX_PROPERTY(HomePostalCode), QUORIX_PROPERTY(HomeCountry)};
+constexpr Place kWork{QUORIX_PROPERTY(BusinessExtAddress), QUORIX_PROPERTY(BusinessStreet),
+                      QUORIX_PROPERTY(BusinessCity),       QUORIX_PROPERTY(BusinessRegion),
+                      QUORIX_PROPERTY(BusinessPostalCode), QUORIX_PROPERTY(BusinessCountry)};
+
+#undef QUORIX_PROPERTY
+
+void FillFirst(cVcard& card, const Property& property, const XmlNode& element) {
+    if ((card.*property.get)().empty()) (card.*property.set)(DecodeUTF8(element.Text(), true));
+}
+
+bool Has(const XmlNode& element, StringView marker) { return static_cast<bool>(element.Child(marker)); }
+bool IsWork(const XmlNode& element) { return Has(element, u"WORK") && !Has(element, u"HOME"); }
+
+// Null for a number of a kind that a card has no property for.
+const Property* NumberProperty(const XmlNode& number) {
+    const Numbers& numbers = IsWork(number) ? kWorkNumbers : kHomeNumbers;
+    if (Has(number, u"VOICE")) return &numbers.phone;
+    if (Has(number, u"FAX")) return &numbers.fax;
+    if (Has(number, u"MSG")) return &numbers.message;
+    bool other = std::any_of(std::begin(kOtherKinds), std::end(kOtherKinds),
+                             [&](StringView kind) { return Has(number, kind); });
+    return other ? nullptr : &numbers.phone;
+}
+
+void ReadNumber(cVcard& card, const XmlNode& element) {
+    const Property* property = NumberProperty(element);
+    if (property) FillFirst(card, *property, element.Child(u"NUMBER"));
+}
+
+void ReadAddress(cVcard& card, const XmlNode& element) {
+    const Place& place = IsWork(element) ? kWork : kHome;
+    FillFirst(card, place.extended, element.Child(u"EXTADD"));
+    FillFirst(card, place.street, element.Child(u"STREET"));
+    FillFirst(card, place.city, element.Child(u"LOCALITY"));
+    FillFirst(card, place.region, element.Child(u"REGION"));
+    FillFirst(card, place.postalCode, element.Child(u"PCODE"));
+    FillFirst(card, place.country, element.Child(u"COUNTRY"));
+    FillFirst(card, place.country, element.Child(u"CTRY"));
+}
+
+void ReadEmail(cVcard& card, const XmlNode& element) {
+    XmlNode user = element.Child(u"USERID");
+    FillFirst(card, {&cVcard::Email, &cVcard::Email}, user ? user : element);
+}
+
+void ReadElement(cVcard& card, const XmlNode& element) {
+    if (element.Is(u"TEL")) return ReadNumber(card, element);
+    if (element.Is(u"ADR")) return ReadAddress(card, element);
+    if (element.Is(u"EMAIL")) return ReadEmail(card, element);
+    for (const Path& path : kPaths) {
+        if (!element.Is(path.element)) continue;
+        FillFirst(card, path.property, path.child.empty() ? element : element.Child(path.child));
+    }
+}
+
+}  // namespace
+
+void SendVCardRequest(SessionLink& link, StringView jid) {
+    link.SendXML(Concat(
+        {u"<iq type='get' id='", link.GetNextID(), u"' to='", jid, u"'><VCARD xmlns='vcard-temp'/></iq>"}));
+}
+
+void UpdateVcard(SessionLink& link, const std::shared_ptr<cVcard>& card) {
+    if (!card) return;
+    link.SendXML(Concat({u"<iq type='set' id='", link.GetNextID(), u"'><vCard xmlns='vcard-temp'>",
+                         UpdateBody(*card), u"</vCard></iq>"}));
+}
+
+std::shared_ptr<cVcard> ReadVCard(const XmlNode& element) {
+    auto card = std::make_shared<cVcard>();
+    for (XmlNode child = element.FirstElement(); child; child = child.NextElement())
+        ReadElement(*card, child);
+    return card;
+}
+
+void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
+    XmlNode element = stanza.Query();
+    if (!stanza.IsResult() || !EqualsIgnoringCase(element.Name(), u"VCARD")) return;
+    std::shared_ptr<cVcard> card = ReadVCard(element);
+    card->SetSession(link);
+    link->Raise(&SessionEvents::OnVCardResult, card, stanza.from, stanza.node);
+}
+
+}  // namespace quorix

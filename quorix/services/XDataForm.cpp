@@ -1,0 +1,37 @@
+#include "quorix/services/XDataForm.h"
+
+namespace quorix {
+
+namespace {
+
+std::shared_ptr<cXDataOption> ReadOption(const XmlNode& element) {
+    auto option = std::make_shared<cXDataOption>();
+    option->Label(element.Attribute(u"label"));
+    option->Value(element.Child(u"value").Text());
+    return option;
+}
+
+std::shared_ptr<cXDataField> ReadField(const XmlNode& element) {
+    auto field = std::make_shared<cXDataField>();
+    field->FieldType(element.Attribute(u"type"));
+    field->Label(element.Attribute(u"label"));
+    field->Var(element.Attribute(u"var"));
+    field->Value(element.Child(u"value").Text());
+    field->Required(static_cast<bool>(element.Child(u"required")));
+    for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
+        if (child.Is(u"option")) field->Options().Add(ReadOption(child));
+    }
+    return field;
+}
+
+}  // namespace
+
+void FillXData(cXData& form, const XmlNode& x) {
+    form.Instructions(x.Child(u"instructions").Text());
+    form.Title(x.Child(u"title").Text());
+    for (XmlNode child = x.FirstElement(); child; child = child.NextElement()) {
+        if (child.Is(u"field")) form.Fields().Add(ReadField(child));
+    }
+}
+
+}  // namespace quorix

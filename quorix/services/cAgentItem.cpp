@@ -1,0 +1,131 @@
+#include "quorix/services/cAgentItem.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "quorix/base/Number.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/services/Query.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr std::array<StringView, 4> kNotRegistered{u"register", u"search", u"instructions", u"service"};
+
+template <class Item>
+std::shared_ptr<Item> AddNamed(Collection<std::shared_ptr<Item>>& items, StringView name, StringView value) {
+    auto item = std::make_shared<Item>();
+    item->Name(name);
+    item->Value(value);
+    items.Add(item, name);
+    return item;
+}
+
+template <class Items>
+std::int16_t FindNamed(const Items& items, StringView name) {
+    auto found =
+        std::find_if(items.begin(), items.end(), [&](const auto& item) { return item->Name() == name; });
+    return found == items.end() ? std::int16_t{0} : ToInt16(found - items.begin() + 1);
+}
+
+// What goes out is the XML library's own form of the text, and nothing when the text is not well-formed.
+void SendNormalized(SessionLink& link, StringView xml) {
+    auto document = XmlDocument::Create();
+    document->Load(xml);
+    link.SendXML(document->Xml());
+}
+
+String RegistrationBody(const cAgentItem::FieldList& fields) {
+    String body;
+    for (const auto& field : fields) {
+        bool skipped =
+            std::find(kNotRegistered.begin(), kNotRegistered.end(), field->Name()) != kNotRegistered.end();
+        if (!skipped) body += Element(field->Name(), field->Value());
+    }
+    return body;
+}
+
+String SearchBody(const cSearchFields& fields) {
+    String body;
+    for (const auto& field : fields) {
+        if (!field->FieldData().empty()) body += Element(field->FieldName(), field->FieldData());
+    }
+    return body;
+}
+
+}  // namespace
+
+String cAgentItem::xml() const { return document_->Xml(); }
+void cAgentItem::xml(StringView value) { document_->Load(value); }
+
+String cAgentItem::JID() const { return document_->Root().Attribute(u"jid"); }
+String cAgentItem::Name() const { return document_->Root().Child(u"name").Text(); }
+String cAgentItem::Service() const { return document_->Root().Child(u"service").Text(); }
+
+bool cAgentItem::Has(StringView child) const { return static_cast<bool>(document_->Root().Child(child)); }
+bool cAgentItem::CanRegister() const { return Has(u"register"); }
+bool cAgentItem::CanSearch() const { return Has(u"search"); }
+bool cAgentItem::IsGroupChat() const { return Has(u"groupchat"); }
+bool cAgentItem::IsTransport() const { return Has(u"transport"); }
+
+bool cAgentItem::Registered() const {
+    return std::any_of(fields_.begin(), fields_.end(),
+                       [](const auto& field) { return EqualsIgnoringCase(field->Name(), u"registered"); });
+}
+
+void cAgentItem::SetSession(std::weak_ptr<SessionLink> session, std::shared_ptr<cSearchFields> searchFields) {
+    session_ = std::move(session);
+    searchFields_ = std::move(searchFields);
+}
+
+void cAgentItem::SendQuery(StringView type, StringView xmlns, StringView body) const {
+    std::shared_ptr<SessionLink> link = RequireSession(session_);
+    SendNormalized(*link, Query(type, link->GetNextID(), JID(), xmlns, body));
+}
+
+void cAgentItem::GetSearchFields() { SendQuery(u"get", u"jabber:iq:search", {}); }
+
+void cAgentItem::Search() {
+    RequireSession(session_);
+    SendQuery(u"set", u"jabber:iq:search", SearchBody(*searchFields_));
+}
+
+void cAgentItem::QueryGateway() {
+    RequireSession(session_)->SendXML(
+        Concat({u"<iq type='get' to='", JID(), u"'><query xmlns='jabber:iq:gateway'></query></iq>"}));
+}
+
+void cAgentItem::Update() { SendQuery(u"set", u"jabber:iq:register", RegistrationBody(fields_)); }
+
+void cAgentItem::Delete() {
+    std::shared_ptr<SessionLink> link = RequireSession(session_);
+    String contact = JID() + u"/registered";
+    SendNormalized(*link, Concat({u"<iq id='", link->GetNextID(),
+                                  u"' type='set'><query xmlns='jabber:iq:roster'><item jid='", contact,
+                                  u"' name='", contact, u"' subscription='remove'/></query></iq>"}));
+}
+
+std::shared_ptr<cAgentField> cAgentItem::AddField(StringView name, StringView value) {
+    return AddNamed(fields_, name, value);
+}
+
+std::shared_ptr<cAgentAttrib> cAgentItem::AddAttrib(StringView name, StringView value) {
+    return AddNamed(attribs_, name, value);
+}
+
+std::int16_t cAgentItem::FindField(StringView name) const { return FindNamed(fields_, name); }
+std::int16_t cAgentItem::FindAttrib(StringView name) const { return FindNamed(attribs_, name); }
+
+String cAgentItem::GetField(StringView name) const {
+    String value;
+    for (const auto& field : fields_) {
+        if (field->Name() == name) value = field->Value();
+    }
+    return value;
+}
+
+void cAgentItem::SetField(StringView name, StringView value) { fields_.Item(FindField(name))->Value(value); }
+
+}  // namespace quorix

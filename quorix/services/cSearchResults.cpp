@@ -1,0 +1,11 @@
+#include "quorix/services/cSearchResults.h"
+
+namespace quorix {
+
+std::shared_ptr<cSearchResult> cSearchResults::Add(StringView item, StringView key) {
+    auto result = std::make_shared<cSearchResult>(item);
+    key.empty() ? items_.Add(result) : items_.Add(result, key);
+    return result;
+}
+
+}  // namespace quorix

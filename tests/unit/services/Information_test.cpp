@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+
+#include "quorix/auth/Account.h"
+#include "quorix/services/Information.h"
+#include "quorix/services/OutOfBand.h"
+#include "quorix/services/PrivateStorage.h"
+#include "tests/unit/services/EventLog.h"
+#include "tests/unit/services/FakeLink.h"
+
+namespace quorix::tests {
+namespace {
+
+struct Sender {
+    std::function<void(SessionLink&)> send;
+    const char* sent;
+};
+
+class InformationSender : public ::testing::TestWithParam<Sender> {};
+
+TEST_P(InformationSender, WritesExactlyThisUnderAFreshId) {
+    FakeLink link;
+    GetParam().send(link);
+    EXPECT_EQ(link.TakeSent(), GetParam().sent);
+    GetParam().send(link);
+    EXPECT_EQ(link.ids, 2);
+    EXPECT_NE(link.TakeSent().find("id='KV_2'"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, InformationSender,
+    ::testing::Values(
+        Sender{[](SessionLink& link) { SendVersionRequest(link, u"j"); },
+               "<iq type='get' id='KV_1' to='j'><query xmlns='jabber:iq:version'></query></iq>"},
+        Sender{[](SessionLink& link) { SendTimeRequest(link, u"j"); },
+               "<iq type='get' id='KV_1' to='j'><query xmlns='jabber:iq:time'></query></iq>"},
+        Sender{[](SessionLink& link) { SendLastSeenRequest(link, u"j"); },
+               "<iq type='get' id='KV_1' to='j'><query xmlns='jabber:iq:last'></query></iq>"},
+        Sender{[](SessionLink& link) { SendVersionResponse(link, u"j", u"\u00e9", u"<", u"o"); },
+               "<iq type='result' id='KV_1' to='j'><query xmlns='jabber:iq:version'><name>\xc3\xa9</name>"
+               "<version><</version><os>o</os></query></iq>"},
+        Sender{[](SessionLink& link) { SendTimeResponse(link, u"j", u"u", u"z", u"d"); },
+               "<iq type='result' id='KV_1' to='j'><query xmlns='jabber:iq:time'><utc>u</utc><tz>z</tz>"
+               "<display>d</display></query></iq>"},
+        Sender{[](SessionLink& link) { SendGetLastResponse(link, u"j", u""); },
+               "<iq type='result' id='KV_1' to='j'><query xmlns='jabber:iq:last' seconds=''/></iq>"},
+        Sender{[](SessionLink& link) { SendOOBRequest(link, u"j", u"\u00e9&", u"http://h/\u20ac"); },
+               "<iq type='set' from='me@srv' to='j' id='KV_1'><query xmlns='jabber:iq:oob'>"
+               "<desc>\xc3\x83\xc2\xa9&</desc><url>http://h/\xc3\xa2\xc2\x82\xc2\xac</url></query></iq>"},
+        Sender{[](SessionLink& link) { SendOOBComplete(link, u"j"); },
+               "<iq type='result' from='me@srv' to='j' id='KV_1'><query xmlns='jabber:iq:oob'><desc/><url/>"
+               "</query></iq>"},
+        Sender{[](SessionLink& link) { StorePrivateData(link, u"a:b:c", u"<d/>"); },
+               "<iq type='set' id='KV_1'><query xmlns='jabber:iq:private'><a "
+               "xmlns='a:b:c'><d/></a></query></iq>"}));
+
+TEST(PrivateStorage, ReadingTakesAnIdAndSendsNothing) {
+    FakeLink link;
+    EXPECT_EQ(getPrivateData(link, u"a:b"), u"");
+    EXPECT_EQ(link.ids, 1);
+    EXPECT_TRUE(link.sent.empty());
+}
+
+TEST(PrivateStorage, ANamespaceWithoutAColonIsAnErrorThatTakesAnId) {
+    FakeLink link;
+    auto number = [](auto call) {
+        try {
+            call();
+        } catch (const AutomationError& error) {
+            return error.Number();
+        }
+        return 0;
+    };
+    EXPECT_EQ(number([&] { StorePrivateData(link, u"ab", u""); }), ERR_InvalidCall);
+    EXPECT_EQ(number([&] { getPrivateData(link, u""); }), ERR_InvalidCall);
+    EXPECT_EQ(link.ids, 2);
+    EXPECT_TRUE(link.sent.empty());
+}
+
+struct Reply {
+    void (*handle)(SessionLink&, const Stanza&);
+    const char16_t* xml;
+    Lines events;
+};
+
+class InformationReply : public ::testing::TestWithParam<Reply> {};
+
+TEST_P(InformationReply, RaisesItsEvent) {
+    auto log = std::make_shared<EventLog>();
+    FakeLink link(log);
+    GetParam().handle(link, StanzaOf(GetParam().xml));
+    EXPECT_EQ(log->Take(), GetParam().events);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, InformationReply,
+    ::testing::Values(
+        Reply{HandleVersion, u"<iq type='get' from='a' id='1'><query/></iq>", {"VersionRequest a 1"}},
+        Reply{HandleVersion,
+              u"<iq type='result' from='a'><query><os>O</os><name>N</name><version>V</version></query></iq>",
+              {"VersionResult a N V O"}},
+        Reply{HandleVersion, u"<iq type='error'><query/></iq>", {}},
+        Reply{HandleVersion, u"<iq type='result'/>", {"VersionResult    "}},
+        Reply{HandleTime, u"<iq type='get' from='a' id='1'><query/></iq>", {"TimeRequest a 1"}},
+        Reply{HandleTime,
+              u"<iq type='result' from='a'><query><utc>U</utc><tz>Z</tz><display>D</display></query></iq>",
+              {"TimeResult a U D"}},
+        Reply{HandleTime, u"<iq><query/></iq>", {}},
+        Reply{HandleLast, u"<iq type='get' from='a' id='1'><query/></iq>", {"GetLastRequest a 1"}},
+        Reply{HandleLast,
+              u"<iq type='result' from='a'><query seconds='903'/></iq>",
+              {"LastSeenResult iq a 903"}},
+        Reply{HandleLast,
+              u"<iq type='result' from='a'><query seconds='99999999999'/></iq>",
+              {"LastSeenResult iq a 0"}},
+        Reply{HandleLast, u"<iq type='result' from='a'><query/></iq>", {"LastSeenResult iq a 0"}},
+        Reply{HandleOob,
+              u"<iq type='set' from='a'><query><desc>D</desc><url>U</url></query></iq>",
+              {"OOBRequest a D U"}},
+        Reply{HandleOob, u"<iq type='result' from='a'><query/></iq>", {"OOBResult a fetched"}},
+        Reply{HandleOob, u"<iq type='error' from='a'><query/></iq>", {"OOBResult a failed"}},
+        Reply{HandleOob, u"<iq type='get' from='a'><query/></iq>", {}}));
+
+TEST(Account, RequestsAreWrittenExactlyAndUnescaped) {
+    FakeLink link;
+    ChangePassword(link, u"n<w");
+    EXPECT_EQ(link.TakeSent(),
+              "<iq type='set' to='srv' id='kv_changepass'><query xmlns='jabber:iq:register'>"
+              "<username>me</username><password>n<w</password></query></iq>");
+    RemoveAccount(link);
+    EXPECT_EQ(link.TakeSent(),
+              "<iq type='set' to='srv' id='kv_removeaccount'><query "
+              "xmlns='jabber:iq:register'><remove/></query></iq>");
+    EXPECT_EQ(link.ids, 0);
+    RequestRegistrationForm(link);
+    EXPECT_EQ(link.TakeSent(), "<iq type='get' to='srv' id='KV_1'><query xmlns='jabber:iq:register'/></iq>");
+    SendNewUser(link, StanzaOf(u"<iq><query><username/><key>k1</key><key>k2</key></query></iq>"));
+    EXPECT_EQ(
+        link.TakeSent(),
+        "<iq type='set' to='srv' id='kv_newuser'><query xmlns='jabber:iq:register'><username>me</username>"
+        "<password>pw<</password><key>k1</key></query></iq>");
+    SendNewUser(link, StanzaOf(u"<iq><query/></iq>"));
+    EXPECT_NE(link.TakeSent().find("<key></key></query></iq>"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quorix::tests
