@@ -123,7 +123,8 @@ public:
         return Add<T&, A...>(name, DISPATCH_METHOD, optional, function);
     }
     template <class V, class... A>
-    Class& Method(const wchar_t* name, V (*function)(const std::shared_ptr<T>&, A...), unsigned optional = 0) {
+    Class& Method(const wchar_t* name, V (*function)(const std::shared_ptr<T>&, A...),
+                  unsigned optional = 0) {
         return Add<const std::shared_ptr<T>&, A...>(name, DISPATCH_METHOD, optional, function);
     }
 

@@ -5,9 +5,28 @@ namespace quorix::automation {
 const std::vector<const ClassTable*>& Classes() {
     static const std::vector<const ClassTable*> all = {
         &TableOf<cXML_Node>(),
+        &TableOf<cXML_Writer>(),
         &TableOf<Collection<NodePtr>>(),
         &TableOf<XmlNode>(),
         &TableOf<DomNodeList>(),
+        &TableOf<cSocketSSL>(),
+        &TableOf<cAgentItem>(),
+        &TableOf<cAgentField>(),
+        &TableOf<cAgentAttrib>(),
+        &TableOf<Shared<cAgentItem>>(),
+        &TableOf<Shared<cAgentField>>(),
+        &TableOf<Shared<cAgentAttrib>>(),
+        &TableOf<cSearchField>(),
+        &TableOf<cSearchFields>(),
+        &TableOf<cSearchResult>(),
+        &TableOf<cSearchResults>(),
+        &TableOf<cXData>(),
+        &TableOf<cXDataField>(),
+        &TableOf<cXDataOption>(),
+        &TableOf<Shared<cXDataField>>(),
+        &TableOf<Shared<cXDataOption>>(),
+        &TableOf<cGroupChat>(),
+        &TableOf<cBrowseItem>(),
     };
     return all;
 }

@@ -6,8 +6,7 @@ namespace quorix::automation {
 
 Variant MakeEnumerator(const std::vector<Variant>& values) {
     Variant made;
-    made.punkVal =
-        new Enumerator<IEnumVARIANT, VARIANT>(std::vector<VARIANT>(values.begin(), values.end()));
+    made.punkVal = new Enumerator<IEnumVARIANT, VARIANT>(std::vector<VARIANT>(values.begin(), values.end()));
     made.vt = VT_UNKNOWN;
     return made;
 }

@@ -13,17 +13,8 @@ namespace quorix::automation {
 
 // One argument of an event. A referenced one lets the sink read a number or text that it cannot change here.
 struct EventArgument {
-    template <class T>
-    static EventArgument Value(const T& value) {
-        return {ToVariant(value), false};
-    }
-    template <class T>
-    static EventArgument Reference(const T& value) {
-        return {ToVariant(value), true};
-    }
-
     Variant value;
-    bool referenced;
+    bool referenced = false;
 };
 
 // Derived classes listen to the library's object while sinks are connected, and call Fire.
@@ -49,6 +40,15 @@ public:
 protected:
     virtual void Attach() = 0;
     virtual void Detach() = 0;
+
+    template <class T>
+    static EventArgument Value(const T& value) {
+        return {ToVariant(value), false};
+    }
+    template <class T>
+    static EventArgument Reference(const T& value) {
+        return {ToVariant(value), true};
+    }
 
     // Calls each sink in the order of their arrival. One that fails or disappears does not stop the others.
     void Fire(DISPID event, std::initializer_list<EventArgument> arguments);

@@ -18,8 +18,8 @@ IDispatch* Wrap(Instance instance, const ClassTable& table) {
 
 IDispatch* Wrap(Instance handle, const ClassTable& table, const void* identity) {
     const BoundClass& bound = Bind(table);
-    return Apartment::Current()->FindOrMake(
-        {identity, &table}, [&] { return new Object(std::move(handle), bound, identity); });
+    return Apartment::Current()->FindOrMake({identity, &table},
+                                            [&] { return new Object(std::move(handle), bound, identity); });
 }
 
 Instance Unwrap(const VARIANT& value, const ClassTable& table) {

@@ -26,6 +26,13 @@ Variant Coerce(const VARIANT& value, VARTYPE type) {
     return converted;
 }
 
+Bytes BytesOf(const VARIANT& value) {
+    if (value.vt != (VT_ARRAY | VT_UI1) || SafeArrayGetDim(value.parray) != 1) {
+        throw BadArgument{DISP_E_TYPEMISMATCH};
+    }
+    return {static_cast<const char*>(value.parray->pvData), value.parray->rgsabound[0].cElements};
+}
+
 bool IsMissing(const VARIANT& value) { return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND; }
 
 Variant StringVariant(StringView text) {

@@ -79,11 +79,14 @@ String FromBstr(BSTR text);
 // `value` converted as the automation world converts, independent of the user's locale. Throws BadArgument.
 Variant Coerce(const VARIANT& value, VARTYPE type);
 
+// The bytes of a byte array. Throws BadArgument for anything else.
+Bytes BytesOf(const VARIANT& value);
+
 // True for what stands for an argument that was left out.
 bool IsMissing(const VARIANT& value);
 
-// Objects, in Object.cpp: a C++ object as its one wrapper, and what a wrapper wraps. Of handles, many of which
-// may stand for one thing, `identity` is the thing.
+// Objects, in Object.cpp: a C++ object as its one wrapper, and what a wrapper wraps. Of handles, many of
+// which may stand for one thing, `identity` is the thing.
 class ClassTable;
 template <class T>
 const ClassTable& TableOf();
@@ -114,6 +117,8 @@ T FromVariant(const VARIANT& value) {
             return Coerce(value, VT_I2).iVal;
         } else if constexpr (std::is_enum_v<T> || std::same_as<T, std::int32_t>) {
             return static_cast<T>(Coerce(value, VT_I4).lVal);
+        } else if constexpr (std::same_as<T, Bytes>) {
+            return BytesOf(value);
         } else {
             return Custom<T>::From(value);
         }

@@ -17,7 +17,8 @@ using Signature = std::tuple<std::wstring, WORD, unsigned, unsigned>;
 
 std::ostream& operator<<(std::ostream& out, const Signature& signature) {
     const auto& [name, kind, parameters, optional] = signature;
-    return out << std::string(name.begin(), name.end()) << " kind " << kind << ", " << parameters << "/" << optional;
+    return out << std::string(name.begin(), name.end()) << " kind " << kind << ", " << parameters << "/"
+               << optional;
 }
 
 std::wstring NameOf(ITypeInfo& info, MEMBERID id) {
@@ -37,7 +38,10 @@ unsigned OptionalCount(const FUNCDESC& function) {
 }
 
 // IDispatch's own members are listed among those of a dispatch interface, marked restricted and numbered so.
-bool IsInherited(MEMBERID id) { return (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60000000 || (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60010000; }
+bool IsInherited(MEMBERID id) {
+    return (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60000000 ||
+           (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60010000;
+}
 
 std::set<Signature> DeclaredIn(ITypeInfo& info) {
     std::set<Signature> all;

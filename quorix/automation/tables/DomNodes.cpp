@@ -75,17 +75,21 @@ const ClassTable& TableOf<XmlNode>() {
             .Get(L"nodeName", &T::Name)
             .Property(L"text", &T::Text, &T::Text)
             .Get(L"xml", &T::Xml)
-            .Get(L"attributes", +[](T& node) { return Selected(node.Select(u"@*")); })
-            .Get(L"childNodes", +[](T& node) { return DomNodeList::ChildrenOf(node); })
+            .Get(
+                L"attributes", +[](T& node) { return Selected(node.Select(u"@*")); })
+            .Get(
+                L"childNodes", +[](T& node) { return DomNodeList::ChildrenOf(node); })
             .Get(L"parentNode", &T::Parent)
             .Get(L"firstChild", &T::FirstChild)
             .Get(L"nextSibling", &T::NextSibling)
-            .Method(L"hasChildNodes", +[](T& node) { return static_cast<bool>(node.FirstChild()); })
+            .Method(
+                L"hasChildNodes", +[](T& node) { return static_cast<bool>(node.FirstChild()); })
             .Method(L"getAttribute", &AttributeOf)
             .Method(L"setAttribute", &T::SetAttribute)
             .Method(L"removeAttribute", &T::RemoveAttribute)
             .Method(L"selectSingleNode", &T::SelectSingle)
-            .Method(L"selectNodes", +[](T& node, StringView path) { return Selected(node.Select(path)); })
+            .Method(
+                L"selectNodes", +[](T& node, StringView path) { return Selected(node.Select(path)); })
             .Method(L"appendChild", &T::AppendChild)
             .Method(L"removeChild", &RemoveChildOf);
     return table;
@@ -95,7 +99,8 @@ template <>
 const ClassTable& TableOf<DomNodeList>() {
     using T = DomNodeList;
     static const auto table = Class<T>(L"DomNodeList")
-                                  .Get(L"item", +[](T& list, std::int32_t index) { return list.Item(index); })
+                                  .Get(
+                                      L"item", +[](T& list, std::int32_t index) { return list.Item(index); })
                                   .Get(L"length", &T::Length)
                                   .Method(L"getNamedItem", &T::NamedItem)
                                   .Get(L"_NewEnum", &EnumerateNodes);

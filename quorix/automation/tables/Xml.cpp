@@ -1,6 +1,7 @@
 #include "quorix/automation/Classes.h"
 #include "quorix/automation/Collections.h"
 #include "quorix/xml/cXML_Node.h"
+#include "quorix/xml/cXML_Writer.h"
 
 namespace quorix::automation {
 namespace {
@@ -60,6 +61,22 @@ const ClassTable& TableOf<cXML_Node>() {
                                   .Method(L"SaveXML_ToFile", &T::SaveXML_ToFile)
                                   .Method(L"LoadXML_FromFile", &T::LoadXML_FromFile)
                                   .Property(L"xml", &T::xml, &T::xml);
+    return table;
+}
+
+template <>
+const ClassTable& TableOf<cXML_Writer>() {
+    static const auto table =
+        Class<cXML_Writer>(L"cXML_Writer")
+            .Creatable()
+            .Method(L"addNode", &cXML_Writer::addNode, 1)
+            .Method(L"setAttrib", &cXML_Writer::setAttrib)
+            .Method(L"setNode", &cXML_Writer::setNode)
+            .Method(L"setRootElement", &cXML_Writer::setRootElement)
+            .Method(L"createProcessingInstruction", &cXML_Writer::createProcessingInstruction)
+            .Method(L"SaveXML_ToFile", &cXML_Writer::SaveXML_ToFile)
+            .Method(L"LoadXML_FromFile", &cXML_Writer::LoadXML_FromFile)
+            .Property(L"xml", &cXML_Writer::xml, &cXML_Writer::xml);
     return table;
 }
 

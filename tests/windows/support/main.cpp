@@ -1,0 +1,35 @@
+// The test program of the component: automation_tests [gtest options] COMPONENT
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "tests/windows/support/Component.h"
+
+namespace windowstest {
+namespace {
+
+HMODULE loaded = nullptr;
+
+}  // namespace
+
+void Component::Load(const std::wstring& path) { loaded = LoadLibraryW(path.c_str()); }
+
+FARPROC Component::Find(const char* name) { return GetProcAddress(loaded, name); }
+
+}  // namespace windowstest
+
+int main(int count, char** values) {
+    using windowstest::Component;
+    testing::InitGoogleTest(&count, values);
+    if (count != 2) return 2;
+    const std::string path = values[1];
+    CoInitialize(nullptr);
+    Component::Load(std::wstring(path.begin(), path.end()));
+    if (FAILED(Component::Register())) {
+        printf("cannot register %s\n", values[1]);
+        return 2;
+    }
+    const int failed = RUN_ALL_TESTS();
+    CoUninitialize();
+    return failed;
+}
