@@ -124,6 +124,7 @@ std::int32_t DeterministicEnvironment::Connect(SocketId id, Address peer) {
     socket.pendingError = refusal_;
     if (refusal_ == SOCKERR_None) Establish(id);
     if (socket.blocking) return std::exchange(socket.pendingError, SOCKERR_None);
+    if (socket.sink == nullptr) return SOCKERR_WouldBlock;
     Notify(id, SOCK_Connect, refusal_);
     if (refusal_ == SOCKERR_None) Notify(id, SOCK_Write);
     return SOCKERR_WouldBlock;
@@ -223,6 +224,7 @@ std::int32_t DeterministicEnvironment::AsyncSelect(SocketId id, const HiddenWind
     socket.events = events;
     socket.blocking = false;
     if (!socket.connected) return SOCKERR_None;
+    Notify(id, SOCK_Connect);  // Winsock says so again
     Notify(id, SOCK_Write);
     NotifyArrival(id);
     return SOCKERR_None;
@@ -233,18 +235,25 @@ std::int32_t DeterministicEnvironment::SetBlocking(SocketId socket, bool blockin
     return SOCKERR_None;
 }
 
-std::int32_t DeterministicEnvironment::WaitReadable(SocketId id, std::int32_t milliseconds) {
-    Pipe& pipe = Inbound(At(id));
-    if (!pipe.chunks.empty() || pipe.ended) return SOCKERR_None;
+std::int32_t DeterministicEnvironment::WaitUntil(const std::function<bool()>& ready,
+                                                 std::int32_t milliseconds) {
+    if (!ready() && whileWaiting_) whileWaiting_();
+    if (ready()) return SOCKERR_None;
     now_ += milliseconds;
     return SOCKERR_TimedOut;
 }
 
+std::int32_t DeterministicEnvironment::WaitReadable(SocketId id, std::int32_t milliseconds) {
+    auto ready = [&] { return !Inbound(At(id)).chunks.empty() || Inbound(At(id)).ended; };
+    return WaitUntil(ready, milliseconds);
+}
+
 std::int32_t DeterministicEnvironment::WaitWritable(SocketId id, std::int32_t milliseconds) {
-    Socket& socket = At(id);
-    if (socket.connected ? !writesBlocked_ : socket.pendingError != SOCKERR_None) return SOCKERR_None;
-    now_ += milliseconds;
-    return SOCKERR_TimedOut;
+    auto ready = [&] {
+        const Socket& socket = At(id);
+        return socket.connected ? !writesBlocked_ : socket.pendingError != SOCKERR_None;
+    };
+    return WaitUntil(ready, milliseconds);
 }
 
 std::int32_t DeterministicEnvironment::PendingError(SocketId id) {

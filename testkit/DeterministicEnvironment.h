@@ -6,6 +6,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -86,6 +87,9 @@ public:
 
     // Lets the n-th call from now (1 is the next) fail.
     void Fail(Call call, int nth, std::int32_t error) { failures_[call] = {nth, error}; }
+
+    // Plays the peer of a socket that waits without the pump.
+    void WhileWaiting(std::function<void()> play) { whileWaiting_ = std::move(play); }
 
     void AddHost(const std::string& name, std::uint32_t ip) { hosts_[name] = ip; }
     void RemoveHost(const std::string& name) { unknownHosts_.insert(name); }
@@ -172,6 +176,7 @@ private:
     void MeetListener(SocketId id, SocketId listener);
     void Notify(SocketId socket, std::int32_t event, std::int32_t error = SOCKERR_None);
     void NotifyArrival(SocketId socket);
+    std::int32_t WaitUntil(const std::function<bool()>& ready, std::int32_t milliseconds);
     bool DeliverOne();
     bool FireNext(std::int64_t until);
 
@@ -186,6 +191,7 @@ private:
     std::set<std::string> unknownHosts_;
     std::map<Call, Failure> failures_;
     std::vector<String> criticalMessages_;
+    std::function<void()> whileWaiting_;
     std::size_t readLimit_ = SIZE_MAX;
     std::size_t writeLimit_ = SIZE_MAX;
     std::size_t windows_ = 0;

@@ -3,9 +3,11 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/net/SecureChannel.h"
 #include "quorix/net/mSocketSSL.h"
 
 namespace quorix {
@@ -18,6 +20,9 @@ constexpr std::int32_t kBacklog = 5;
 constexpr std::size_t kReadBlock = 2000;
 constexpr std::size_t kFileBlock = 5000;
 constexpr std::int32_t kNoSuchHost = 100;
+constexpr std::int32_t kNotASocket = 10038;
+constexpr std::int32_t kTimedOut = 0;
+constexpr std::int32_t kNotJudgedYet = 1;
 
 std::uint16_t Port(std::int32_t port) { return static_cast<std::uint16_t>(port); }
 
@@ -72,7 +77,8 @@ void cSocketSSL::Connect() {
     auto ip = ResolveHost(environment_, remoteHost_);
     if (!ip) return Raise(&SocketEvents::OnError, kNoSuchHost, u"No valid Hostaddress");
     if (std::int32_t error = OpenSocket(false)) return Fail(error);
-    ConnectPlain({*ip, Port(remotePort_)});
+    Address peer{*ip, Port(remotePort_)};
+    sslEnable_ ? ConnectSecure(peer) : ConnectPlain(peer);
 }
 
 void cSocketSSL::ConnectPlain(Address peer) {
@@ -80,6 +86,38 @@ void cSocketSSL::ConnectPlain(Address peer) {
     if (error == SOCKERR_None) error = environment_.Connect(handle_, peer);
     if (error != SOCKERR_None && error != SOCKERR_WouldBlock) return Fail(error);
     environment_.SetSocketTimer(handle_, window_, *table_, timeOut_);
+}
+
+void cSocketSSL::ConnectSecure(Address peer) {
+    if (!ConnectAndWait(peer)) return;
+    sslTrusted_ = kNotJudgedYet;
+    sslHandle_ = ssl_init_client(environment_, handle_, sslCAFile_, remoteHost_, timeOut_);
+    if (sslHandle_ == 0) return Fail(SOCKERR_Aborted);
+    Moment before(*this);
+    CompleteConnection();
+    if (before.HasPassed()) return;
+    sslTrusted_ = ssl_getverify(sslHandle_);
+    Watch(kConnectionEvents);
+}
+
+// A blocking connect that obeys TimeOut. Reports its own failure.
+bool cSocketSSL::ConnectAndWait(Address peer) {
+    environment_.SetBlocking(handle_, false);
+    std::int32_t error = environment_.Connect(handle_, peer);
+    if (error == SOCKERR_WouldBlock) {
+        if (environment_.WaitWritable(handle_, timeOut_) == SOCKERR_TimedOut) {
+            Fail(kTimedOut, u"Timeout");
+            return false;
+        }
+        error = environment_.PendingError(handle_);
+    }
+    if (error != SOCKERR_None) Fail(error);
+    return error == SOCKERR_None;
+}
+
+void cSocketSSL::Watch(std::int32_t events) {
+    std::int32_t error = environment_.AsyncSelect(handle_, window_, *table_, events);
+    if (error != SOCKERR_None) Fail(error);
 }
 
 void cSocketSSL::Listen() {
@@ -96,11 +134,21 @@ void cSocketSSL::Listen() {
 void cSocketSSL::Accept(std::int32_t RequestID) {
     auto self = shared_from_this();
     Open();
+    if (RequestID == 0) return Fail(kNotASocket);
     SocketHandle(RequestID);
-    std::int32_t error = environment_.AsyncSelect(handle_, window_, *table_, kServerEvents);
-    if (error != SOCKERR_None) return Fail(error);
     ReadPeer();
+    if (sslEnable_ && !AcceptSecure()) return;
     state_ = sockConnected;
+    Watch(kServerEvents);
+}
+
+// The socket may still be selected, as the listener was.
+bool cSocketSSL::AcceptSecure() {
+    environment_.AsyncSelect(handle_, window_, *table_, 0);
+    environment_.SetBlocking(handle_, false);
+    sslHandle_ = ssl_init_server(environment_, handle_, sslServerCertificate_, sslServerKey_, timeOut_);
+    if (sslHandle_ == 0) Fail(SOCKERR_Aborted);
+    return sslHandle_ != 0;
 }
 
 // Ends what was open before, so that nothing of it reaches the new connection.
@@ -121,8 +169,10 @@ std::int32_t cSocketSSL::OpenSocket(bool reuseAddress) {
 void cSocketSSL::Disconnect() {
     ++generation_;
     state_ = sockClosed;
+    closedRaised_ = false;
     unsent_.Clear();
     lines_.Clear();
+    ssl_cleanup(std::exchange(sslHandle_, 0));
     Release();
 }
 
@@ -144,12 +194,14 @@ void cSocketSSL::Fail(std::int32_t number, StringView description) {
 }
 
 void cSocketSSL::OnConnectResult(std::int32_t error) {
+    if (state_ == sockConnected) return;  // some systems repeat it when a connected socket is selected
     if (error != SOCKERR_None) return Fail(error);
     CompleteConnection();
 }
 
 void cSocketSSL::CompleteConnection() {
     ReadPeer();
+    if (sslHandle_ != 0) DescribeChannel();
     state_ = sockConnected;
     Raise(&SocketEvents::OnConnect);
 }
@@ -160,12 +212,21 @@ void cSocketSSL::ReadPeer() {
     remotePort_ = peer.port;
 }
 
-void cSocketSSL::OnConnectTimer() {
-    environment_.KillSocketTimer(handle_, window_);
-    if (state_ == sockConnecting) Fail(SOCKERR_None, u"Timeout");
+void cSocketSSL::DescribeChannel() {
+    sslCipher_ = ssl_getcipher(sslHandle_);
+    sslSubject_ = ssl_getsubject(sslHandle_);
+    sslIssuer_ = ssl_getissuer(sslHandle_);
 }
 
-void cSocketSSL::OnPeerClosed() { Raise(&SocketEvents::OnClosed); }
+void cSocketSSL::OnConnectTimer() {
+    environment_.KillSocketTimer(handle_, window_);
+    if (state_ == sockConnecting) Fail(kTimedOut, u"Timeout");
+}
+
+void cSocketSSL::OnPeerClosed() {
+    if (!std::exchange(closedRaised_, true)) Raise(&SocketEvents::OnClosed);
+}
+
 void cSocketSSL::OnAcceptable() { Raise(&SocketEvents::OnConnectionRequest); }
 
 void cSocketSSL::OnReadable() {
@@ -173,9 +234,15 @@ void cSocketSSL::OnReadable() {
     std::array<char, kReadBlock> buffer;
     while (!before.HasPassed()) {
         Transfer received = ReceiveSome(buffer.data(), buffer.size());
-        if (received.count <= 0) return;
+        if (received.count <= 0) return OnNothingReceived(received.error);
         Deliver({buffer.data(), static_cast<std::size_t>(received.count)});
     }
+}
+
+// The end of a plain connection is notified. That of a secure channel need not be: the peer may end the
+// channel and keep the connection.
+void cSocketSSL::OnNothingReceived(std::int32_t error) {
+    if (sslHandle_ != 0 && error != SOCKERR_WouldBlock) OnPeerClosed();
 }
 
 void cSocketSSL::Deliver(std::string_view bytes) {
@@ -199,7 +266,7 @@ void cSocketSSL::DeliverLines(std::string_view bytes) {
 void cSocketSSL::SendData(StringView wireText) { SendBytes(BytesFromWire(wireText)); }
 
 void cSocketSSL::SendBytes(std::string_view bytes) {
-    if (state_ != sockConnected) return;
+    if (state_ != sockConnected || handle_ == 0) return;
     if (unsent_.IsEmpty()) bytes.remove_prefix(SendNow(bytes));
     unsent_.Append(bytes);
 }
@@ -225,10 +292,14 @@ void cSocketSSL::OnWritable() {
 }
 
 Transfer cSocketSSL::ReceiveSome(char* buffer, std::size_t capacity) {
+    if (sslHandle_ != 0) return ssl_recv(sslHandle_, buffer, capacity);
     return environment_.Receive(handle_, buffer, capacity);
 }
 
-Transfer cSocketSSL::SendSome(std::string_view bytes) { return environment_.Send(handle_, bytes); }
+Transfer cSocketSSL::SendSome(std::string_view bytes) {
+    if (sslHandle_ != 0) return ssl_send(sslHandle_, bytes);
+    return environment_.Send(handle_, bytes);
+}
 
 void cSocketSSL::SendFile(StringView FileName) {
     auto self = shared_from_this();
@@ -243,7 +314,9 @@ void cSocketSSL::SendFile(StringView FileName) {
     }
 }
 
-String cSocketSSL::LocalIP() const { return DottedAddress(environment_.LocalAddress(handle_).ip); }
+String cSocketSSL::LocalIP() const {
+    return DottedAddress(handle_ != 0 ? environment_.LocalAddress(handle_).ip : 0);
+}
 
 String cSocketSSL::MyName() const { return WireFromBytes(environment_.HostName()); }
 

@@ -180,7 +180,12 @@ private:
     void Open();
     std::int32_t OpenSocket(bool reuseAddress);
     void ConnectPlain(Address peer);
+    void ConnectSecure(Address peer);
+    bool ConnectAndWait(Address peer);
+    bool AcceptSecure();
+    void Watch(std::int32_t events);
     void CompleteConnection();
+    void DescribeChannel();
     void ReadPeer();
     void Fail(std::int32_t number);
     void Fail(std::int32_t number, StringView description);
@@ -190,6 +195,7 @@ private:
     Transfer SendSome(std::string_view bytes);
     std::size_t SendNow(std::string_view bytes);
     void Flush();
+    void OnNothingReceived(std::int32_t error);
     void Deliver(std::string_view bytes);
     void DeliverLines(std::string_view bytes);
 
@@ -200,6 +206,7 @@ private:
     std::shared_ptr<SocketTable> table_;
     std::weak_ptr<SocketEvents> sink_;
     std::uint64_t generation_ = 0;  // advanced whenever a connection begins or ends
+    bool closedRaised_ = false;
     bool windowOpen_ = false;
     HiddenWindow window_;
     ByteQueue unsent_;

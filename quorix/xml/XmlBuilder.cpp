@@ -8,6 +8,19 @@ namespace {
 
 XmlBuilder& Builder(void* user) { return *static_cast<XmlBuilder*>(user); }
 
+// The name is the shared one, as the parser hands it out.
+xmlAttr* NewAttribute(xmlNode* element, const xmlChar* name, const xmlChar* value) {
+    auto* attribute = static_cast<xmlAttr*>(xmlMalloc(sizeof(xmlAttr)));
+    *attribute = {};
+    attribute->type = XML_ATTRIBUTE_NODE;
+    attribute->name = name;
+    attribute->parent = element;
+    attribute->doc = element->doc;
+    attribute->children = attribute->last = xmlNewDocText(element->doc, value);
+    attribute->children->parent = AsNode(attribute);
+    return attribute;
+}
+
 bool IsBlankText(const xmlNode* node) { return node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 1; }
 
 bool HasElement(const xmlNode* parent) {
@@ -27,10 +40,24 @@ void DropBlankText(xmlNode* parent) {
     }
 }
 
+void AddAttributes(xmlNode* element, const xmlChar** pairs) {
+    xmlAttr* last = nullptr;
+    for (; *pairs; pairs += 2) {
+        xmlAttr* attribute = NewAttribute(element, pairs[0], pairs[1]);
+        attribute->prev = last;
+        (last ? last->next : element->properties) = attribute;
+        last = attribute;
+    }
+}
+
 }  // namespace
 
-XmlBuilder::XmlBuilder(xmlParserCtxt* parser, bool enclosed)
-    : parser_(parser), tree_(NewTree(parser->dict)), parent_(AsNode(*tree_)), enclosed_(enclosed) {}
+XmlBuilder::XmlBuilder(xmlParserCtxt* parser, std::string declaration, bool enclosed)
+    : parser_(parser),
+      tree_(NewTree(parser->dict)),
+      parent_(AsNode(*tree_)),
+      declaration_(std::move(declaration)),
+      enclosed_(enclosed) {}
 
 xmlSAXHandler XmlBuilder::Handlers() {
     xmlSAXHandler handlers = {};
@@ -62,8 +89,10 @@ xmlSAXHandler XmlBuilder::Handlers() {
     return handlers;
 }
 
-// The parser takes handlers with structured errors for ones that want prefixes resolved.
-void XmlBuilder::Begin() { parser_->sax2 = 0; }
+void XmlBuilder::Begin() {
+    parser_->sax2 = 0;  // structured errors had told the parser that prefixes are to be resolved
+    if (!declaration_.empty()) Place(NewInstruction(*tree_, "xml", declaration_));
+}
 
 XmlTreePtr XmlBuilder::Finish() {
     bool whole = !refused_ && parser_->wellFormed == 1 && HasElement(AsNode(*tree_));
@@ -74,7 +103,7 @@ void XmlBuilder::Start(const xmlChar* name, const xmlChar** attributes) {
     if (++depth_ > kMaxXmlDepth) return Refuse();
     xmlNode* element = xmlNewDocNodeEatName(tree_.get(), nullptr, const_cast<xmlChar*>(name), nullptr);
     Place(element);
-    for (; attributes && *attributes; attributes += 2) AddAttribute(element, attributes[0], attributes[1]);
+    if (attributes) AddAttributes(element, attributes);
     parent_ = element;
 }
 
@@ -98,10 +127,6 @@ void XmlBuilder::PlaceText() {
     if (text_.empty()) return;
     LinkLast(parent_, NewText(*tree_, text_.data(), text_.size()));
     text_.clear();
-}
-
-void XmlBuilder::AddAttribute(xmlNode* element, const xmlChar* name, const xmlChar* value) {
-    xmlNewNsPropEatName(element, nullptr, const_cast<xmlChar*>(name), value);
 }
 
 void XmlBuilder::Refuse() {

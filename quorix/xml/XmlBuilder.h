@@ -12,7 +12,7 @@ namespace quorix {
 class XmlBuilder {
 public:
     // `enclosed`: the document element is an enclosing one.
-    XmlBuilder(xmlParserCtxt* parser, bool enclosed);
+    XmlBuilder(xmlParserCtxt* parser, std::string declaration, bool enclosed);
 
     // The callbacks; each takes the builder as its user data.
     static xmlSAXHandler Handlers();
@@ -30,12 +30,12 @@ public:
     XmlTree& Tree() { return *tree_; }
 
 private:
-    void AddAttribute(xmlNode* element, const xmlChar* name, const xmlChar* value);
     void PlaceText();
 
     xmlParserCtxt* parser_;
     XmlTreePtr tree_;
     xmlNode* parent_;
+    std::string declaration_;
     std::string text_;  // character data comes in pieces
     int depth_ = 0;
     bool enclosed_;

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
+#include <regex>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
@@ -18,6 +20,39 @@ xmlNode* DocumentElement(const XmlTree& tree) {
     xmlNode* node = tree.children;
     while (node && !IsElementNode(node)) node = node->next;
     return node;
+}
+
+std::filesystem::path PathFrom(StringView path) {
+    std::string utf8 = Utf8FromText(path);
+    return std::u8string(utf8.begin(), utf8.end());
+}
+
+// Nothing when it cannot be read, which is no XML either.
+std::string ContentOf(StringView path) {
+    std::ifstream file(PathFrom(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// UTF-16 is text already, once its bytes are in order.
+std::optional<String> TextFromUtf16(std::string_view bytes) {
+    bool little = bytes.starts_with("\xFF\xFE");
+    if (!little && !bytes.starts_with("\xFE\xFF")) return {};
+    String text;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        auto low = static_cast<unsigned char>(bytes[little ? i : i + 1]);
+        auto high = static_cast<unsigned char>(bytes[little ? i + 1 : i]);
+        text += static_cast<char16_t>(high << 8U | low);
+    }
+    return text;
+}
+
+std::string DeclaringUtf8(std::string xml) {
+    if (!xml.starts_with("<?xml ")) return xml;
+    static const std::regex encoding("(encoding\\s*=\\s*)(\"[^\"]*\"|'[^']*')");
+    auto end = static_cast<std::ptrdiff_t>(xml.find("?>"));
+    std::string declaration(xml.begin(), xml.begin() + end);
+    return std::regex_replace(declaration, encoding, "$1\"UTF-8\"")
+        .append(xml, static_cast<std::size_t>(end));
 }
 
 }  // namespace
@@ -42,7 +77,31 @@ bool XmlDocument::LoadContent(StringView text) {
     return Take(ParseText("<content>" + Utf8FromText(text) + "</content>", true));
 }
 
+bool XmlDocument::LoadFile(StringView path) {
+    std::string bytes = ContentOf(path);
+    if (std::optional<String> text = TextFromUtf16(bytes)) return Load(*text);
+    return Take(ParseFile(bytes));
+}
+
+void XmlDocument::SaveFile(StringView path) const {
+    std::ofstream file(PathFrom(path), std::ios::binary);
+    file << DeclaringUtf8(Serialize(AsNode(*tree_)));
+    file.close();
+    if (!file) throw AutomationError(ERR_FileNotFound);
+}
+
 XmlNode XmlDocument::Root() const { return XmlNode(DocumentElement(*tree_)); }
+
+void XmlDocument::Root(const XmlNode& element) {
+    if (!element.IsElement()) throw AutomationError(ERR_InvalidCall);
+    xmlNode* former = DocumentElement(*tree_);
+    if (former == element.Raw()) return;
+    Unlink(element.Raw());
+    Adopt(*tree_, element.Raw());
+    if (!former) return LinkLast(AsNode(*tree_), element.Raw());
+    xmlReplaceNode(former, element.Raw());
+    Discard(former);
+}
 
 String XmlDocument::Xml() const { return TextFromUtf8(Serialize(AsNode(*tree_))); }
 
@@ -51,6 +110,17 @@ XmlNode XmlDocument::SelectSingle(StringView xpath) const {
 }
 std::vector<XmlNode> XmlDocument::Select(StringView xpath) const {
     return SelectNodes(AsNode(*tree_), xpath);
+}
+
+XmlNode XmlDocument::CreateElement(StringView name) {
+    XmlNode element(NewElement(*tree_, TreeName(name)));
+    Discard(element.Raw());
+    return element;
+}
+
+void XmlDocument::AppendInstruction(StringView target, StringView data) {
+    if (data.find(u"?>") != StringView::npos) throw AutomationError(ERR_InvalidCall);
+    LinkLast(AsNode(*tree_), NewInstruction(*tree_, TreeName(target), TreeText(data)));
 }
 
 std::shared_ptr<XmlDocument> XmlDocument::Detach(const XmlNode& node) {

@@ -54,7 +54,8 @@ public:
     // An element outside the tree. Error 5 when `name` is no XML name.
     XmlNode CreateElement(StringView name);
 
-    // Appends a processing instruction to the document. Error 5 when `target` is no XML name.
+    // Appends a processing instruction to the document. Error 5 when `target` is no XML name or `data` holds
+    // "?>", the end of an instruction.
     void AppendInstruction(StringView target, StringView data);
 
     // Moves `node` and what is below it out of its document into one of its own, without parsing or copying.

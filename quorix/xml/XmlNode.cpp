@@ -43,7 +43,7 @@ String TextBelow(const xmlNode* top) {
     if (IsOnlyText(top->children)) return FromTree(top->children->content);
     std::string all;
     for (const xmlNode* node = top->children; node; node = Following(node, top)) {
-        if (IsTextNode(node)) all += reinterpret_cast<const char*>(node->content);
+        if (IsTextNode(node)) all += Chars(node->content);
     }
     return TextFromUtf8(all);
 }

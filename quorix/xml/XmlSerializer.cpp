@@ -2,11 +2,11 @@
 
 #include <cstring>
 
+#include "quorix/xml/XmlTree.h"
+
 namespace quorix {
 
 namespace {
-
-const char* Chars(const xmlChar* text) { return text ? reinterpret_cast<const char*>(text) : ""; }
 
 const char* Entity(char c) {
     switch (c) {

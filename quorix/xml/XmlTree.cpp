@@ -126,6 +126,10 @@ xmlNode* NewElement(XmlTree& tree, const std::string& name) {
     return node;
 }
 
+xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data) {
+    return xmlNewDocPI(&tree, BAD_CAST target.c_str(), BAD_CAST data.c_str());
+}
+
 xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size) {
     return xmlNewDocTextLen(&tree, BAD_CAST text, static_cast<int>(size));
 }
@@ -144,9 +148,7 @@ std::string TreeName(StringView name) {
     return utf8;
 }
 
-String FromTree(const xmlChar* text) {
-    return text ? TextFromUtf8(reinterpret_cast<const char*>(text)) : String();
-}
+String FromTree(const xmlChar* text) { return TextFromUtf8(Chars(text)); }
 
 bool Equals(const xmlChar* left, StringView right) {
     if (!left) return right.empty();

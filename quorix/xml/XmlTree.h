@@ -46,6 +46,7 @@ void Discard(xmlNode* node);
 void Adopt(XmlTree& tree, xmlNode* node);
 
 xmlNode* NewElement(XmlTree& tree, const std::string& name);
+xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data);
 xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size);
 
 // Text as the tree keeps it: what has no place in XML at all (a lone surrogate, a NUL) becomes U+FFFD.
@@ -53,6 +54,9 @@ std::string TreeText(StringView text);
 
 // The name, checked. Error 5 when it is no XML name.
 std::string TreeName(StringView name);
+
+// Never null, whatever the tree holds.
+inline const char* Chars(const xmlChar* text) { return text ? reinterpret_cast<const char*>(text) : ""; }
 
 String FromTree(const xmlChar* text);
 bool Equals(const xmlChar* left, StringView right);

@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "quorix/net/SecureChannel.h"
+#include "testkit/DeterministicEnvironment.h"
+#include "testkit/TlsPeer.h"
+#include "tests/unit/net/SocketRecorder.h"
+
+namespace quorix::testing_net {
+namespace {
+
+using namespace testkit;
+
+class TemporaryFolder {
+public:
+    TemporaryFolder() { std::filesystem::create_directories(path_); }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+    const std::filesystem::path& Path() const { return path_; }
+
+private:
+    std::filesystem::path path_ = std::filesystem::temp_directory_path() / "quorix-secure-socket";
+};
+
+class SecureSocket : public ::testing::Test {
+protected:
+    SecureSocket() {
+        environment.WhileWaiting([this] { Converse(); });
+        client = SocketRecorder::Create();
+        client->socket->SSLEnable(true);
+        client->socket->RemoteHost(u"localhost");
+        client->socket->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
+    }
+
+    void Converse() {
+        if (peer == nullptr) return;
+        peer->Hear(environment.Peer().TakeHeard());
+        Say(peer->TakeOutput());
+    }
+
+    void Say(const std::string& bytes) {
+        if (!bytes.empty()) environment.Peer().Say(bytes);
+    }
+
+    void ConnectTo(const Identity& identity) {
+        peer = std::make_unique<TlsPeer>(identity);
+        client->socket->Connect();
+        if (environment.PeerCount() != 0) Converse();  // the client's last message of the handshake
+    }
+
+    void ConnectToGoodPeer() {
+        ConnectTo(IssuedBy(authority, {}));
+        environment.DoEvents();
+        client->TakeLog();
+    }
+
+    // Lets both sides speak until neither has anything left to say.
+    void Settle() {
+        for (int round = 0; round < 8; ++round) {
+            Converse();
+            environment.DoEvents();
+        }
+    }
+
+    DeterministicEnvironment environment;
+    TemporaryFolder folder;
+    Identity authority = Authority("The authority of these tests");
+    std::unique_ptr<TlsPeer> peer;
+    std::shared_ptr<SocketRecorder> client;
+};
+
+TEST_F(SecureSocket, ConnectsBeforeConnectReturnsAndDescribesThePeer) {
+    CertificateWishes wishes;
+    wishes.commonName = "Caf\xC3\xA9, chat";
+    client->on["connect"] = [&] { EXPECT_EQ(client->socket->SSLTrusted(), 1); };
+    ConnectTo(IssuedBy(authority, wishes));
+    EXPECT_EQ(client->log, Log{"connect"});
+    EXPECT_EQ(client->socket->State(), sockConnected);
+    EXPECT_EQ(client->socket->SSLTrusted(), 0);
+    EXPECT_EQ(BytesFromWire(client->socket->SSLCipher()), SSL_get_cipher_name(peer->Native()));
+    EXPECT_EQ(client->socket->SSLSubject(), u"CN=Caf\\C3\\A9\\, chat");
+    EXPECT_EQ(client->socket->SSLIssuer(), u"CN=The authority of these tests");
+    EXPECT_EQ(peer->AskedName(), "localhost");
+    environment.DoEvents();
+    EXPECT_EQ(client->log, (Log{"connect", "sent"}));
+}
+
+TEST_F(SecureSocket, JudgesTheCertificateAndGoesOnAllTheSame) {
+    struct Row {
+        const char* what;
+        StringView host;
+        Identity identity;
+        bool withAuthority;
+        std::int32_t verdict;
+    };
+    CertificateWishes expired;
+    expired.validFromDay = -30;
+    expired.validUntilDay = -1;
+    CertificateWishes future;
+    future.validFromDay = 1;
+    CertificateWishes otherName;
+    otherName.alternativeNames = "DNS:elsewhere.example,IP:192.0.2.1";
+    std::vector<Row> rows;
+    rows.push_back({"good name", u"localhost", IssuedBy(authority, {}), true, 0});
+    rows.push_back({"good address", u"127.0.0.1", IssuedBy(authority, {}), true, 0});
+    rows.push_back({"expired", u"localhost", IssuedBy(authority, expired), true, 10});
+    rows.push_back({"not valid yet", u"localhost", IssuedBy(authority, future), true, 9});
+    rows.push_back({"other name", u"localhost", IssuedBy(authority, otherName), true, 62});
+    rows.push_back({"other address", u"127.0.0.1", IssuedBy(authority, otherName), true, 64});
+    rows.push_back({"self-signed", u"localhost", SelfSigned({}), true, 18});
+    rows.push_back({"of another authority", u"localhost", IssuedBy(Authority("Other"), {}), true, 20});
+    rows.push_back({"without an authority", u"localhost", IssuedBy(authority, {}), false, 20});
+    String file = client->socket->SSLCAFile();
+    for (const Row& row : rows) {
+        client->socket->SSLCAFile(row.withAuthority ? StringView(file) : StringView(u"no/such/file"));
+        client->socket->RemoteHost(row.host);
+        ConnectTo(row.identity);
+        EXPECT_EQ(client->socket->SSLTrusted(), row.verdict) << row.what;
+        EXPECT_EQ(client->socket->State(), sockConnected) << row.what;
+        EXPECT_EQ(peer->AskedName(), row.host == u"localhost" ? "localhost" : "") << row.what;
+    }
+}
+
+TEST_F(SecureSocket, KeepsOrderHoweverTheConnectionCutsAndBlocks) {
+    ConnectToGoodPeer();
+    environment.LimitReads(7);
+    environment.LimitWrites(11);
+    std::string text;
+    for (int i = 0; i < 9000; ++i) text += std::to_string(i) + ' ';
+    environment.BlockWrites(true);
+    client->socket->SendBytes(text);
+    client->socket->SendData(u"and the end");
+    peer->Write(text);
+    Settle();
+    EXPECT_EQ(peer->Text(), "");
+    EXPECT_EQ(client->received, text);
+    environment.BlockWrites(false);
+    Settle();
+    EXPECT_EQ(peer->Text(), text + "and the end");
+    EXPECT_EQ(std::count(client->log.begin(), client->log.end(), "sent"), 1);
+}
+
+TEST_F(SecureSocket, APeerThatRenewsItsKeysWhileWeAreBlockedIsAnswered) {
+    ConnectToGoodPeer();
+    environment.BlockWrites(true);
+    client->socket->SendData(u"waiting");
+    SSL_key_update(peer->Native(), SSL_KEY_UPDATE_REQUESTED);
+    peer->Write("renewed");
+    Settle();
+    EXPECT_EQ(client->received, "renewed");
+    environment.BlockWrites(false);
+    client->socket->SendData(u" and going on");
+    Settle();
+    EXPECT_EQ(peer->Text(), "waiting and going on");
+}
+
+TEST_F(SecureSocket, SaysGoodbyeWhenItDisconnects) {
+    ConnectToGoodPeer();
+    client->socket->SendData(u"bye");
+    client->socket->Disconnect();
+    EXPECT_EQ(client->socket->SSLHandle(), 0);
+    peer->Hear(environment.Peer().TakeHeard());
+    EXPECT_EQ(peer->Text(), "bye");
+    EXPECT_TRUE(peer->HeardGoodbye());
+    EXPECT_TRUE(environment.Peer().ClientClosed());
+}
+
+// Each ends the connection from outside; the text before it must arrive, and Closed once behind it.
+TEST_F(SecureSocket, HoweverThePeerEndsItClosedComesOnce) {
+    auto goodbye = [&] {
+        peer->SayGoodbye();
+        Say(peer->TakeOutput());
+    };
+    auto cutRecord = [&] {
+        peer->Write("never complete");
+        std::string record = peer->TakeOutput();
+        Say(record.substr(0, record.size() / 2));
+        environment.Peer().Close();
+    };
+    std::vector<std::function<void()>> endings = {
+        [&] { environment.Peer().Close(); },
+        [&] { environment.Peer().CloseWith(SOCKERR_Reset); },
+        goodbye,
+        [&] { goodbye(), environment.Peer().Close(); },
+        cutRecord,
+        [&] { Say("this is no record"); },
+        [&] { Say(std::string("\x17\3\3\0\x10", 5) + std::string(16, 'x')); },
+    };
+    for (std::size_t i = 0; i < endings.size(); ++i) {
+        ConnectToGoodPeer();
+        peer->Write("last words");
+        Say(peer->TakeOutput());
+        endings[i]();
+        environment.DoEvents();
+        EXPECT_EQ(client->TakeLog(), (Log{"data:last words", "closed"})) << i;
+        client->socket->SendData(u"too late");
+        client->socket->Disconnect();
+        EXPECT_EQ(environment.OpenSockets(), 0U);
+    }
+}
+
+TEST_F(SecureSocket, AHandshakeThatFailsIsAnAbortedConnection) {
+    std::vector<std::function<void()>> peers = {
+        [] {},  // silent
+        [&] { environment.Peer().Close(); },
+        [&] { Say("<stream:error>this port speaks plain text</stream:error>"); },
+        [&] { Say(std::string(70000, '\x16')); },
+        [&] { Say(std::string("\x15\3\3\0\2\2\x28", 7)); },      // a fatal alert
+        [&] { Say(std::string("\x16\3\3\0\4\x0B\0\0\0", 9)); },  // an empty chain before any hello
+    };
+    for (std::size_t i = 0; i < peers.size(); ++i) {
+        std::int64_t start = environment.Milliseconds();
+        environment.WhileWaiting(peers[i]);
+        client->socket->RemoteHost(u"localhost");
+        client->socket->TimeOut(700);
+        client->socket->Connect();
+        environment.DoEvents();
+        EXPECT_EQ(client->TakeLog(), Log{"error:10053:Software caused connection abort."}) << i;
+        EXPECT_EQ(client->socket->State(), sockClosed);
+        EXPECT_EQ(environment.OpenSockets(), 0U);
+        EXPECT_LE(environment.Milliseconds() - start, 700);
+    }
+}
+
+TEST_F(SecureSocket, ACertificateOfNonsenseEndsTheHandshake) {
+    Identity nonsense = SelfSigned({});
+    nonsense.key.reset(EVP_EC_gen("P-256"));  // signs with a key that is not the certificate's
+    ConnectTo(nonsense);
+    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
+    EXPECT_EQ(client->socket->State(), sockClosed);
+}
+
+TEST_F(SecureSocket, AHandlerMayDropOrReplaceTheConnection) {
+    client->on["connect"] = [&] { client->socket->Disconnect(); };
+    ConnectTo(IssuedBy(authority, {}));
+    EXPECT_EQ(client->socket->State(), sockClosed);
+    EXPECT_EQ(environment.OpenSockets(), 0U);
+    client->on["connect"] = [&] { client->socket.reset(); };
+    std::weak_ptr<cSocketSSL> socket = client->socket;
+    client->socket->RemoteHost(u"localhost");
+    ConnectTo(IssuedBy(authority, {}));
+    EXPECT_TRUE(socket.expired());
+    EXPECT_EQ(environment.OpenSockets(), 0U);
+}
+
+TEST_F(SecureSocket, ANumberThatNamesNoChannelFails) {
+    char buffer[4];
+    EXPECT_EQ(ssl_send(77, "abc").error, SOCKERR_Aborted);
+    EXPECT_EQ(ssl_recv(77, buffer, sizeof buffer).error, SOCKERR_Aborted);
+    EXPECT_EQ(Concat({ssl_getcipher(77), ssl_getsubject(77), ssl_getissuer(77)}), u"");
+    EXPECT_NE(ssl_getverify(77), 0);
+    ssl_cleanup(77);
+}
+
+}  // namespace
+}  // namespace quorix::testing_net
