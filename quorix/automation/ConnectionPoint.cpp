@@ -55,8 +55,7 @@ private:
 IConnectionPoint* MakeConnectionPoint(Object& owner) { return new ConnectionPoint(owner); }
 
 IEnumConnectionPoints* MakeConnectionPointList(Object& owner) {
-    ComPtr<IConnectionPoint> only;
-    only.Attach(MakeConnectionPoint(owner));
+    const ComPtr<IConnectionPoint> only = Adopt<IConnectionPoint>(MakeConnectionPoint(owner));
     return new Enumerator<IEnumConnectionPoints, IConnectionPoint*>({only.Get()});
 }
 

@@ -19,8 +19,7 @@ public:
         *out = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
         try {
-            ComPtr<IDispatch> made;
-            made.Attach(Wrap(table_.Create()(), table_));
+            const ComPtr<IDispatch> made = Adopt<IDispatch>(Wrap(table_.Create()(), table_));
             return made->QueryInterface(id, out);
         } catch (const std::bad_alloc&) {
             return E_OUTOFMEMORY;
@@ -71,8 +70,7 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID id, void** out) {
     return Guarded([&] {
         const ClassTable* table = FindCreatable(classId);
         if (table == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
-        ComPtr<IClassFactory> factory;
-        factory.Attach(new Factory(*table));
+        const ComPtr<IClassFactory> factory = Adopt<IClassFactory>(new Factory(*table));
         return factory->QueryInterface(id, out);
     });
 }

@@ -2,16 +2,14 @@
 #pragma once
 
 #include <oaidl.h>
-#include <wrl/client.h>
 
 #include <map>
 #include <string>
 
 #include "quorix/automation/ClassTable.h"
+#include "quorix/automation/ComPtr.h"
 
 namespace quorix::automation {
-
-using Microsoft::WRL::ComPtr;
 
 // A class as the type library declares it.
 struct Declaration {

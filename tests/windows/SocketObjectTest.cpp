@@ -1,6 +1,7 @@
 // A socket and its events through automation, over the loopback.
 #include <gtest/gtest.h>
 
+#include <olectl.h>
 #include <winsock.h>
 
 #include "tests/windows/support/Component.h"

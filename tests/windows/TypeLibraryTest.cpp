@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <set>
 #include <string>
-#include <tuple>
 
 #include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
@@ -12,13 +11,10 @@
 namespace quorix::automation {
 namespace {
 
-// name, kind, parameters, optional parameters
-using Signature = std::tuple<std::wstring, WORD, unsigned, unsigned>;
-
-std::ostream& operator<<(std::ostream& out, const Signature& signature) {
-    const auto& [name, kind, parameters, optional] = signature;
-    return out << std::string(name.begin(), name.end()) << " kind " << kind << ", " << parameters << "/"
-               << optional;
+// One member in words, so that a difference reads well.
+std::string Signature(const std::wstring& name, WORD kind, unsigned parameters, unsigned optional) {
+    return std::string(name.begin(), name.end()) + " kind " + std::to_string(kind) + " parameters " +
+           std::to_string(parameters) + " optional " + std::to_string(optional);
 }
 
 std::wstring NameOf(ITypeInfo& info, MEMBERID id) {
@@ -37,14 +33,14 @@ unsigned OptionalCount(const FUNCDESC& function) {
     return count;
 }
 
-// IDispatch's own members are listed among those of a dispatch interface, marked restricted and numbered so.
+// The members of IDispatch itself are listed among those of a dispatch interface, under numbers of their own.
 bool IsInherited(MEMBERID id) {
-    return (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60000000 ||
-           (static_cast<ULONG>(id) & 0xFFFF0000) == 0x60010000;
+    const auto range = static_cast<ULONG>(id) & 0xFFFF0000;
+    return range == 0x60000000 || range == 0x60010000;
 }
 
-std::set<Signature> DeclaredIn(ITypeInfo& info) {
-    std::set<Signature> all;
+std::set<std::string> DeclaredIn(ITypeInfo& info) {
+    std::set<std::string> all;
     TYPEATTR* type = nullptr;
     info.GetTypeAttr(&type);
     for (UINT i = 0; i < type->cFuncs; ++i) {
@@ -53,7 +49,8 @@ std::set<Signature> DeclaredIn(ITypeInfo& info) {
         WORD kind = static_cast<WORD>(function->invkind);
         if (kind == DISPATCH_PROPERTYPUTREF) kind = DISPATCH_PROPERTYPUT;
         if (!IsInherited(function->memid)) {
-            all.emplace(NameOf(info, function->memid), kind, function->cParams, OptionalCount(*function));
+            all.insert(Signature(NameOf(info, function->memid), kind,
+                                 static_cast<unsigned>(function->cParams), OptionalCount(*function)));
         }
         info.ReleaseFuncDesc(function);
     }
@@ -61,10 +58,10 @@ std::set<Signature> DeclaredIn(ITypeInfo& info) {
     return all;
 }
 
-std::set<Signature> BoundIn(const ClassTable& table) {
-    std::set<Signature> all;
+std::set<std::string> BoundIn(const ClassTable& table) {
+    std::set<std::string> all;
     for (const Member& member : table.Members()) {
-        all.emplace(member.name, member.kind, member.arguments, member.optional);
+        all.insert(Signature(member.name, member.kind, member.arguments, member.optional));
     }
     return all;
 }

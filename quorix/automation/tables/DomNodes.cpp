@@ -100,7 +100,7 @@ const ClassTable& TableOf<DomNodeList>() {
     using T = DomNodeList;
     static const auto table = Class<T>(L"DomNodeList")
                                   .Get(
-                                      L"item", +[](T& list, std::int32_t index) { return list.Item(index); })
+                                      L"Item", +[](T& list, std::int32_t index) { return list.Item(index); })
                                   .Get(L"length", &T::Length)
                                   .Method(L"getNamedItem", &T::NamedItem)
                                   .Get(L"_NewEnum", &EnumerateNodes);

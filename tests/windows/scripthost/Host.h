@@ -4,17 +4,18 @@
 
 #include <activscp.h>
 #include <oaidl.h>
-#include <wrl/client.h>
 
 #include <map>
 #include <string>
 #include <vector>
 
+#include "quorix/automation/ComPtr.h"
 #include "quorix/automation/Unknown.h"
 
 namespace scripthost {
 
-using Microsoft::WRL::ComPtr;
+using quorix::automation::Adopt;
+using quorix::automation::ComPtr;
 using quorix::automation::Unknown;
 
 void Print(const std::wstring& text);

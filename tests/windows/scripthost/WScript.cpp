@@ -129,8 +129,7 @@ HRESULT WScript::Connect(IUnknown* object, const std::wstring& prefix) {
     if (events == nullptr || FAILED(object->QueryInterface(IID_PPV_ARGS(&container)))) return E_NOINTERFACE;
     HRESULT outcome = container->FindConnectionPoint(id, &point);
     if (FAILED(outcome)) return outcome;
-    ComPtr<EventSink> sink;
-    sink.Attach(new EventSink(events, prefix, script_));
+    const ComPtr<EventSink> sink = Adopt<EventSink>(new EventSink(events, prefix, script_));
     DWORD cookie = 0;
     outcome = point->Advise(sink.Get(), &cookie);
     if (SUCCEEDED(outcome)) connections_.push_back({object, point, cookie});

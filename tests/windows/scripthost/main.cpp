@@ -88,10 +88,8 @@ int Run(const wchar_t* path, std::vector<std::wstring> arguments) {
         Print(L"cannot run the script\n");
         return 2;
     }
-    ComPtr<WScript> host;
-    host.Attach(new WScript(std::move(arguments)));
-    ComPtr<Site> site;
-    site.Attach(new Site(host));
+    const ComPtr<WScript> host = Adopt<WScript>(new WScript(std::move(arguments)));
+    const ComPtr<Site> site = Adopt<Site>(new Site(host));
     engine->SetScriptSite(site.Get());
     parser->InitNew();
     engine->AddNamedItem(L"WScript", SCRIPTITEM_ISVISIBLE);

@@ -42,7 +42,7 @@ ComPtr<IConnectionPoint> ConnectionPointOf(const Late& source) {
 }
 
 Connection::Connection(const Late& source, const GUID& eventsId) : point_(ConnectionPointOf(source)) {
-    sink_.Attach(new Sink(eventsId));
+    sink_ = quorix::automation::Adopt(new Sink(eventsId));
     if (FAILED(point_->Advise(sink_.Get(), &cookie_))) throw std::runtime_error("cannot connect a sink");
 }
 
