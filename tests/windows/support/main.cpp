@@ -1,7 +1,9 @@
-// The test program of the component: automation_tests [gtest options] COMPONENT
+// The test program of the component: PROGRAM [gtest options] COMPONENT [PORT...]
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <vector>
 
 #include "tests/windows/support/Component.h"
 
@@ -14,6 +16,12 @@ HMODULE loaded = nullptr;
 
 void Component::Load(const std::wstring& path) { loaded = LoadLibraryW(path.c_str()); }
 
+// Of the server that the command line names, for those tests that need one.
+std::vector<int>& Ports() {
+    static std::vector<int> ports;
+    return ports;
+}
+
 FARPROC Component::Find(const char* name) { return GetProcAddress(loaded, name); }
 
 }  // namespace windowstest
@@ -21,7 +29,8 @@ FARPROC Component::Find(const char* name) { return GetProcAddress(loaded, name);
 int main(int count, char** values) {
     using windowstest::Component;
     testing::InitGoogleTest(&count, values);
-    if (count != 2) return 2;
+    if (count < 2) return 2;
+    for (int i = 2; i < count; ++i) windowstest::Ports().push_back(atoi(values[i]));
     const std::string path = values[1];
     CoInitialize(nullptr);
     Component::Load(std::wstring(path.begin(), path.end()));
