@@ -38,8 +38,15 @@ configure_and_build() {
     cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
         -DQUORIX_WINDOWS_PREFIXES="$libxml2;$openssl" \
-        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF
+        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF \
+        -DQUORIX_WITH_SERVER="$root/build/with_server/with_server" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
     cmake --build "$build" -j "$jobs"
+}
+
+# Real servers run on this machine, beside the programs that run under Wine.
+build_with_server() {
+    cmake -S "$root/tests/windows/real" -B "$root/build/with_server" -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+    cmake --build "$root/build/with_server" -j "$jobs"
 }
 
 check_width() {
@@ -61,6 +68,7 @@ fi
 install_packages
 source_apt
 [[ " ${widths[*]} " = *" 32 "* ]] && make_wine32
+build_with_server
 for width in "${widths[@]}"; do
     echo "== Windows, $width bits"
     check_width "$width" "$@"
