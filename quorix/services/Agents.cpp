@@ -4,6 +4,8 @@
 #include <map>
 
 #include "quorix/base/Number.h"
+#include "quorix/services/Outermost.h"
+#include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
 
@@ -19,19 +21,17 @@ void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
 }
 
 std::int16_t Agents::FindAgent(StringView jid) const {
-    auto found =
-        std::find_if(items_.begin(), items_.end(), [&](const auto& agent) { return agent->JID() == jid; });
-    return found == items_.end() ? std::int16_t{0} : ToInt16(found - items_.begin() + 1);
+    return ToInt16(PositionWhere(items_, [&](const auto& agent) { return agent->jid_ == jid; }));
 }
 
 bool Agents::Knows(StringView bareJid) const {
     return std::any_of(items_.begin(), items_.end(),
-                       [&](const auto& agent) { return EqualsIgnoringCase(agent->JID(), bareJid); });
+                       [&](const auto& agent) { return EqualsIgnoringCase(agent->jid_, bareJid); });
 }
 
 void Agents::HandleList(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
     link->Raise(&SessionEvents::OnAgentBegin);
-    for (const XmlNode& element : stanza.root.Select(u"//agent")) AddAgent(link, element);
+    for (const XmlNode& element : Outermost(stanza.root, u"agent")) AddAgent(link, element);
     link->Raise(&SessionEvents::OnAgentEnd);
 }
 
@@ -49,7 +49,7 @@ void Agents::AddAgent(const std::shared_ptr<SessionLink>& link, const XmlNode& e
 std::shared_ptr<cAgentItem> Agents::LastWithJid(StringView jid) const {
     std::shared_ptr<cAgentItem> last;
     for (const auto& agent : items_) {
-        if (agent->JID() == jid) last = agent;
+        if (agent->jid_ == jid) last = agent;
     }
     return last;
 }

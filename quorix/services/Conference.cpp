@@ -35,12 +35,4 @@ void HandleConference(SessionLink& link, const Stanza& stanza) {
     link.Raise(&SessionEvents::OnGroupChat, room, stanza.from, stanza.node);
 }
 
-bool HandleInvitation(SessionLink& link, const Stanza& stanza) {
-    XmlNode x = stanza.root.SelectSingle(u"//x[@xmlns='jabber:x:conference']");
-    if (!x) return false;
-    link.Raise(&SessionEvents::OnGCInvite10, x.Attribute(u"jid"), stanza.from, stanza.ChildText(u"body"),
-               stanza.ChildText(u"subject"), stanza.node);
-    return true;
-}
-
 }  // namespace quorix

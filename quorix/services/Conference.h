@@ -1,4 +1,5 @@
-// What a room requires (jabber:iq:conference), and invitations to rooms (jabber:x:conference, XEP-0249).
+// What a room requires (jabber:iq:conference), and inviting to rooms (jabber:x:conference, XEP-0249).
+// Invitations to us are messages, and handled there.
 #pragma once
 
 #include "quorix/link/SessionLink.h"
@@ -11,8 +12,5 @@ void SendGCInvite10(SessionLink& link, StringView jid, StringView roomJid);
 
 // A room's answer raises OnGroupChat.
 void HandleConference(SessionLink& link, const Stanza& stanza);
-
-// A message that invites raises OnGCInvite10. False, and nothing raised, for any other message.
-bool HandleInvitation(SessionLink& link, const Stanza& stanza);
 
 }  // namespace quorix

@@ -1,20 +1,13 @@
 #include "quorix/services/GroupChats.h"
 
-#include <algorithm>
-
 #include "quorix/base/Jid.h"
 #include "quorix/base/modUTF_8.h"
+#include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 
 namespace quorix {
 
 namespace {
-
-template <class Same>
-std::int32_t Find(const GroupChats::List& rooms, Same same) {
-    auto found = std::find_if(rooms.begin(), rooms.end(), same);
-    return found == rooms.end() ? 0 : static_cast<std::int32_t>(found - rooms.begin()) + 1;
-}
 
 void Require(const std::shared_ptr<cGroupChat>& room) {
     if (!room) throw AutomationError(ERR_ObjectNotSet);
@@ -38,13 +31,13 @@ StringView ShowText(eShowType showType) {
 }  // namespace
 
 std::int32_t GroupChats::FindGroupChat(StringView jid) const {
-    return Find(items_, [&](const auto& room) { return room->JID() == jid; });
+    return PositionWhere(items_, [&](const auto& room) { return room->JID() == jid; });
 }
 
 std::int32_t GroupChats::FindSameRoom(StringView jid) const {
     String bare = RemoveResource(jid);
-    return Find(items_,
-                [&](const auto& room) { return EqualsIgnoringCase(RemoveResource(room->JID()), bare); });
+    return PositionWhere(
+        items_, [&](const auto& room) { return EqualsIgnoringCase(RemoveResource(room->JID()), bare); });
 }
 
 void GroupChats::SendGroupChatRequest(SessionLink& link, const std::shared_ptr<cGroupChat>& room,

@@ -1,6 +1,7 @@
 #include "quorix/services/Search.h"
 
 #include "quorix/base/modUTF_8.h"
+#include "quorix/services/Outermost.h"
 #include "quorix/services/XDataForm.h"
 
 namespace quorix {
@@ -35,7 +36,7 @@ std::shared_ptr<cSearchResults> ReadResults(const XmlNode& root) {
     auto results = std::make_shared<cSearchResults>();
     bool isForm = static_cast<bool>(root.SelectSingle(u"//x[@xmlns='jabber:x:data']"));
     auto add = isForm ? AddFormHit : AddPlainHit;
-    for (const XmlNode& item : root.Select(u"//item")) add(*results, item);
+    for (const XmlNode& item : Outermost(root, u"item")) add(*results, item);
     return results;
 }
 

@@ -6,6 +6,7 @@
 
 #include "quorix/base/Number.h"
 #include "quorix/link/SessionLink.h"
+#include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 
 namespace quorix {
@@ -25,9 +26,7 @@ std::shared_ptr<Item> AddNamed(Collection<std::shared_ptr<Item>>& items, StringV
 
 template <class Items>
 std::int16_t FindNamed(const Items& items, StringView name) {
-    auto found =
-        std::find_if(items.begin(), items.end(), [&](const auto& item) { return item->Name() == name; });
-    return found == items.end() ? std::int16_t{0} : ToInt16(found - items.begin() + 1);
+    return ToInt16(PositionWhere(items, [&](const auto& item) { return item->Name() == name; }));
 }
 
 // What goes out is the XML library's own form of the text, and nothing when the text is not well-formed.
@@ -58,9 +57,11 @@ String SearchBody(const cSearchFields& fields) {
 }  // namespace
 
 String cAgentItem::xml() const { return document_->Xml(); }
-void cAgentItem::xml(StringView value) { document_->Load(value); }
+void cAgentItem::xml(StringView value) {
+    document_->Load(value);
+    jid_ = document_->Root().Attribute(u"jid");
+}
 
-String cAgentItem::JID() const { return document_->Root().Attribute(u"jid"); }
 String cAgentItem::Name() const { return document_->Root().Child(u"name").Text(); }
 String cAgentItem::Service() const { return document_->Root().Child(u"service").Text(); }
 

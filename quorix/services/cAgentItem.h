@@ -62,7 +62,7 @@ public:
     void xml(StringView value);
 
     // Wire text, "" when missing.
-    String JID() const;
+    String JID() const { return jid_; }
     String Name() const;
     String Service() const;
 
@@ -117,6 +117,7 @@ private:
     void SendQuery(StringView type, StringView xmlns, StringView body) const;
 
     std::shared_ptr<XmlDocument> document_ = XmlDocument::Create();
+    String jid_;  // of the document; every presence is compared with it
     FieldList fields_;
     AttribList attribs_;
     std::shared_ptr<cXData> xData_ = std::make_shared<cXData>();

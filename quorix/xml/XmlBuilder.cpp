@@ -84,7 +84,7 @@ xmlSAXHandler XmlBuilder::Handlers() {
         Builder(user).Refuse();
     };
     handlers.serror = [](void* user, xmlError* error) {
-        if (error->level == XML_ERR_FATAL) Builder(user).Refuse();
+        if (error->level >= XML_ERR_ERROR) Builder(user).Refuse();
     };
     return handlers;
 }
@@ -100,7 +100,7 @@ XmlTreePtr XmlBuilder::Finish() {
 }
 
 void XmlBuilder::Start(const xmlChar* name, const xmlChar** attributes) {
-    if (++depth_ > kMaxXmlDepth) return Refuse();
+    if (++depth_ > kMaxXmlDepth + (enclosed_ ? 1 : 0)) return Refuse();
     xmlNode* element = xmlNewDocNodeEatName(tree_.get(), nullptr, const_cast<xmlChar*>(name), nullptr);
     Place(element);
     if (attributes) AddAttributes(element, attributes);

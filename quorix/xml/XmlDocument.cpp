@@ -1,10 +1,10 @@
 #include "quorix/xml/XmlDocument.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
-#include <regex>
+#include <sstream>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
@@ -30,7 +30,9 @@ std::filesystem::path PathFrom(StringView path) {
 // Nothing when it cannot be read, which is no XML either.
 std::string ContentOf(StringView path) {
     std::ifstream file(PathFrom(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
 }
 
 // UTF-16 is text already, once its bytes are in order.
@@ -46,13 +48,14 @@ std::optional<String> TextFromUtf16(std::string_view bytes) {
     return text;
 }
 
+// `xml` with the encoding that its declaration names, if any, replaced.
 std::string DeclaringUtf8(std::string xml) {
-    if (!xml.starts_with("<?xml ")) return xml;
-    static const std::regex encoding("(encoding\\s*=\\s*)(\"[^\"]*\"|'[^']*')");
-    auto end = static_cast<std::ptrdiff_t>(xml.find("?>"));
-    std::string declaration(xml.begin(), xml.begin() + end);
-    return std::regex_replace(declaration, encoding, "$1\"UTF-8\"")
-        .append(xml, static_cast<std::size_t>(end));
+    std::size_t end = xml.starts_with("<?xml ") ? xml.find("?>") : 0;
+    std::size_t name = std::string_view(xml).substr(0, end).find("encoding");
+    std::size_t open = xml.find_first_of("\"'", name);
+    if (open >= end) return xml;
+    std::size_t close = xml.find(xml[open], open + 1);
+    return xml.replace(open + 1, std::min(close, end) - open - 1, "UTF-8");
 }
 
 }  // namespace

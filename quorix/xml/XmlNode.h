@@ -32,7 +32,6 @@ public:
 
     // The same node, not merely an equal one.
     bool operator==(const XmlNode& other) const { return node_ == other.node_; }
-    bool operator!=(const XmlNode& other) const { return node_ != other.node_; }
 
     // Every reading member of an empty handle answers "", false or an empty handle, so that a path of
     // children can be followed without a test at each step. Every changing member of an empty handle, or of

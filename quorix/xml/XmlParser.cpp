@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "quorix/xml/AttributeCount.h"
+#include "quorix/xml/QuietParser.h"
 #include "quorix/xml/XmlBuilder.h"
 
 namespace quorix {
@@ -38,8 +39,8 @@ void BoundSharedNames(xmlParserCtxt* parser) {
 // A parser costs more to make than a stanza to parse.
 xmlParserCtxt* ThreadParser(int options) {
     thread_local ParserPtr parser = NewParser();
-    xmlCtxtReset(parser.get());
     BoundSharedNames(parser.get());
+    parser->options = 0;  // the call below only adds to them
     // Without XML_PARSE_NOENT an "&amp;" in an attribute would be left for a second parse.
     xmlCtxtUseOptions(parser.get(), options | XML_PARSE_HUGE | XML_PARSE_NOENT | XML_PARSE_NONET);
     return parser.get();
@@ -63,7 +64,9 @@ XmlTreePtr Parse(xmlParserCtxt* parser, xmlParserInput* input, const std::string
     parser->userData = &builder;
     inputPush(parser, input);
     xmlParseDocument(parser);
-    return builder.Finish();
+    XmlTreePtr tree = builder.Finish();
+    xmlCtxtReset(parser);
+    return tree;
 }
 
 bool FitsParser(const std::string& bytes) {
@@ -79,7 +82,8 @@ XmlTreePtr ParseText(const std::string& utf8, bool enclosed) {
 }
 
 XmlTreePtr ParseFile(const std::string& bytes) {
-    if (!FitsParser(bytes)) return nullptr;
+    if (bytes.empty() || !FitsParser(bytes)) return nullptr;
+    QuietParser quiet;
     xmlParserCtxt* parser = ThreadParser(0);
     xmlParserInputBuffer* buffer =
         xmlParserInputBufferCreateMem(bytes.data(), static_cast<int>(bytes.size()), XML_CHAR_ENCODING_NONE);

@@ -8,6 +8,7 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/xml/QuietParser.h"
 
 namespace quorix {
 
@@ -29,11 +30,8 @@ using Result = std::unique_ptr<xmlXPathObject, With<xmlXPathFreeObject>>;
 // The thread's evaluator with the expressions it has compiled: both cost more than a query on a stanza.
 class Evaluator {
 public:
-    Evaluator() : context_(xmlXPathNewContext(nullptr)) {
-        context_->error = [](void*, xmlError*) {};  // else errors go to the standard error stream
-    }
-
     Result Evaluate(xmlNode* node, StringView xpath) {
+        QuietParser quiet;
         xmlXPathCompExpr* expression = Expression(xpath);
         if (!expression) return nullptr;
         context_->doc = node->doc;
@@ -58,7 +56,7 @@ private:
         return compiled_.emplace(xpath, std::move(expression)).first->second.get();
     }
 
-    Context context_;
+    Context context_{xmlXPathNewContext(nullptr)};
     std::unordered_map<String, Compiled, Hash, std::equal_to<>> compiled_;
 };
 

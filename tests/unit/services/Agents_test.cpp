@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Agents.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -22,7 +22,7 @@ protected:
         return agents.Items().Item(1);
     }
 
-    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
     std::shared_ptr<FakeLink> link = std::make_shared<FakeLink>(log);
     std::shared_ptr<cSearchFields> searchFields = std::make_shared<cSearchFields>();
     Agents agents{searchFields};
@@ -50,6 +50,11 @@ TEST_F(AgentsTest, ANameThatIsTakenIsPassedOverAndTheListGoesOn) {
     EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentEnd"}));
     EXPECT_EQ(agents.Items().Count(), 2);
     EXPECT_EQ(agents.Items().Item(u"C")->JID(), u"c");
+}
+
+TEST_F(AgentsTest, AnAgentInsideAnAgentIsPartOfIt) {
+    Handle(u"<iq><query><agent jid='a'><agent jid='b'><name>B</name></agent></agent></query></iq>");
+    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentEnd"}));
 }
 
 TEST_F(AgentsTest, AnErrorHasBeginAndEndOnly) {

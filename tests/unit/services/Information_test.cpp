@@ -4,8 +4,8 @@
 #include "quorix/services/Information.h"
 #include "quorix/services/OutOfBand.h"
 #include "quorix/services/PrivateStorage.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -85,7 +85,7 @@ struct Reply {
 class InformationReply : public ::testing::TestWithParam<Reply> {};
 
 TEST_P(InformationReply, RaisesItsEvent) {
-    auto log = std::make_shared<EventLog>();
+    auto log = std::make_shared<ServiceLog>();
     FakeLink link(log);
     GetParam().handle(link, StanzaOf(GetParam().xml));
     EXPECT_EQ(log->Take(), GetParam().events);

@@ -3,8 +3,8 @@
 #include "quorix/services/Browse.h"
 #include "quorix/services/Conference.h"
 #include "quorix/services/GroupChats.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -109,7 +109,7 @@ protected:
         return log->Take();
     }
 
-    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
     FakeLink link{log};
 };
 
@@ -179,7 +179,7 @@ struct AddressCase {
 class ConferenceAddress : public ::testing::TestWithParam<AddressCase> {};
 
 TEST_P(ConferenceAddress, IsSplitAtTheSign) {
-    auto log = std::make_shared<EventLog>();
+    auto log = std::make_shared<ServiceLog>();
     FakeLink link(log);
     HandleConference(link, StanzaOf(Concat({u"<iq type='result' from='", GetParam().from,
                                             u"'><query><name>N</name><nick>me</nick></query></iq>"})));
@@ -199,15 +199,6 @@ TEST_F(RoomReplies, ASecretMeansAPasswordAndOnlyResultsCount) {
     EXPECT_TRUE(log->room->NeedPassword());
     HandleConference(link, StanzaOf(u"<iq type='set' from='r@c'><query/></iq>"));
     EXPECT_EQ(log->Take(), (Lines{"GroupChat r@c iq"}));
-}
-
-TEST_F(RoomReplies, AnInvitationIsToldFromOtherMessages) {
-    EXPECT_TRUE(
-        HandleInvitation(link, StanzaOf(u"<message from='a@b'><x xmlns='jabber:x:conference' jid='r@c'/>"
-                                        u"<subject>S</subject><body>B</body></message>")));
-    EXPECT_FALSE(
-        HandleInvitation(link, StanzaOf(u"<message from='a@b'><x xmlns='jabber:x:oob'/></message>")));
-    EXPECT_EQ(log->Take(), (Lines{"GCInvite10 r@c a@b 'B' 'S' message"}));
 }
 
 }  // namespace

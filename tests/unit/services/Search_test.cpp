@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Search.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -19,7 +19,7 @@ protected:
         return Utf8FromText(text);
     }
 
-    std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
+    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
     FakeLink link{log};
     Search search;
 };
@@ -108,6 +108,26 @@ TEST_F(SearchTest, ResultsThatAnApplicationKeptStayUntilTheConnectionEnds) {
     EXPECT_EQ(kept->Count(), 1);
     EXPECT_EQ(current->Count(), 0);
     EXPECT_EQ(search.Searchresults(), current);
+}
+
+TEST_F(SearchTest, ThousandsOfHitsWithoutAnAddressAreAllThere) {
+    String items;
+    for (int i = 0; i < 5000; ++i) items += u"<item><a>x</a></item>";
+    EXPECT_EQ(Handle(Concat({u"<query>", items, u"</query>"})), (Lines{"SearchResults 5000"}));
+    EXPECT_EQ(search.Searchresults()->Item(5000)->SearchItem(), u"");
+}
+
+TEST_F(SearchTest, HitsInsideHitsDoNotMultiplyTheirText) {
+    String open, close;
+    for (int i = 0; i < 400; ++i) {
+        open += u"<item><a>";
+        close += u"</a></item>";
+    }
+    String text(1000, u'x');
+    EXPECT_EQ(Handle(Concat({u"<query><x><item><b>1</b></item></x>", open, text, close,
+                             u"<y><item><b>2</b></item></y></query>"})),
+              (Lines{"SearchResults 3"}));
+    EXPECT_EQ(search.Searchresults()->Item(2)->Fields()->Item(1)->FieldData().size(), 1000U);
 }
 
 TEST_F(SearchTest, AKeyIsUsedUnlessItIsEmpty) {

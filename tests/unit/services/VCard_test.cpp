@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/VCard.h"
-#include "tests/unit/services/EventLog.h"
 #include "tests/unit/services/FakeLink.h"
+#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::tests {
 namespace {
@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ReadCase{u"<x><FN>no</FN></x>", &cVcard::FullName, u""}));
 
 TEST(VCard, AResultRaisesTheCardUnderAnyCaseOfItsRoot) {
-    auto log = std::make_shared<EventLog>();
+    auto log = std::make_shared<ServiceLog>();
     auto link = std::make_shared<FakeLink>(log);
     for (StringView root : {u"vCard", u"VCARD", u"vcard"}) {
         HandleVCard(link, StanzaOf(Concat({u"<iq type='result' from='a'><", root,

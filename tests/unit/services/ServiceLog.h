@@ -15,7 +15,7 @@
 
 namespace quorix::tests {
 
-class EventLog : public SessionEvents {
+class ServiceLog : public SessionEvents {
 public:
     std::vector<std::string> Take() { return std::exchange(lines_, {}); }
 
@@ -73,11 +73,6 @@ public:
     }
     void OnOOBResult(StringView from, bool success) override {
         Write({u"OOBResult ", from, success ? u" fetched" : u" failed"});
-    }
-    void OnGCInvite10(StringView roomJid, StringView from, StringView body, StringView subject,
-                      const NodePtr& node) override {
-        Write(
-            {u"GCInvite10 ", roomJid, u" ", from, u" '", body, u"' '", subject, u"' ", node->GetNamespace()});
     }
     void OnGatewayInfo(const NodePtr& node, StringView desc) override {
         Write({u"GatewayInfo ", node->GetNamespace(), u" ", desc});

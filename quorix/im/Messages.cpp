@@ -1,0 +1,54 @@
+#include "quorix/im/Messages.h"
+
+#include "quorix/im/Elements.h"
+#include "quorix/im/Roster.h"
+
+namespace quorix {
+
+namespace {
+
+void RaiseMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
+    auto message = std::make_shared<cMessage>(session, stanza.node);
+    session->Raise(&SessionEvents::OnMessage, message);
+    const bool noBody = message->Body().empty();
+    for (eEvent event : {KV_Composing, KV_Delivered, KV_Displayed, KV_Offline, KV_Cancelled}) {
+        if (!message->getEvent(event)) continue;
+        session->Raise(&SessionEvents::OnMessageEvent, noBody, event, message->FromJid());
+    }
+}
+
+StringView ReportElement(eEvent event) {
+    switch (event) {
+        case KV_Composing: return u"<composing/>";
+        case KV_Displayed: return u"<displayed/>";
+        case KV_Delivered: return u"<delivered/>";
+        default: return {};
+    }
+}
+
+}  // namespace
+
+void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
+    if (stanza.IsError()) {
+        session->Raise(&SessionEvents::OnError, stanza.node, stanza.from, stanza.ErrorCode(),
+                       stanza.ErrorText());
+    } else if (FindExtension(stanza.root, u"jabber:x:roster")) {
+        ParseReceiveRoster(*session, *stanza.node);
+    } else if (XmlNode invitation = FindExtension(stanza.root, u"jabber:x:conference")) {
+        session->Raise(&SessionEvents::OnGCInvite10, invitation.Attribute(u"jid"), stanza.from,
+                       stanza.ChildText(u"body"), stanza.ChildText(u"subject"), stanza.node);
+    } else {
+        RaiseMessage(session, stanza);
+    }
+}
+
+void SendEvent(SessionLink& session, StringView jid, eEvent event, StringView id, bool cancel) {
+    if (!session.IsConnected()) return;
+    String xml = Concat({u"<message to='", jid, u"'><x xmlns='jabber:x:event'>"});
+    if (!cancel) xml += ReportElement(event);
+    if (!id.empty()) xml += Concat({u"<id>", id, u"</id>"});
+    xml += u"</x></message>";
+    session.SendXML(xml);
+}
+
+}  // namespace quorix

@@ -1,0 +1,149 @@
+#include "quorix/im/Presence.h"
+
+#include <array>
+
+#include "quorix/base/Jid.h"
+#include "quorix/base/Number.h"
+#include "quorix/base/modUTF_8.h"
+#include "quorix/im/Elements.h"
+#include "quorix/platform/Environment.h"
+
+namespace quorix {
+
+namespace {
+
+struct PresenceType {
+    StringView name;
+    bool addressedAlways;  // even to nobody
+};
+
+constexpr std::array<PresenceType, 7> kTypes = {{
+    {u"available", false},
+    {u"unavailable", false},
+    {u"subscribe", false},
+    {u"unsubscribe", true},
+    {u"subscribed", true},
+    {u"unsubscribed", true},
+    {u"invisible", false},
+}};
+
+void AddressTo(XmlNode presence, StringView jid, const PresenceType& type) {
+    if (!presence) return;
+    if (type.addressedAlways || !jid.empty()) presence.SetAttribute(u"to", jid);
+    presence.SetAttribute(u"type", type.name);
+}
+
+std::int32_t ShowOf(StringView text, std::int32_t otherwise) {
+    for (std::int32_t show = KV_None; show <= KV_DND; ++show) {
+        if (text == ShowText(show)) return show;
+    }
+    return otherwise;
+}
+
+void Read(cPresenceItem& item, const cXML_Node& stanza) {
+    item.Status(DecodeUTF8(stanza.GetTag(u"status"), true));
+    item.Priority(WireInt16(stanza.GetTag(u"priority")));
+    item.ShowType(static_cast<eShowType>(ShowOf(stanza.GetTag(u"show"), item.ShowType())));
+}
+
+// One presence on its way into the table. `bareJid` is wire text, as the services keep their addresses.
+struct Arrival {
+    const std::shared_ptr<SessionLink>& session;
+    PresenceTable& table;
+    const Stanza& stanza;
+    String bareJid;
+    std::shared_ptr<cPresenceItem> item;
+    bool isNew = true;
+
+    void RaisePresence(bool available, eItemType kind) const {
+        session->Raise(&SessionEvents::OnPresence, item, available, ToString(item->ShowType()), kind,
+                       stanza.node);
+    }
+};
+
+void Appear(const Arrival& arrival) {
+    eItemType kind = arrival.session->FindItemType(arrival.bareJid);
+    if (kind != KV_GroupChatItem && arrival.isNew) arrival.table.Add(arrival.item);
+    arrival.RaisePresence(true, kind);
+}
+
+void Forget(PresenceTable& table, const cPresenceItem& item) {
+    std::int32_t index = table.FindPresence(item.JID(), item.Resource(), true);
+    if (index > 0) table.Remove(index);
+}
+
+void Disappear(const Arrival& arrival) {
+    eItemType kind = arrival.session->FindItemType(arrival.bareJid);
+    bool isRoom = kind == KV_GroupChatItem;
+    if (isRoom && arrival.session->LeaveRoom(arrival.bareJid, arrival.item->Resource())) return;
+    if (!isRoom) Forget(arrival.table, *arrival.item);
+    arrival.RaisePresence(false, kind);
+}
+
+void RaiseSubscription(SessionLink& session, StringView type, const cPresenceItem& item) {
+    using Events = SessionEvents;
+    const String jid = item.JID();
+    const String status = item.Status();
+    if (type == u"subscribe") session.Raise(&Events::OnSubscriptionRequest, jid, KV_Subscribe, status);
+    if (type == u"unsubscribe") session.Raise(&Events::OnSubscriptionRequest, jid, KV_UnSubscribe, status);
+    if (type == u"subscribed") session.Raise(&Events::OnSubscriptionAccept, jid, status);
+    if (type == u"unsubscribed") session.Raise(&Events::OnSubscriptionDenied, jid, status);
+}
+
+}  // namespace
+
+void SendMyPresence(SessionLink& session, StringView status, std::int32_t show, std::int16_t priority) {
+    String xml = u"<presence>";
+    if (!status.empty()) xml += Concat({u"<status>", EncodeUTF8(status, true), u"</status>"});
+    StringView showText = ShowText(show);
+    if (!showText.empty()) xml += Concat({u"<show>", showText, u"</show>"});
+    xml += Concat({u"<priority>", ToString(priority), u"</priority></presence>"});
+    session.SendXML(xml);
+}
+
+void SendPresence(SessionLink& session, StringView jid, std::int32_t subType, StringView status) {
+    cXML_Node presence;
+    presence.xml(Concat({u"<presence><status>", EncodeUTF8(status, true), u"</status></presence>"}));
+    bool isKnown = subType >= KV_Available && subType <= KV_Invisible;
+    if (isKnown) AddressTo(presence.Root(), jid, kTypes[static_cast<std::size_t>(subType)]);
+    session.SendXML(presence.xml());
+    Environment::Current().DoEvents();
+}
+
+void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& table, const Stanza& stanza) {
+    const StringView type = Trim(stanza.type);
+    const bool isAvailable = type.empty() || type == u"available";
+    const bool isUnavailable = type == u"unavailable";
+    const String bareJid = ToLower(RemoveResource(stanza.from));
+    const String resource = GetResource(stanza.from);
+
+    // A presence from a bare address finds the contact's primary entry, and takes it over on purpose: such a
+    // sender has one presence, whatever it called its resource before. Presences about subscriptions and
+    // errors tell nothing about availability, so they get an item of their own.
+    std::int32_t index = table.FindPresence(DecodeUTF8(bareJid, true), DecodeUTF8(resource, true), true);
+    bool isKnown = index > 0 && (isAvailable || isUnavailable);
+    auto item = isKnown ? table.Item(index) : std::make_shared<cPresenceItem>();
+
+    item->SetSession(session);
+    item->JID(bareJid);
+    item->Resource(resource);
+    Read(*item, *stanza.node);
+
+    const Arrival arrival{session, table, stanza, bareJid, item, !isKnown};
+    if (isAvailable) return Appear(arrival);
+    if (isUnavailable) return Disappear(arrival);
+    RaiseSubscription(*session, type, *item);
+}
+
+void ParsePresenceList(SessionLink& session, const Stanza& stanza) {
+    session.Raise(&SessionEvents::OnWhoisOnlineStart);
+    for (const XmlNode& presence : ElementsNamed(stanza.root, u"presence")) {
+        auto item = std::make_shared<cPresenceItem>();
+        item->JID(presence.Attribute(u"from"));
+        item->Status(DecodeUTF8(presence.Child(u"status").Text(), true));
+        session.Raise(&SessionEvents::OnWhoisOnlineUser, item);
+    }
+    session.Raise(&SessionEvents::OnWhoisOnlineEnd);
+}
+
+}  // namespace quorix

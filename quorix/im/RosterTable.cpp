@@ -1,0 +1,108 @@
+#include "quorix/im/RosterTable.h"
+
+#include <utility>
+
+#include "quorix/base/Jid.h"
+#include "quorix/base/Number.h"
+#include "quorix/base/modUTF_8.h"
+#include "quorix/im/Elements.h"
+
+namespace quorix {
+
+namespace {
+
+enum class EmptyGroups { Keep, Skip };
+
+void AddGroups(cRosterItem& item, const XmlNode& element, EmptyGroups empty) {
+    for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
+        if (!child.Is(u"group")) continue;
+        String name = child.Text();
+        if (!name.empty() || empty == EmptyGroups::Keep) item.AddGroup(DecodeUTF8(name, true));
+    }
+}
+
+// The application gets a copy: what it does to it must not touch the stanza that others still read.
+NodePtr CopyOf(const XmlNode& element) {
+    auto copy = std::make_shared<cXML_Node>();
+    copy->xml(element.Xml());
+    return copy;
+}
+
+}  // namespace
+
+void RosterIndex::Learn(Sequence sequence, const cRosterItem& item) {
+    byFoldedJid_[ToLower(item.JID())].emplace(item.JID(), sequence);
+}
+
+void RosterIndex::Forget(Sequence sequence, const cRosterItem& item) {
+    auto found = byFoldedJid_.find(ToLower(item.JID()));
+    found->second.erase({item.JID(), sequence});
+    if (found->second.empty()) byFoldedJid_.erase(found);
+}
+
+Sequence RosterIndex::Find(StringView jid) const {
+    auto found = byFoldedJid_.find(ToLower(jid));
+    return found == byFoldedJid_.end() ? 0 : FirstOf(found->second, String(jid));
+}
+
+std::int16_t RosterTable::FindRosterItem(StringView jid) const {
+    Sequence found = GetIndex().Find(jid);
+    return found ? ToInt16(IndexOf(found)) : std::int16_t{0};
+}
+
+void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const PresenceTable& presences,
+                              const Stanza& stanza) {
+    if (!stanza.IsResult() && !stanza.IsSet()) return;
+    if (!std::exchange(inProgress_, true)) session->Raise(&SessionEvents::OnRosterBegin);
+    try {
+        for (const XmlNode& element : ElementsNamed(stanza.root, u"item")) {
+            std::shared_ptr<cRosterItem> item = Apply(session, element);
+            String bareJid = DecodeUTF8(ToLower(RemoveResource(item->JID())), true);
+            session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid), CopyOf(element));
+        }
+    } catch (const AutomationError&) {
+        // A group named twice. The contacts behind it are lost, as the server's own list is in doubt.
+    }
+    inProgress_ = false;
+    session->Raise(&SessionEvents::OnRosterEnd);
+}
+
+std::shared_ptr<cRosterItem> RosterTable::Apply(const std::shared_ptr<SessionLink>& session,
+                                                const XmlNode& element) {
+    if (Sequence known = GetIndex().Find(element.Attribute(u"jid"))) {
+        std::shared_ptr<cRosterItem> item = At(known);
+        Update(*item, element);
+        if (item->Subscription() == KV_Remove) Remove(IndexOf(known));
+        return item;
+    }
+    auto item = std::make_shared<cRosterItem>();
+    item->SetSession(session);
+    Fill(*item, element);
+    Add(item);
+    return item;
+}
+
+void RosterTable::Fill(cRosterItem& item, const XmlNode& element) {
+    item.JID(element.Attribute(u"jid"));
+    String name = element.HasAttribute(u"name") ? element.Attribute(u"name") : ToLower(item.JID());
+    item.NickName(DecodeUTF8(name, true));
+    ReadState(item, element);
+    AddGroups(item, element, EmptyGroups::Keep);
+}
+
+// A contact that stays keeps the name it is shown under, whatever the server says; one that goes takes the
+// server's.
+void RosterTable::Update(cRosterItem& item, const XmlNode& element) {
+    ReadState(item, element);
+    if (item.Subscription() == KV_Remove) item.NickName(DecodeUTF8(element.Attribute(u"name"), true));
+    if (!element.FirstChild()) return;
+    item.RemoveAllGroups();
+    AddGroups(item, element, EmptyGroups::Skip);
+}
+
+void RosterTable::ReadState(cRosterItem& item, const XmlNode& element) {
+    if (element.HasAttribute(u"ask")) item.ask_ = element.Attribute(u"ask");
+    item.Subscription(SubscriptionOf(element.Attribute(u"subscription")));
+}
+
+}  // namespace quorix

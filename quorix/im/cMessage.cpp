@@ -1,0 +1,188 @@
+#include "quorix/im/cMessage.h"
+
+#include <array>
+#include <set>
+#include <utility>
+
+#include "quorix/base/Jid.h"
+#include "quorix/base/modUTF_8.h"
+#include "quorix/im/Elements.h"
+#include "quorix/im/Xhtml.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr StringView kEnvelope = u"jabber:x:envelope";
+constexpr std::array<StringView, 4> kTypeNames = {u"normal", u"chat", u"headline", u"groupchat"};
+constexpr std::array<StringView, 4> kEventNames = {u"offline", u"composing", u"displayed", u"delivered"};
+
+// "" outside the list.
+template <std::size_t N>
+StringView NameOf(const std::array<StringView, N>& names, std::int32_t value) {
+    bool isListed = value >= 0 && value < static_cast<std::int32_t>(N);
+    return isListed ? names[static_cast<std::size_t>(value)] : StringView();
+}
+
+bool Lists(const XmlNode& list, StringView jid) {
+    for (XmlNode entry = list.FirstElement(); entry; entry = entry.NextElement()) {
+        if (EqualsIgnoringCase(entry.Attribute(u"jid"), jid)) return true;
+    }
+    return false;
+}
+
+XmlNode AppendRecipient(XmlNode list, StringView kind, StringView jid) {
+    XmlNode entry = list.AppendElement(kind);
+    entry.SetAttribute(u"jid", jid);
+    return entry;
+}
+
+}  // namespace
+
+std::shared_ptr<cMessage> cMessage::Create(const std::shared_ptr<SessionLink>& session) {
+    auto node = std::make_shared<cXML_Node>();
+    node->xml(u"<message id='' type='' to='' from=''></message>");
+    // Set, not spliced into the text: a resource such as "Tom's desk" must not break the element.
+    node->Root().SetAttribute(u"id", session->GetNextID());
+    node->Root().SetAttribute(u"from", Concat({session->MyJid(), u"/", session->Resource()}));
+    return std::make_shared<cMessage>(session, std::move(node));
+}
+
+cMessage::cMessage(const std::shared_ptr<SessionLink>& session, NodePtr node)
+    : node_(std::move(node)), session_(session) {}
+
+String cMessage::FromJid() const {
+    String from = Root().Attribute(u"from");
+    return Concat({ToLower(RemoveResource(from)), u"/", GetResource(from)});
+}
+
+eMsgType cMessage::MSG_Type() const {
+    String name = Root().Attribute(u"type");
+    if (name.empty()) return MSG_Normal;
+    for (std::int32_t type = MSG_Normal; type < MSG_UnKnown; ++type) {
+        if (name == NameOf(kTypeNames, type)) return static_cast<eMsgType>(type);
+    }
+    return MSG_UnKnown;
+}
+
+void cMessage::MSG_Type(eMsgType value) {
+    StringView name = NameOf(kTypeNames, value);
+    if (!name.empty()) Root().SetAttribute(u"type", name);
+}
+
+void cMessage::SendMessage() const {
+    std::shared_ptr<SessionLink> session = RequireSession(session_);
+    if (!HasCC()) return session->SendXML(xml());
+    const Recipients recipients = ListedRecipients();  // before a handler sees the message and may change it
+    session->SendXML(xml());
+    for (const String& jid : recipients.all) session->SendXML(CopyFor(session, jid, recipients)->xml());
+}
+
+cMessage::Recipients cMessage::ListedRecipients() const {
+    Recipients recipients;
+    std::set<String> seen;
+    XmlNode list = Extension(kEnvelope);
+    for (XmlNode entry = list.FirstElement(); entry; entry = entry.NextElement()) {
+        if (!entry.Is(u"cc") && !entry.Is(u"bcc")) continue;
+        recipients.all.push_back(entry.Attribute(u"jid"));
+        bool isNew = entry.Is(u"cc") && seen.insert(ToLower(recipients.all.back())).second;
+        if (isNew) recipients.visible.push_back(recipients.all.back());
+    }
+    return recipients;
+}
+
+std::shared_ptr<cMessage> cMessage::CopyFor(const std::shared_ptr<SessionLink>& session, StringView jid,
+                                            const Recipients& recipients) const {
+    std::shared_ptr<cMessage> copy = CreateMessage(session, jid, MSG_Type(), Body(), Subject());
+    XmlNode list = copy->AppendExtension(kEnvelope);
+    for (const String& visible : recipients.visible) {
+        XmlNode entry = AppendRecipient(list, u"cc", visible);
+        if (visible == ToJID()) entry.Text(u"Original Recipient");
+    }
+    return copy;
+}
+
+void cMessage::AddEvent(eEvent event) {
+    StringView name = NameOf(kEventNames, event);
+    if (!name.empty()) NeedExtension(u"jabber:x:event").AppendElement(name);
+}
+
+bool cMessage::getEvent(eEvent event) const {
+    StringView name = NameOf(kEventNames, event);
+    return !name.empty() && Extension(u"jabber:x:event").Child(name);
+}
+
+String cMessage::XHTML() const {
+    String markup = DecodeUTF8(BodyMarkup(FindElement(Root(), u"html", kXhtml)), true);
+    return filterCriticalXHTML_ && HoldsCriticalMarkup(markup) ? String() : markup;
+}
+
+void cMessage::XHTML(StringView value) {
+    auto body = XmlDocument::Create();
+    if (!body->Load(Concat({u"<body>", EncodeUTF8(value, false), u"</body>"}))) return;
+    XmlNode html = Root().AppendElement(u"html");
+    html.SetAttribute(u"xmlns", kXhtml);
+    html.AppendChild(body->Root());
+}
+
+String cMessage::TextRtf() const { return TagIn(u"jabber:x:rtf", u"richtext"); }
+
+void cMessage::TextRtf(StringView value) {
+    AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(EncodeUTF8(value, false));
+}
+
+String cMessage::Stamp() const { return Extension(u"jabber:x:delay").Attribute(u"stamp"); }
+String cMessage::URL() const { return TagIn(u"jabber:x:oob", u"url"); }
+String cMessage::desc() const { return TagIn(u"jabber:x:oob", u"desc"); }
+
+void cMessage::AddRoster(const std::shared_ptr<cRosterItem>& item) {
+    if (!item) throw AutomationError(ERR_ObjectNotSet);
+    XmlNode list = NeedExtension(u"jabber:x:roster");
+    if (Lists(list, item->JID())) return;
+    XmlNode entry = list.AppendElement(u"item");
+    entry.SetAttribute(u"jid", item->JID());
+    entry.SetAttribute(u"name", EncodeUTF8(item->NickName(), false));
+}
+
+void cMessage::AddCopy(StringView kind, StringView jid) {
+    XmlNode list = NeedExtension(kEnvelope);
+    if (!Lists(list, jid)) AppendRecipient(list, kind, jid);
+}
+
+String cMessage::ChildText(StringView name) const { return DecodeUTF8(Root().Child(name).Text(), true); }
+
+void cMessage::ChildText(StringView name, StringView value) {
+    if (value.empty()) return;
+    XmlNode child = Root().Child(name);
+    if (!child) child = Root().AppendElement(name);
+    child.Text(EncodeUTF8(value, false));
+}
+
+XmlNode cMessage::Extension(StringView xmlns) const { return FindExtension(Root(), xmlns); }
+
+XmlNode cMessage::AppendExtension(StringView xmlns) {
+    XmlNode extension = Root().AppendElement(u"x");
+    extension.SetAttribute(u"xmlns", xmlns);
+    return extension;
+}
+
+XmlNode cMessage::NeedExtension(StringView xmlns) {
+    XmlNode extension = Extension(xmlns);
+    return extension ? extension : AppendExtension(xmlns);
+}
+
+String cMessage::TagIn(StringView xmlns, StringView tag) const {
+    return node_->GetTag(tag, {Extension(xmlns)});
+}
+
+std::shared_ptr<cMessage> CreateMessage(const std::shared_ptr<SessionLink>& session, StringView toJid,
+                                        eMsgType type, StringView body, StringView subject) {
+    std::shared_ptr<cMessage> message = cMessage::Create(session);
+    message->ToJID(toJid);
+    message->MSG_Type(type);
+    message->Body(body);
+    message->Subject(subject);
+    return message;
+}
+
+}  // namespace quorix

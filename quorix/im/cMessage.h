@@ -1,0 +1,149 @@
+// One message, read and written in place: the object is the stanza.
+//
+// cSession::CreateMessage makes one to send; OnMessage hands over those that arrive, over the node that is
+// theirs. Addresses, ids and threads are wire text and stored as given; nothing is validated. Writing to a
+// message whose node the application has emptied raises error 91.
+//
+// Ownership: a message shares its node; it does not keep its session alive.
+// Threads: one session and all its records belong to the thread that created the session.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "quorix/base/String.h"
+#include "quorix/im/cRosterItem.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/xml/cXML_Node.h"
+
+namespace quorix {
+
+// What the message is (the `type` attribute, RFC 3921 section 2.1.1).
+enum eMsgType : std::int32_t {
+    MSG_Normal = 0,
+    MSG_Chat = 1,
+    MSG_Headline = 2,
+    MSG_GroupChat = 3,
+    MSG_UnKnown = 4,  // any other text, on reading only
+};
+
+// What becomes of a message (jabber:x:event, XEP-0022).
+enum eEvent : std::int32_t {
+    KV_Offline = 0,
+    KV_Composing = 1,
+    KV_Displayed = 2,
+    KV_Delivered = 3,
+    KV_Cancelled = 4,  // no element: an event message without one withdraws a former event
+};
+
+class cMessage {
+public:
+    // A new message: the next id, no recipient, no type, from the local user's full address.
+    static std::shared_ptr<cMessage> Create(const std::shared_ptr<SessionLink>& session);
+
+    cMessage(const std::shared_ptr<SessionLink>& session, NodePtr node);
+
+    String ID() const { return Root().Attribute(u"id"); }
+    void ID(StringView value) { Root().SetAttribute(u"id", value); }
+    String ToJID() const { return Root().Attribute(u"to"); }
+    void ToJID(StringView value) { Root().SetAttribute(u"to", value); }
+
+    // Reads as the bare address in lower case, "/", and the resource as sent; the "/" is always there. Split
+    // it with cSession::RemoveResource and GetResource.
+    String FromJid() const;
+    void FromJid(StringView value) { Root().SetAttribute(u"from", value); }
+
+    // A missing type reads as MSG_Normal. Writing MSG_UnKnown, or any value outside the list, does nothing.
+    eMsgType MSG_Type() const;
+    void MSG_Type(eMsgType value);
+
+    // Text. Writing "" does nothing. A text with a character of U+8000 or above arrives with "?" for each
+    // character above 255.
+    String Body() const { return ChildText(u"body"); }
+    void Body(StringView value) { ChildText(u"body", value); }
+    String Subject() const { return ChildText(u"subject"); }
+    void Subject(StringView value) { ChildText(u"subject", value); }
+
+    // Writing appends a further element; the first one is read.
+    String Thread() const { return Root().Child(u"thread").Text(); }
+    void Thread(StringView value) { Root().AppendElement(u"thread").Text(value); }
+
+    // The whole element. Wire text.
+    String xml() const { return node_->xml(); }
+
+    // Sends the message, and a copy to each address of AddCC and AddBCC once there is at least one AddCC. Not
+    // connected, nothing happens. Error 91 without a session.
+    void SendMessage() const;
+
+    // -- Events (jabber:x:event, XEP-0022) --
+
+    // Asks the recipient to report `event`. KV_Cancelled and values outside the list do nothing.
+    void AddEvent(eEvent event);
+    // Whether the message asks for `event` or, sent as a report, is about it.
+    bool getEvent(eEvent event) const;
+
+    // -- Formatted text --
+
+    // The content of an XHTML body (XEP-0071), as markup in text. Reads "" when it holds one of the openings
+    // that FilterCriticalXHTML bars. Markup that is not well-formed is not written; writing again appends a
+    // further body, and the first one is read.
+    String XHTML() const;
+    void XHTML(StringView value);
+
+    // Whether XHTML hides markup with <script, <object, <form, <php, <img, <iframe or <applet, in any case
+    // and also when encoded with entities. Names with a prefix pass, attributes and addresses are not looked
+    // at: show the markup of strangers in a viewer that runs nothing. True at first.
+    bool FilterCriticalXHTML() const { return filterCriticalXHTML_; }
+    void FilterCriticalXHTML(bool value) { filterCriticalXHTML_ = value; }
+
+    // Rich text (jabber:x:rtf). Written as text, read as wire text. Writing again appends; the first is read.
+    String TextRtf() const;
+    void TextRtf(StringView value);
+
+    // -- What else a message can carry --
+
+    // When it was stored for an absent recipient, as "yyyymmddThh:mm:ss" in UTC (jabber:x:delay, XEP-0091).
+    String Stamp() const;
+    // A link and its description (jabber:x:oob, XEP-0066). Wire text.
+    String URL() const;
+    String desc() const;
+
+    // Encloses a contact (jabber:x:roster, XEP-0093), once for each address, ASCII case aside. Error 91 for
+    // null.
+    void AddRoster(const std::shared_ptr<cRosterItem>& item);
+
+    // Names a further recipient (jabber:x:envelope). One that is listed already, ASCII case aside, is not
+    // listed again. The message itself goes out with the whole list, AddBCC's included; see
+    // docs/messaging.md.
+    void AddCC(StringView jid) { AddCopy(u"cc", jid); }
+    void AddBCC(StringView jid) { AddCopy(u"bcc", jid); }
+    bool HasCC() const { return node_->TagExists(u"cc"); }
+
+private:
+    struct Recipients {
+        std::vector<String> all;      // of both kinds, in the order of the list
+        std::vector<String> visible;  // those that every copy names
+    };
+
+    XmlNode Root() const { return node_->Root(); }
+    String ChildText(StringView name) const;
+    void ChildText(StringView name, StringView value);
+    XmlNode Extension(StringView xmlns) const;
+    XmlNode AppendExtension(StringView xmlns);
+    XmlNode NeedExtension(StringView xmlns);
+    String TagIn(StringView xmlns, StringView tag) const;
+    void AddCopy(StringView kind, StringView jid);
+    Recipients ListedRecipients() const;
+    std::shared_ptr<cMessage> CopyFor(const std::shared_ptr<SessionLink>& session, StringView jid,
+                                      const Recipients& recipients) const;
+
+    NodePtr node_;
+    std::weak_ptr<SessionLink> session_;
+    bool filterCriticalXHTML_ = true;
+};
+
+// A message with these values, as cSession::CreateMessage returns it. `body` and `subject` are text.
+std::shared_ptr<cMessage> CreateMessage(const std::shared_ptr<SessionLink>& session, StringView toJid,
+                                        eMsgType type, StringView body, StringView subject);
+
+}  // namespace quorix

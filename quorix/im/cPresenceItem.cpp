@@ -1,0 +1,18 @@
+#include "quorix/im/cPresenceItem.h"
+
+#include <array>
+
+#include "quorix/base/modUTF_8.h"
+
+namespace quorix {
+
+StringView ShowText(std::int32_t show) {
+    static constexpr std::array<StringView, 5> kTexts = {u"", u"chat", u"away", u"xa", u"dnd"};
+    return show >= KV_None && show <= KV_DND ? kTexts[static_cast<std::size_t>(show)] : StringView();
+}
+
+// Decoding once here spares it at every look-up; the wire form is never asked for again.
+void cPresenceItem::JID(StringView value) { Assign(jid_, DecodeUTF8(value, true)); }
+void cPresenceItem::Resource(StringView value) { Assign(resource_, DecodeUTF8(value, true)); }
+
+}  // namespace quorix

@@ -1,0 +1,63 @@
+// What is known of one contact at one place: where, in which mood, and how willing to be reached there.
+//
+// Ownership: the session's presence table shares its entries with the application, which may keep and change
+// them; an entry is updated in place, so what is kept changes with the contact.
+// Threads: one session and all its records belong to the thread that created the session.
+#pragma once
+
+#include <memory>
+
+#include "quorix/base/String.h"
+#include "quorix/im/RecordTable.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/link/eShowType.h"
+
+namespace quorix {
+
+// What a presence says (the `type` attribute, RFC 3921 section 2.2.1; "invisible" is an old extension).
+enum eSubType : std::int32_t {
+    KV_Available = 0,
+    KV_UnAvailable = 1,
+    KV_Subscribe = 2,
+    KV_UnSubscribe = 3,
+    KV_Subscribe_Accept = 4,
+    KV_Subscribe_Deny = 5,
+    KV_Invisible = 6,
+};
+
+// The text of the `show` element; "" for KV_None and for any other value.
+StringView ShowText(std::int32_t show);
+
+class cPresenceItem : public WatchedRecord {
+public:
+    // The bare address in lower case, and the resource as sent. Both setters take wire text, both getters
+    // return text. Nothing is validated.
+    String JID() const { return jid_; }
+    void JID(StringView value);
+    String Resource() const { return resource_; }
+    void Resource(StringView value);
+
+    // Text.
+    String Status() const { return status_; }
+    void Status(StringView value) { status_ = value; }
+
+    // Kept in 16 bits.
+    eShowType ShowType() const { return static_cast<eShowType>(showType_); }
+    void ShowType(eShowType value) { showType_ = static_cast<std::int16_t>(value); }
+
+    // -32768 to 32767; the greatest one names the contact's primary resource, a negative one never does.
+    std::int16_t Priority() const { return priority_; }
+    void Priority(std::int16_t value) { Assign(priority_, value); }
+
+    void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
+
+private:
+    String jid_;
+    String resource_;
+    String status_;
+    std::int16_t showType_ = KV_None;
+    std::int16_t priority_ = 0;
+    std::weak_ptr<SessionLink> session_;
+};
+
+}  // namespace quorix

@@ -1,0 +1,84 @@
+#include "tests/real/Kinds.h"
+
+namespace quorix::real {
+namespace {
+
+constexpr const char* kSettings = R"(
+hosts: [localhost]
+loglevel: warning
+log_rotate_count: 0
+language: en
+auth_method: internal
+auth_password_format: plain
+disable_sasl_mechanisms: []
+acme: {auto: false}
+acl:
+  loopback: {ip: [127.0.0.0/8]}
+access_rules:
+  everybody: {allow: all}
+  loopback: {allow: loopback}
+shaper_rules:
+  max_user_offline_messages: 1000
+modules:
+  mod_disco: {}
+  mod_last: {}
+  mod_legacy_auth: {}
+  mod_muc:
+    access: everybody
+    access_create: everybody
+    access_persistent: everybody
+    default_room_options: {persistent: false}
+  mod_offline: {access_max_user_messages: max_user_offline_messages}
+  mod_ping: {}
+  mod_private: {}
+  mod_register:
+    access: everybody
+    ip_access: loopback
+    password_strength: 0
+  mod_roster: {versioning: false}
+  mod_time: {}
+  mod_vcard: {search: true}
+  mod_version: {show_os: false}
+registration_timeout: infinity
+listen:
+)";
+
+std::string Listener(int port, const std::string& more) {
+    return "  - {port: " + std::to_string(port) +
+           ", ip: 127.0.0.1, module: ejabberd_c2s, access: everybody, " +
+           "shaper: none, max_stanza_size: infinity" + more + "}\n";
+}
+
+class Ejabberd : public RealServer {
+public:
+    explicit Ejabberd(const Certificate* certificate) : RealServer("ejabberd", certificate) {}
+
+private:
+    void Configure() override {
+        std::string settings = kSettings + Listener(Port(), "");
+        if (TlsPort() != 0) {
+            settings += Listener(TlsPort(), ", tls: true");
+            settings += "certfiles: [" + OwnCertificate().chain.string() + ", " +
+                        OwnCertificate().key.string() + "]\n";
+        }
+        Write("ejabberd.yml", settings);
+    }
+
+    // A node without a name talks to no other, and leaves no port mapper behind.
+    void Launch() override {
+        Run({"erl", "-noinput", "-start_epmd", "false", "-mnesia", "dir", "\"" + File("mnesia") + "\"", "-s",
+             "ejabberd"},
+            {{"ERL_LIBS", QUORIX_ERLANG_LIBRARIES},
+             {"EJABBERD_CONFIG_PATH", File("ejabberd.yml")},
+             {"EJABBERD_LOG_PATH", File("ejabberd.log")},
+             {"ERL_CRASH_DUMP", "/dev/null"}});
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<RealServer> MakeEjabberd(const Certificate* certificate) {
+    return std::make_unique<Ejabberd>(certificate);
+}
+
+}  // namespace quorix::real

@@ -1,0 +1,115 @@
+#include "tests/real/RealServer.h"
+
+#include <pwd.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/real/Loopback.h"
+
+namespace quorix::real {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+constexpr auto kPatience = 30s;
+
+fs::path TemporaryFolder() {
+    std::string name = fs::temp_directory_path() / "quorix-server-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("No temporary folder: " + name);
+    return name;
+}
+
+std::string Contents(const fs::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
+bool AnswersHeader(int port) {
+    try {
+        Connection connection(port);
+        connection.Send(kStreamHeader);
+        return connection.ReceiveUntil("<stream:stream").find(" id=") != std::string::npos;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+RealServer::RealServer(std::string user, const Certificate* certificate)
+    : user_(std::move(user)),
+      folder_(TemporaryFolder()),
+      port_(FreePort()),
+      tls_port_(certificate == nullptr ? 0 : FreePort()) {
+    if (certificate == nullptr) return;
+    certificate_ = {folder_ / "chain.pem", folder_ / "key.pem"};
+    fs::copy_file(certificate->chain, certificate_.chain);
+    fs::copy_file(certificate->key, certificate_.key);
+}
+
+RealServer::~RealServer() {
+    Kill();
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+void RealServer::Start() {
+    if (!processes_.empty()) return;
+    if (!configured_) Configure();
+    configured_ = true;
+    GiveToUser();
+    Launch();
+    Await("an answer to a stream header", [this] { return AnswersHeader(port_); });
+}
+
+void RealServer::Write(const std::string& name, const std::string& text) const {
+    if (!(std::ofstream(folder_ / name) << text)) throw std::runtime_error("Cannot write " + File(name));
+}
+
+void RealServer::Run(std::vector<std::string> command, std::map<std::string, std::string> environment) {
+    environment["HOME"] = folder_;
+    processes_.push_back(std::make_unique<Process>(
+        ProcessSetup{std::move(command), std::move(environment), folder_, File("output.log"), user_}));
+}
+
+void RealServer::Await(const std::string& what, const std::function<bool()>& reached) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!reached()) {
+        for (const auto& process : processes_) {
+            if (!process->Running()) Fail("A program of the server ended while waiting for " + what);
+        }
+        if (std::chrono::steady_clock::now() > end) Fail("Waited too long for " + what);
+        std::this_thread::sleep_for(50ms);
+    }
+}
+
+void RealServer::Fail(const std::string& what) const {
+    std::string message = what;
+    for (const auto& file : fs::directory_iterator(folder_)) {
+        if (file.path().extension() == ".log")
+            message += "\n" + file.path().string() + ":\n" + Contents(file);
+    }
+    throw std::runtime_error(message);
+}
+
+void RealServer::GiveToUser() const {
+    const passwd* account = geteuid() == 0 ? getpwnam(user_.c_str()) : nullptr;
+    if (account == nullptr) return;
+    auto give = [account](const fs::path& path) {
+        if (lchown(path.c_str(), account->pw_uid, account->pw_gid) != 0) {
+            throw std::runtime_error("Cannot give away " + path.string());
+        }
+    };
+    give(folder_);
+    for (const auto& file : fs::recursive_directory_iterator(folder_)) give(file);
+}
+
+}  // namespace quorix::real

@@ -1,0 +1,242 @@
+// The socket on the system's own sockets and message loop.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "quorix/net/mSocketSSL.h"
+#include "quorix/platform/MessageLoop.h"
+#include "tests/real/net/Process.h"
+#include "tests/unit/net/SocketRecorder.h"
+
+namespace quorix::testing_real {
+namespace {
+
+using testing_net::Log;
+using testing_net::SocketRecorder;
+
+// A listener that hands its next connection to `server`, and a client.
+class Loopback : public ::testing::Test {
+protected:
+    Loopback() {
+        listener->on["request"] = [this] {
+            server->socket->Accept(AcceptConnection(listener->socket->SocketHandle()));
+        };
+        listener->socket->Listen();
+        client->socket->RemoteHost(u"localhost");
+        client->socket->RemotePort(listener->socket->LocalPort());
+    }
+
+    void Establish() {
+        client->socket->Connect();
+        ASSERT_TRUE(RunUntil([&] { return client->log.size() >= 2 && !server->log.empty(); }));
+        EXPECT_EQ(client->TakeLog(), (Log{"connect", "sent"}));
+        EXPECT_EQ(server->TakeLog(), Log{"sent"});
+    }
+
+    std::shared_ptr<SocketRecorder> listener = SocketRecorder::Create();
+    std::shared_ptr<SocketRecorder> server = SocketRecorder::Create();
+    std::shared_ptr<SocketRecorder> client = SocketRecorder::Create();
+};
+
+double CpuSeconds() {
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    auto seconds = [](const timeval& time) { return double(time.tv_sec) + double(time.tv_usec) / 1e6; };
+    return seconds(used.ru_utime) + seconds(used.ru_stime);
+}
+
+// Lets the loop run for a while and returns the processor time it took.
+double CostOfWaiting() {
+    double before = CpuSeconds();
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+    RunUntil([&] { return std::chrono::steady_clock::now() > end; });
+    return CpuSeconds() - before;
+}
+
+TEST_F(Loopback, CarriesBytesBothWaysAndClosesInOrder) {
+    Establish();
+    EXPECT_EQ(client->socket->RemoteHost(), u"127.0.0.1");
+    EXPECT_EQ(client->socket->RemotePort(), listener->socket->LocalPort());
+    EXPECT_EQ(client->socket->LocalIP(), u"127.0.0.1");
+    client->socket->SendData(u"ping");
+    ASSERT_TRUE(RunUntil([&] { return !server->log.empty(); }));
+    server->socket->SendData(u"pong");
+    server->socket->Disconnect();
+    ASSERT_TRUE(RunUntil([&] { return client->log.size() >= 2; }));
+    EXPECT_EQ(server->log, Log{"data:ping"});
+    EXPECT_EQ(client->log, (Log{"data:pong", "closed"}));
+}
+
+TEST_F(Loopback, RefusalsAndUnknownHostsAreReportedThroughTheLoop) {
+    listener->socket->Disconnect();
+    client->socket->Connect();
+    EXPECT_EQ(client->log, Log());
+    ASSERT_TRUE(RunUntil([&] { return !client->log.empty(); }));
+    EXPECT_EQ(client->TakeLog(), Log{"error:10061:Connection refused."});
+    client->socket->RemoteHost(u"no-such-host.invalid");
+    client->socket->Connect();
+    EXPECT_EQ(client->log, Log{"error:100:No valid Hostaddress"});
+}
+
+// A full backlog leaves further connections without an answer.
+TEST_F(Loopback, APeerThatDoesNotAnswerIsATimeout) {
+    for (bool secure : {false, true}) {
+        auto full = SocketRecorder::Create();
+        full->socket->Listen();
+        std::vector<std::shared_ptr<SocketRecorder>> waiting;
+        for (int i = 0; i < 8; ++i) {
+            waiting.push_back(SocketRecorder::Create());
+            waiting.back()->socket->RemoteHost(u"127.0.0.1");
+            waiting.back()->socket->RemotePort(full->socket->LocalPort());
+            waiting.back()->socket->Connect();
+        }
+        client->socket->RemotePort(full->socket->LocalPort());
+        client->socket->SSLEnable(secure);
+        client->socket->TimeOut(200);
+        client->socket->Connect();
+        ASSERT_TRUE(RunUntil([&] { return !client->log.empty(); }));
+        EXPECT_EQ(client->TakeLog(), Log{"error:0:Timeout"}) << secure;
+        EXPECT_EQ(client->socket->State(), sockClosed);
+    }
+}
+
+TEST_F(Loopback, AResetIsAClosing) {
+    Establish();
+    client->socket->SendData(u"unread");  // closing with unread data resets the connection
+    server->on["data"] = [&] { server->socket->Disconnect(); };
+    client->socket->SendBytes(std::string(5000, 'x'));
+    ASSERT_TRUE(RunUntil([&] { return !client->log.empty(); }));
+    EXPECT_EQ(client->log, Log{"closed"});
+    client->socket->SendData(u"nobody takes this, and no signal is raised");
+    EXPECT_TRUE(RunUntil([&] { return true; }));
+    EXPECT_EQ(client->log, Log{"closed"});
+}
+
+TEST_F(Loopback, WhatNobodyServesCostsNoTime) {
+    Establish();
+    auto ignored = SocketRecorder::Create();
+    listener->on.clear();  // a connection waits, and nobody accepts it
+    ignored->socket->RemoteHost(u"127.0.0.1");
+    ignored->socket->RemotePort(listener->socket->LocalPort());
+    ignored->socket->Connect();
+    server->socket->Disconnect();  // a closed connection is kept open on this side
+    ASSERT_TRUE(RunUntil([&] { return client->log == Log{"closed"} && !ignored->log.empty(); }));
+    EXPECT_LT(CostOfWaiting(), 0.1);
+    EXPECT_EQ(std::count(listener->log.begin(), listener->log.end(), "request"), 2);
+}
+
+TEST_F(Loopback, ALateByteFindsNoSocketUnderTheSameNumber) {
+    Establish();
+    server->socket->SendData(u"late");
+    SocketId number = client->socket->SocketHandle();
+    client->socket->Disconnect();
+    auto next = SocketRecorder::Create();
+    next->socket->RemoteHost(u"127.0.0.1");
+    next->socket->RemotePort(listener->socket->LocalPort());
+    next->socket->Connect();
+    EXPECT_EQ(next->socket->SocketHandle(), number);
+    ASSERT_TRUE(RunUntil([&] { return next->log.size() >= 2; }));
+    EXPECT_EQ(next->log, (Log{"connect", "sent"}));
+    EXPECT_EQ(client->log, Log());
+}
+
+TEST_F(Loopback, APumpInsideAHandlerDelivers) {
+    Establish();
+    server->on["data"] = [&] {
+        if (server->received != "question") return;
+        server->socket->SendData(u"answer");
+        EXPECT_TRUE(RunUntil([&] { return server->received == "question!"; }));
+    };
+    client->on["data"] = [&] { client->socket->SendData(u"!"); };
+    client->socket->SendData(u"question");
+    ASSERT_TRUE(RunUntil([&] { return server->received == "question!"; }));
+}
+
+TEST_F(Loopback, SixteenMegabytesWaitForASlowReader) {
+    Establish();
+    std::string sent;
+    for (int i = 0; sent.size() < 16'000'000; ++i) sent += std::to_string(i) + ',';
+    client->socket->SendBytes(sent);
+    std::string received;
+    server->on["data"] = [&] {
+        received += server->received;
+        server->received.clear();
+        server->log.clear();
+    };
+    ASSERT_TRUE(RunUntil([&] { return received.size() == sent.size(); }, 60));
+    EXPECT_TRUE(received == sent);
+    EXPECT_EQ(client->log, Log{"sent"});
+}
+
+TEST_F(Loopback, DescriptorZeroIsNeverASocket) {
+    int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    NewSocket made = Environment::Current().CreateSocket();
+    EXPECT_GT(made.id, 0);
+    Environment::Current().Close(made.id);
+    if (input >= 0) dup2(input, STDIN_FILENO);
+    if (input > 0) close(input);
+}
+
+TEST(SystemLoop, AQuitBeforeTheLoopRunsCounts) {
+    MessageLoop::Quit();
+    MessageLoop::Run();
+    bool ticked = false;
+    EXPECT_TRUE(RunUntil([&] { return std::exchange(ticked, true); }));
+}
+
+TEST(SystemLoop, ATimerTicksUntilItIsKilled) {
+    static int ticks = 0;
+    TimerId timer = Environment::Current().SetTimer(0, [] { ++ticks; });
+    EXPECT_TRUE(RunUntil([] { return ticks >= 3; }));
+    Environment::Current().KillTimer(timer);
+    int before = ticks;
+    CostOfWaiting();
+    EXPECT_EQ(ticks, before);
+}
+
+// Two threads, each with its own loop: neither delivers the other's events.
+TEST(SystemLoop, EachThreadHasItsOwn) {
+    auto client = SocketRecorder::Create();
+    std::thread::id clientThread;
+    client->on["data"] = [&] { clientThread = std::this_thread::get_id(); };
+    std::atomic<int> port = 0;
+    std::thread serving([&] {
+        auto listener = SocketRecorder::Create();
+        auto server = SocketRecorder::Create();
+        listener->on["request"] = [&] {
+            server->socket->Accept(AcceptConnection(listener->socket->SocketHandle()));
+            server->socket->SendData(u"welcome");
+        };
+        listener->socket->Listen();
+        port = listener->socket->LocalPort();
+        EXPECT_TRUE(RunUntil([&] { return server->received == "done"; }));
+    });
+    while (port == 0) std::this_thread::yield();
+    client->socket->RemoteHost(u"127.0.0.1");
+    client->socket->RemotePort(port);
+    client->socket->Connect();
+    EXPECT_TRUE(RunUntil([&] { return client->received == "welcome"; }));
+    EXPECT_EQ(clientThread, std::this_thread::get_id());
+    client->socket->SendData(u"done");
+    serving.join();
+}
+
+// A static socket is closed after the thread's own data are gone.
+TEST(SystemLoopDeathTest, ASocketInAStaticVariableIsClosedInPeace) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            static auto socket = std::make_shared<cSocketSSL>();
+            socket->Listen();
+            exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace quorix::testing_real

@@ -1,0 +1,121 @@
+// Saving and loading: encodings and declarations.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "quorix/base/AutomationError.h"
+#include "quorix/base/WireText.h"
+#include "quorix/xml/cXML_Node.h"
+#include "quorix/xml/cXML_Writer.h"
+
+namespace quorix {
+
+namespace {
+
+class XmlFile : public ::testing::Test {
+protected:
+    void TearDown() override { std::filesystem::remove(path_); }
+
+    void Put(const std::string& bytes) { std::ofstream(path_, std::ios::binary) << bytes; }
+
+    std::string Bytes() const {
+        std::ifstream file(path_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    String Name() const { return path_.u16string(); }
+
+    String Loaded(const std::string& bytes) {
+        Put(bytes);
+        cXML_Node node;
+        node.xml(u"<?xml version='1.0' encoding='ISO-8859-2'?><text/>");
+        node.LoadXML_FromFile(Name());
+        return node.xml();
+    }
+
+    std::filesystem::path path_ = std::filesystem::temp_directory_path() /
+                                  (std::string("quorix-\xC3\xA9-") +
+                                   ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".xml");
+};
+
+std::string Utf16(StringView text, bool little, bool mark) {
+    std::string bytes;
+    for (char16_t c : Concat({mark ? u"\xfeff" : u"", text})) {
+        char low = static_cast<char>(c & 0xFF);
+        char high = static_cast<char>(c >> 8);
+        bytes += little ? low : high;
+        bytes += little ? high : low;
+    }
+    return bytes;
+}
+
+TEST_F(XmlFile, IsReadInTheEncodingItDeclares) {
+    EXPECT_EQ(Loaded("<a>\xC3\xA9</a>\n"), u"<a>\u00e9</a>");
+    EXPECT_EQ(Loaded("\xEF\xBB\xBF<?xml version='1.0'?><a>\xC3\xA9</a>"),
+              u"<?xml version='1.0'?><a>\u00e9</a>");
+    EXPECT_EQ(Loaded("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>"),
+              u"<?xml version='1.0' encoding='ISO-8859-1'?><a>\u00e9</a>");
+    EXPECT_EQ(Loaded("<?xml version='1.0' encoding='windows-1251'?><a>\xE9</a>"),
+              u"<?xml version='1.0' encoding='windows-1251'?><a>\u0439</a>");
+    const String declared = u"<?xml version='1.0' encoding='UTF-16'?><a>\u00e9\U0001F600</a>";
+    EXPECT_EQ(Loaded(Utf16(declared, true, true)), declared);
+    EXPECT_EQ(Loaded(Utf16(declared, false, true)), declared);
+    EXPECT_EQ(Loaded(Utf16(u"<?xml version='1.0'?><a/>", true, false)).substr(0, 2), u"<a");
+}
+
+TEST_F(XmlFile, ThatIsDamagedDoesNotLoadAndPrintsNothing) {
+    ::testing::internal::CaptureStderr();
+    for (const char* bytes : {"", "<a>\xE9</a>", "<a>\xC3</a>", "<a>\xED\xA0\x80</a>", "<a", "\xFF\xFE<",
+                              "<?xml version='1.0' encoding='EUC-JP'?><a>\xFF\xFF</a>",
+                              "<?xml version='1.0' encoding='none-such'?><a/>"}) {
+        EXPECT_EQ(Loaded(bytes), u"") << bytes;
+    }
+    EXPECT_EQ(Loaded(std::string("<a>\0</a>", 8)), u"");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(XmlFile, IsSavedAsUtf8AndSaysSo) {
+    cXML_Node node;
+    node.xml(
+        u"<?xml version='1.0' encoding = 'ISO-8859-1' standalone='yes'?><a "
+        u"b='encoding=\"x\"'>\u00e9\u20ac</a>");
+    node.SaveXML_ToFile(Name());
+    EXPECT_EQ(Bytes(),
+              "<?xml version='1.0' encoding = 'UTF-8' standalone='yes'?>"
+              "<a b=\"encoding=&quot;x&quot;\">\xC3\xA9\xE2\x82\xAC</a>");
+    cXML_Node again;
+    again.LoadXML_FromFile(Name());
+    EXPECT_EQ(again.GetNamespace() + again.Root().Text(), u"a\u00e9\u20ac");
+}
+
+TEST_F(XmlFile, OfTheWriterComesBackWithItsRoot) {
+    cXML_Writer writer;
+    writer.createProcessingInstruction(u"xml", u"version='1.0' encoding='windows-1252'");
+    writer.setRootElement(u"r", u"", u"");
+    writer.SaveXML_ToFile(Name());
+    EXPECT_EQ(Bytes(), "<?xml version='1.0' encoding='UTF-8'?><r/>");
+
+    cXML_Writer reader;
+    ASSERT_TRUE(reader.LoadXML_FromFile(Name()));
+    reader.setNode(u"n", u"t");
+    reader.addNode();
+    EXPECT_EQ(reader.xml(), u"<?xml version='1.0' encoding='UTF-8'?><r><n>t</n></r>");
+    Put("<cut");
+    EXPECT_FALSE(reader.LoadXML_FromFile(Name()));
+    EXPECT_EQ(reader.xml(), u"");
+}
+
+TEST_F(XmlFile, ThatCannotBeWrittenRaisesFiftyThree) {
+    try {
+        cXML_Node().SaveXML_ToFile(u"/nonexistent/folder/file.xml");
+        ADD_FAILURE();
+    } catch (const AutomationError& error) {
+        EXPECT_EQ(error.Number(), 53);
+    }
+    EXPECT_THROW(cXML_Node().SaveXML_ToFile(u""), AutomationError);
+}
+
+}  // namespace
+
+}  // namespace quorix
