@@ -6,6 +6,8 @@
 #   tools/windows.sh 64 -R COM    one width, the rest of the arguments to ctest
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+. "$root/tools/packages.sh"
 . "$root/tools/windows/ground.sh"
 . "$root/tools/windows/libraries.sh"
 
@@ -19,13 +21,14 @@ wine_for() {
 
 # A fresh drive C: in which windows can be made without a display.
 make_prefix() {
-    [ -e "$QUORIX_WINE_PREFIX/ready" ] && return
-    rm -rf "$QUORIX_WINE_PREFIX"
-    mkdir -p "$QUORIX_WINE_PREFIX"
+    local ready=$QUORIX_WINE_PREFIX.ready
+    [ -e "$ready" ] && return
+    as_root rm -rf "$QUORIX_WINE_PREFIX"
+    mkdir -p "$(dirname "$QUORIX_WINE_PREFIX")"
     "$root/tools/windows/wine" "$1" wineboot --init
     "$root/tools/windows/wine" "$1" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
     stop_wine "$1"
-    touch "$QUORIX_WINE_PREFIX/ready"
+    touch "$ready"
 }
 
 # Ends what still runs in this width's drive, and nothing else.
@@ -65,7 +68,8 @@ if [ $# -gt 0 ]; then
     widths=("$1")
     shift
 fi
-install_packages
+need windows
+need_servers servers
 source_apt
 [[ " ${widths[*]} " = *" 32 "* ]] && make_wine32
 build_with_server

@@ -1,24 +1,8 @@
-# What the Windows build stands on: Debian packages, a Wine for each width, and where they are kept.
-# Sourced by tools/windows.sh.
+# What the Windows build stands on: a Wine for each width, and where such things are kept.
+# Sourced by tools/windows.sh after tools/packages.sh.
 
-packages=(
-    g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 libwine
-    cmake ninja-build googletest pkg-config dpkg-dev debootstrap perl ca-certificates util-linux
-)
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 store=${XDG_CACHE_HOME:-$HOME/.cache}/quorix/windows
-
-as_root() { if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi; }
-
-install_packages() {
-    local missing=()
-    for package in "${packages[@]}"; do
-        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q ' installed$' || missing+=("$package")
-    done
-    [ ${#missing[@]} = 0 ] && return
-    as_root apt-get update -qq || true
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
-}
 
 # The archive this machine takes its packages from, as its own configuration names it.
 archive() {
