@@ -4,6 +4,15 @@ namespace quorix::automation {
 
 const std::vector<const ClassTable*>& Classes() {
     static const std::vector<const ClassTable*> all = {
+        &TableOf<cSession>(),
+        &TableOf<cAuth>(),
+        &TableOf<cMessage>(),
+        &TableOf<cPresenceItem>(),
+        &TableOf<cRosterItem>(),
+        &TableOf<Shared<cPresenceItem>>(),
+        &TableOf<Shared<cRosterItem>>(),
+        &TableOf<GroupList>(),
+        &TableOf<cVcard>(),
         &TableOf<cXML_Node>(),
         &TableOf<cXML_Writer>(),
         &TableOf<Collection<NodePtr>>(),

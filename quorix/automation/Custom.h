@@ -18,7 +18,7 @@ struct Custom<XmlNode> {
 };
 
 // The part of `owner` that `part` refers to, keeping the owner alive.
-template <class Owner, class Part>
+template <class Part, class Owner>
 std::shared_ptr<Part> PartOf(const std::shared_ptr<Owner>& owner, Part& part) {
     return {owner, &part};
 }

@@ -47,6 +47,6 @@ private:
         Real, suite,                                                                                 \
         ::testing::Values(::quorix::real::ServerKind::ejabberd, ::quorix::real::ServerKind::prosody, \
                           ::quorix::real::ServerKind::jabberd2),                                     \
-        [](const auto& info) { return ::quorix::real::Name(info.param); })
+        [](const auto& made) { return ::quorix::real::Name(made.param); })
 
 }  // namespace quorix::real

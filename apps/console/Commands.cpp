@@ -1,0 +1,52 @@
+#include "apps/console/Console.h"
+#include "quorix/base/Number.h"
+#include "quorix/base/WireText.h"
+
+namespace quorix::console {
+
+namespace {
+
+void Help(Console& console, Arguments /*arguments*/) {
+    for (const Command& command : Commands()) {
+        String usage = Concat({command.name, u" ", command.arguments});
+        usage.resize(std::max<std::size_t>(usage.size() + 1, 30), u' ');
+        console.Print(Concat({usage, command.help}));
+    }
+}
+
+void Msg(Console& console, Arguments arguments) {
+    String to = console.Session().Convert2UTF8(arguments.Word());
+    console.Session().CreateMessage(to, MSG_Chat, arguments.Rest(), {})->SendMessage();
+}
+
+void ShowRoster(Console& console, Arguments /*arguments*/) { console.Session().FetchRoster(); }
+
+void SetPresence(Console& console, Arguments arguments) {
+    console.Session().Status(arguments.Rest());
+    console.Session().SendMyPresence();
+}
+
+void Raw(Console& console, Arguments arguments) {
+    console.Session().SendXML(WireFromBytes(Utf8FromText(arguments.Rest())));
+}
+
+void Wait(Console& console, Arguments arguments) { console.Wait(WireInt16(arguments.Word())); }
+
+void Quit(Console& console, Arguments /*arguments*/) { console.Quit(); }
+
+}  // namespace
+
+const std::vector<Command>& Commands() {
+    static const std::vector<Command> commands{
+        {u"/msg", u"JID TEXT", u"sends a message", Msg},
+        {u"/roster", u"", u"fetches and lists the contacts", ShowRoster},
+        {u"/presence", u"[TEXT]", u"tells the contacts that you are there, with a status text", SetPresence},
+        {u"/raw", u"XML", u"sends XML as it is", Raw},
+        {u"/wait", u"SECONDS", u"reads no input for a while (for scripts)", Wait},
+        {u"/help", u"", u"lists the commands", Help},
+        {u"/quit", u"", u"says good-bye and ends", Quit},
+    };
+    return commands;
+}
+
+}  // namespace quorix::console

@@ -1,0 +1,6 @@
+file(READ ${README} readme)
+file(READ ${EXAMPLE} example)
+string(FIND "${readme}" "${example}" position)
+if(position EQUAL -1)
+    message(FATAL_ERROR "The README does not show ${EXAMPLE} as it is.")
+endif()

@@ -1,0 +1,364 @@
+#include "quorix/session/cSession.h"
+
+#include <utility>
+
+#include "quorix/auth/Account.h"
+#include "quorix/auth/cAuth.h"
+#include "quorix/base/Number.h"
+#include "quorix/base/WireText.h"
+#include "quorix/base/modUTF_8.h"
+#include "quorix/session/Dispatcher.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr std::int32_t kKeepAliveUnit = 64000;  // milliseconds
+constexpr StringView kKeepAliveText = u"  \t  ";
+constexpr StringView kStreamsNamespace = u"http://etherx.jabber.org/streams";
+constexpr StringView kStreamError = u"<stream:error>";
+
+String GetStreamID(StringView header) {
+    cXML_Node stream;
+    stream.xml(Concat({header, u"</stream:stream>"}));
+    return stream.GetAttrib(u"id");
+}
+
+// Sets a flag while in scope.
+class Flagged {
+public:
+    explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Flagged() { flag_ = false; }
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
+
+private:
+    bool& flag_;
+};
+
+}  // namespace
+
+// Marks one reference as held by an entry in progress, so that it does not count as the application's.
+class cSession::Held {
+public:
+    explicit Held(cSession& session) : session_(session) { ++session_.held_; }
+    ~Held() { --session_.held_; }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+
+private:
+    cSession& session_;
+};
+
+// A call from the application, which may drop its last reference meanwhile.
+class cSession::Entry {
+public:
+    explicit Entry(cSession& session) : self_(session.shared_from_this()), held_(session) {}
+    const std::shared_ptr<SessionLink>& Self() const { return self_; }
+
+private:
+    std::shared_ptr<SessionLink> self_;
+    Held held_;
+};
+
+// The socket holds the session only while it raises an event; that reference is one of an entry in progress.
+class cSession::SocketPort : public SocketEvents {
+public:
+    explicit SocketPort(cSession& session) : session_(session) {}
+
+    void OnConnect() override {
+        Deliver([&session = session_] { session.socket1_Connect(); });
+    }
+    void OnClosed() override {
+        Deliver([&session = session_] { session.socket1_Closed(); });
+    }
+    void OnError(std::int32_t Number, StringView Description) override {
+        Deliver([&session = session_, Number, text = String(Description)] {
+            session.socket1_Error(Number, text);
+        });
+    }
+    void OnDataArrival(std::string_view bytes, StringView /*remoteHost*/) override {
+        Deliver([&session = session_, data = std::string(bytes)] { session.socket1_DataArrival(data); });
+    }
+
+private:
+    void Deliver(std::function<void()> step) {
+        Held held(session_);
+        session_.Deliver(std::move(step));
+    }
+
+    cSession& session_;
+};
+
+// -- Life --
+
+cSession::cSession() = default;
+
+std::shared_ptr<cSession> cSession::Create() {
+    std::shared_ptr<cSession> session(new cSession);
+    session->Initialise();
+    return session;
+}
+
+void cSession::Initialise() {
+    relay_ = std::make_shared<cHelpEvent>(weak_from_this());
+    mTimer::SetRelay(relay_);
+    socket_ = std::make_shared<cSocketSSL>();
+    socketPort_ = std::make_unique<SocketPort>(*this);
+    socket_->Advise(std::shared_ptr<SocketEvents>(shared_from_this(), socketPort_.get()));
+}
+
+cSession::~cSession() {
+    mTimer::Release(relay_);
+    if (socket_) socket_->Disconnect();
+}
+
+void cSession::KeepAliveInterval(std::int16_t value) {
+    keepAliveInterval_ = value;
+    if (value == 0) keepAlive_ = false;
+}
+
+bool cSession::ProxyUseRemoteDNS() const {
+    if (!proxyUseRemoteDNS_) throw AutomationError(ERR_TypeMismatch);
+    return *proxyUseRemoteDNS_;
+}
+
+// -- Events --
+
+// When only entries in progress still hold the session, nobody is left to hear it.
+void cSession::ForEachSink(const std::function<void(SessionEvents&)>& raise) {
+    if (weak_from_this().use_count() > held_) sinks_.ForEach(raise);
+}
+
+// -- Connecting --
+
+void cSession::Connect(bool bNewUser) {
+    Entry entry(*this);
+    if (socket_->State() != sockClosed) {
+        CloseSocket();
+        active_ = false;
+    }
+    authorized_ = streamOpen_ = false;
+    newUser_ = bNewUser;
+    connectionWanted_ = true;
+    ++generation_;
+    if (attempts_ == reconnectAttempts_) mTimer::StopReconnect();
+    ++attempts_;
+    socket_->SSLEnable(useSSL_);
+    switch (proxyType_) {
+        case KV_NoProxy: return OpenSocket(serverAddress_, static_cast<std::uint16_t>(port_));
+        case KV_HTTPProxy:
+        case KV_SOCKS5Proxy: return OpenSocket(proxyHostname_, proxyPort_);
+        default: return;
+    }
+}
+
+void cSession::OpenSocket(StringView host, std::int32_t port) {
+    socket_->RemoteHost(host);
+    socket_->RemotePort(port);
+    socket_->Connect();
+}
+
+void cSession::socket1_Connect() {
+    mTimer::StopReconnect();
+    attempts_ = 0;
+    framer_.Reset();
+    SendXML(Concat({u"<stream:stream to='", serverAddress_, u"' xmlns='jabber:client' xmlns:stream='",
+                    kStreamsNamespace, u"'>"}));
+}
+
+void cSession::socket1_Error(std::int32_t code, StringView description) {
+    // Not well-formed, on purpose: applications get an element that is empty, and the facts as arguments.
+    auto element = std::make_shared<cXML_Node>();
+    element->xml(Concat({u"<QuorixServer type = error><error code = ", ToString(code), u">", description,
+                         u"</error></QuorixServer>"}));
+    Raise(&SessionEvents::OnSocketError, element, description, static_cast<std::int16_t>(code));
+}
+
+// -- Disconnecting --
+
+void cSession::Disconnect() {
+    Entry entry(*this);
+    connectionWanted_ = false;
+    CloseSession({}, {});
+}
+
+void cSession::socket1_Closed() { CloseSession({}, {}); }
+
+void cSession::CloseSession(StringView code, StringView description) {
+    if (closing_) return;
+    Entry entry(*this);
+    std::uint32_t generation = generation_;
+    {
+        Flagged closing(closing_);
+        if (keepAlive_) mTimer::StopKeepAlive();
+        authorized_ = streamOpen_ = active_ = false;
+        roster_.StreamEnded();
+        if (socket_->State() != sockClosed) SayGoodbye();
+        if (generation_ == generation) CloseSocket();
+        if (!code.empty()) RaiseError(code, description);
+        Raise(&SessionEvents::OnDisConnected);
+    }
+    if (generation_ == generation) DecideReconnect();
+    if (!delivering_) DrainDeliveries();
+}
+
+void cSession::SayGoodbye() {
+    SendPresence({}, KV_UnAvailable, {});
+    SendXML(u"</stream:stream>");
+}
+
+void cSession::CloseSocket() {
+    ++socketEpoch_;
+    socket_->Disconnect();
+}
+
+void cSession::RaiseError(StringView code, StringView description) {
+    auto element = std::make_shared<cXML_Node>();
+    element->xml(Concat({u"<QuorixServer type = 'error'> <error code = '", code, u"'>", description,
+                         u"</error></QuorixServer>"}));
+    Raise(&SessionEvents::OnError, element, serverAddress_, WireInt16(code), description);
+}
+
+bool cSession::RetriesLeft() const {
+    return reconnect_ && connectionWanted_ && attempts_ < reconnectAttempts_;
+}
+
+void cSession::DecideReconnect() {
+    if (RetriesLeft()) {
+        mTimer::StartReconnect(reconnectInterval_ * 1000);
+        ++attempts_;
+    } else {
+        mTimer::StopReconnect();
+    }
+    if (newUser_ && connectionWanted_) Connect(false);
+}
+
+// -- Timers --
+
+void cSession::KeepAliveTick() {
+    Held held(*this);
+    SendXML(kKeepAliveText);
+}
+
+void cSession::ReconnectTick() {
+    Held held(*this);
+    Connect(false);
+}
+
+// -- Notifications --
+
+void cSession::Deliver(std::function<void()> step) {
+    deliveries_.push_back({socketEpoch_, std::move(step)});
+    if (!delivering_ && !closing_) DrainDeliveries();
+}
+
+void cSession::DrainDeliveries() {
+    Flagged delivering(delivering_);
+    while (!deliveries_.empty()) {
+        Delivery next = std::move(deliveries_.front());
+        deliveries_.pop_front();
+        if (next.socketEpoch == socketEpoch_) next.step();
+    }
+}
+
+void cSession::socket1_DataArrival(std::string_view bytes) { ProcessIncoming(WireFromBytes(bytes)); }
+
+// -- The inbound stream --
+
+void cSession::ProcessIncoming(StringView text) {
+    if (!streamOpen_) return TakeStreamHeader(text);
+    std::uint32_t generation = generation_;
+    framer_.Append(text);
+    if (StartsWith(framer_.Text(), kStreamError)) EndWithStreamError();
+    if (generation_ != generation) return;  // the text is not of the stream that a handler has begun
+    FrameBatch batch = framer_.TakeComplete();
+    Entry entry(*this);
+    Dispatcher dispatcher(*this, entry.Self());
+    while (generation_ == generation) {
+        std::optional<Frame> frame = batch.Next();
+        if (!frame) return;
+        dispatcher.ProcessStanza(*frame);
+    }
+}
+
+// Whatever follows the header in its chunk is dropped with it.
+void cSession::TakeStreamHeader(StringView header) {
+    std::uint32_t generation = generation_;
+    Raise(&SessionEvents::OnIncomingXML, header);
+    if (generation_ != generation) return;
+    streamOpen_ = true;
+    login_.sessionID = GetStreamID(header);
+    if (newUser_) return RequestRegistrationForm(*this);
+    switch (login_.authType) {
+        case KV_PlainAuth: return StartLogin();
+        case KV_AutoAuth:
+        case KV_ZeroKAuth:
+        case KV_DigestAuth: return RequestLoginFields();
+    }
+}
+
+// The state is set to closed first, so that neither presence nor closing tag answers an error.
+void cSession::EndWithStreamError() {
+    std::uint32_t generation = generation_;
+    Raise(&SessionEvents::OnIncomingXML, String(framer_.Text()));
+    if (generation_ != generation) return;
+    socket_->State(sockClosed);
+    CloseSession(u"0", u"INVALID XML STREAM");
+}
+
+void cSession::RequestLoginFields() {
+    SendXML(Concat({u"<iq type='get' to='", serverAddress_, u"' id='", GetNextID(),
+                    u"'><query xmlns='jabber:iq:auth'><username>", username_, u"</username></query></iq>"}));
+}
+
+void cSession::StartLogin() {
+    cAuth auth;
+    auth.SetSession(shared_from_this());
+    auth.SendAuth();
+}
+
+void cSession::BecomeActive() { authorized_ = active_ = true; }
+
+void cSession::CompleteLogin() {
+    BecomeActive();
+    std::uint32_t generation = generation_;
+    Raise(&SessionEvents::OnAuthorized);
+    if (generation_ != generation || !authorized_) return;
+    mTimer::StopReconnect();
+    if (keepAlive_) mTimer::StartKeepAlive(keepAliveInterval_ * kKeepAliveUnit);
+}
+
+// -- The outbound path --
+
+void cSession::SendXML(StringView xml) {
+    if (!IsConnected()) return;
+    Entry entry(*this);
+    if (proxyType_ == KV_NoProxy) socket_->SendData(xml);
+    Raise(&SessionEvents::OnOutgoingXML, xml);
+}
+
+String cSession::GetNextID() {
+    ++idCounter_;
+    return GetCurrentID();
+}
+
+String cSession::GetCurrentID() const {
+    return Concat({u"KV_", ToString(static_cast<std::int32_t>(idCounter_))});
+}
+
+String cSession::Convert2UTF8(StringView sIn) const { return EncodeUTF8(sIn, false); }
+String cSession::Convert2Unicode(StringView sIn) const { return DecodeUTF8(sIn, true); }
+
+// -- Records --
+
+std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
+    auto item = std::make_shared<cRosterItem>();
+    item->SetSession(shared_from_this());
+    return item;
+}
+
+eItemType cSession::FindItemType(StringView /*jid*/) { return KV_Unknown; }
+bool cSession::LeaveRoom(StringView /*jid*/, StringView /*nickname*/) { return false; }
+
+}  // namespace quorix

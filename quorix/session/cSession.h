@@ -1,0 +1,309 @@
+// One account's connection to a Jabber server: the object that an application creates first.
+//
+// Set ServerAddress, Port, username, Password and Resource, Advise a SessionEvents, call Connect, and run the
+// thread's message loop: everything the server sends arrives as events. The session speaks the
+// `jabber:client` stream (RFC 3920's predecessor) and logs in by jabber:iq:auth (XEP-0078); it knows no SASL.
+//
+// Ownership: made by Create and shared with the application. Dropping the last reference ends the session
+// without a word to the server; Disconnect says good-bye. Records given out by events may be kept.
+// Threads: a session, its records and its timers belong to the thread that created it.
+// Errors: an AutomationError for an impossible argument only. Network and protocol failures are events.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "quorix/base/Jid.h"
+#include "quorix/im/Messages.h"
+#include "quorix/im/Presence.h"
+#include "quorix/im/Roster.h"
+#include "quorix/im/RosterTable.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/net/cSocketSSL.h"
+#include "quorix/net/mTimer.h"
+#include "quorix/session/EventSinks.h"
+#include "quorix/session/Framer.h"
+
+namespace quorix {
+
+enum eProxyType : std::int32_t {
+    KV_NoProxy = 0,
+    KV_HTTPProxy = 1,
+    KV_SOCKS4Proxy = 2,  // not supported: Connect does nothing
+    KV_SOCKS5Proxy = 3,
+};
+
+// The method codes of the SOCKS5 greeting.
+enum eProxy_Authentication : std::int32_t {
+    KV_SocksNoAuth = 0,
+    KV_SocksUserPass = 2,
+};
+
+class cSession final : public SessionLink, public TimerTarget, public std::enable_shared_from_this<cSession> {
+public:
+    static std::shared_ptr<cSession> Create();
+    ~cSession() override;
+
+    // Sinks are kept until Unadvise. Both may be called inside an event.
+    void Advise(std::shared_ptr<SessionEvents> sink) { sinks_.Advise(std::move(sink)); }
+    void Unadvise(const std::shared_ptr<SessionEvents>& sink) { sinks_.Unadvise(sink); }
+
+    // -- Account and server --
+
+    // Host name of the server, and the domain that every request to the server is addressed to.
+    String ServerAddress() const override { return serverAddress_; }
+    void ServerAddress(StringView value) { serverAddress_ = value; }
+
+    // The name before the "@", in wire text. It goes out as it is, unescaped.
+    String username() const override { return username_; }
+    void username(StringView value) { username_ = value; }
+
+    String Password() const override { return password_; }
+    void Password(StringView value) { password_ = value; }
+
+    // Servers refuse an empty resource.
+    String Resource() const override { return resource_; }
+    void Resource(StringView value) { resource_ = value; }
+
+    // A signed 16-bit property whose unsigned value goes to the wire. No default.
+    std::int16_t Port() const { return port_; }
+    void Port(std::int16_t value) { port_ = value; }
+
+    // Runs the whole connection over TLS from its first byte. Copied to the socket at each Connect.
+    bool UseSSL() const { return useSSL_; }
+    void UseSSL(bool value) { useSSL_ = value; }
+
+    eAuthType AuthType() const { return login_.authType; }
+    void AuthType(eAuthType value) { login_.authType = value; }
+
+    // `username`@`ServerAddress`, without the resource.
+    String MyJid() const override { return Concat({username_, u"@", serverAddress_}); }
+
+    // -- The user's own presence: stored here, sent by SendMyPresence --
+
+    std::int16_t Priority() const { return priority_; }
+    void Priority(std::int16_t value) { priority_ = value; }
+    bool available() const { return available_; }
+    void available(bool value) { available_ = value; }
+    String Status() const { return status_; }
+    void Status(StringView value) { status_ = value; }
+    eShowType ShowType() const { return static_cast<eShowType>(showType_); }
+    void ShowType(eShowType value) { showType_ = static_cast<std::int16_t>(value); }
+
+    // -- Keeping the line --
+
+    // White space sent every KeepAliveInterval units of 64 seconds. Setting the interval to 0 also switches
+    // KeepAlive off; an interval of 0 or less is never armed. Both take effect at the next login.
+    bool KeepAlive() const { return keepAlive_; }
+    void KeepAlive(bool value) { keepAlive_ = value; }
+    std::int16_t KeepAliveInterval() const { return keepAliveInterval_; }
+    void KeepAliveInterval(std::int16_t value);
+
+    // After a loss (not after Disconnect): connect again every ReconnectInterval seconds. A loss and the
+    // attempt that follows it count as two against ReconnectAttempts.
+    bool Reconnect() const { return reconnect_; }
+    void Reconnect(bool value) { reconnect_ = value; }
+    std::int16_t ReconnectAttempts() const { return static_cast<std::int16_t>(reconnectAttempts_); }
+    void ReconnectAttempts(std::int16_t value) { reconnectAttempts_ = value; }
+    std::int16_t ReconnectInterval() const { return static_cast<std::int16_t>(reconnectInterval_); }
+    void ReconnectInterval(std::int16_t value) { reconnectInterval_ = value; }
+
+    // -- Proxy --
+
+    eProxyType ProxyType() const { return proxyType_; }
+    void ProxyType(eProxyType value) { proxyType_ = value; }
+    String ProxyHostname() const { return proxyHostname_; }
+    void ProxyHostname(StringView value) { proxyHostname_ = value; }
+    std::int32_t ProxyPort() const { return proxyPort_; }
+    void ProxyPort(std::int32_t value) { proxyPort_ = value; }
+    String ProxyUsername() const { return proxyUsername_; }
+    void ProxyUsername(StringView value) { proxyUsername_ = value; }
+    String ProxyPassword() const { return proxyPassword_; }
+    void ProxyPassword(StringView value) { proxyPassword_ = value; }
+    eProxy_Authentication ProxyAuthentication() const { return proxyAuthentication_; }
+    void ProxyAuthentication(eProxy_Authentication value) { proxyAuthentication_ = value; }
+
+    // Error 13 when it is read before it was ever set.
+    bool ProxyUseRemoteDNS() const;
+    void ProxyUseRemoteDNS(bool value) { proxyUseRemoteDNS_ = value; }
+
+    // -- State --
+
+    // The stream id, and what the server offered for the login.
+    String SessionID() const { return login_.sessionID; }
+    bool digest() const { return login_.digest; }
+    std::int32_t Sequence() const { return login_.sequence; }
+    String Token() const { return login_.token; }
+    LoginFacts Login() const override { return login_; }
+
+    // True from the login's success until the connection ends.
+    bool Active() const { return active_; }
+    bool IsConnected() const override { return socket_->State() == sockConnected; }
+    String LocalIP() const { return socket_->LocalIP(); }
+    const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
+
+    // -- Connection --
+
+    // Opens the connection, after closing one that is open. With `bNewUser` the account is created first
+    // (jabber:iq:register), then the session logs in with it.
+    void Connect(bool bNewUser = false);
+
+    // Says good-bye and closes; no reconnection follows.
+    void Disconnect();
+
+    // Sends wire text as it is. Dropped in silence while the socket is not connected. Part of every sender.
+    void SendXML(StringView xml) override;
+
+    // "KV_1", "KV_2", ... The current id is the last one given out.
+    String GetNextID() override;
+    String GetCurrentID() const;
+
+    // Text to wire text without escaping; wire text to text, entities resolved. See modUTF_8.h for the
+    // limits.
+    String Convert2UTF8(StringView sIn) const;
+    String Convert2Unicode(StringView sIn) const;
+
+    // -- Presence (RFC 3921) --
+
+    // The presences known, one record for each address and resource. Never null.
+    PresenceTable& Presence() { return presence_; }
+
+    // Sends Status, ShowType and Priority to everybody who may see them.
+    void SendMyPresence() { quorix::SendMyPresence(*this, status_, showType_, priority_); }
+
+    // Sends a presence or a subscription request or answer to `jid` (wire text, unescaped; "" is everybody).
+    // `status` is text. Delivers what is pending on the message loop before it returns.
+    void SendPresence(StringView jid, eSubType subType, StringView status) {
+        quorix::SendPresence(*this, jid, subType, status);
+    }
+
+    // See PresenceTable::FindPresence for the three manners of finding, and the cursor they share.
+    std::int32_t FindPresence(StringView jid, StringView resource, bool primary) {
+        return presence_.FindPresence(jid, resource, primary);
+    }
+
+    String RemoveResource(StringView jid) const { return quorix::RemoveResource(jid); }
+    String GetResource(StringView jid) const { return quorix::GetResource(jid); }
+
+    // -- Contacts (jabber:iq:roster) --
+
+    RosterTable& Roster() { return roster_; }
+    void FetchRoster() { quorix::FetchRoster(*this); }
+
+    // A contact to fill and Add. It enters the table when the server reports it, not here.
+    std::shared_ptr<cRosterItem> CreateRosterItem();
+    std::int16_t FindRosterItem(StringView jid) const { return roster_.FindRosterItem(jid); }
+    void ParseReceiveRoster(const NodePtr& message) { quorix::ParseReceiveRoster(*this, *message); }
+
+    // -- Messages --
+
+    // A message to fill and send. `toJid` is wire text, `body` and `subject` are text.
+    std::shared_ptr<cMessage> CreateMessage(StringView toJid, eMsgType type, StringView body,
+                                            StringView subject) {
+        return quorix::CreateMessage(shared_from_this(), toJid, type, body, subject);
+    }
+
+    // Tells `jid` what became of its message `id`: typing, displayed, delivered (jabber:x:event, XEP-0022).
+    void SendEvent(StringView jid, eEvent event, StringView id, bool cancel = false) {
+        quorix::SendEvent(*this, jid, event, id, cancel);
+    }
+
+    // -- SessionLink --
+
+    eItemType FindItemType(StringView jid) override;
+    bool LeaveRoom(StringView jid, StringView nickname) override;
+    void ForEachSink(const std::function<void(SessionEvents&)>& raise) override;
+
+private:
+    friend class Dispatcher;
+
+    class Held;
+    class Entry;
+    class SocketPort;
+
+    cSession();
+    void Initialise();
+
+    void KeepAliveTick() override;
+    void ReconnectTick() override;
+
+    // Socket notifications are taken one at a time; those that arrive meanwhile wait in their order.
+    void Deliver(std::function<void()> step);
+    void DrainDeliveries();
+
+    void socket1_Connect();
+    void socket1_Closed();
+    void socket1_Error(std::int32_t code, StringView description);
+    void socket1_DataArrival(std::string_view bytes);
+
+    void OpenSocket(StringView host, std::int32_t port);
+    void CloseSocket();
+    void CloseSession(StringView code, StringView description);
+    void SayGoodbye();
+    void RaiseError(StringView code, StringView description);
+    void DecideReconnect();
+    bool RetriesLeft() const;
+
+    void ProcessIncoming(StringView text);
+    void TakeStreamHeader(StringView header);
+    void EndWithStreamError();
+    void StartLogin();
+    void RequestLoginFields();
+    void BecomeActive();
+    void CompleteLogin();
+
+    struct Delivery {
+        std::uint32_t socketEpoch;
+        std::function<void()> step;
+    };
+
+    String serverAddress_;
+    String username_;
+    String password_;
+    String resource_;
+    String status_;
+    String proxyHostname_;
+    String proxyUsername_;
+    String proxyPassword_;
+    std::int32_t proxyPort_ = 0;
+    std::int32_t reconnectAttempts_ = 10;
+    std::int32_t reconnectInterval_ = 60;
+    eProxyType proxyType_ = KV_NoProxy;
+    eProxy_Authentication proxyAuthentication_ = KV_SocksNoAuth;
+    std::optional<bool> proxyUseRemoteDNS_;
+    std::int16_t port_ = 0;
+    std::int16_t priority_ = 5;
+    std::int16_t showType_ = 0;
+    std::int16_t keepAliveInterval_ = 1;
+    bool useSSL_ = false;
+    bool available_ = false;
+    bool keepAlive_ = true;
+    bool reconnect_ = true;
+
+    LoginFacts login_;
+    bool active_ = false;
+    bool streamOpen_ = false;
+    bool authorized_ = false;
+    bool newUser_ = false;
+    bool connectionWanted_ = false;
+    bool delivering_ = false;
+    bool closing_ = false;
+    std::int32_t attempts_ = 0;
+    std::uint32_t idCounter_ = 0;
+    std::uint32_t generation_ = 0;   // counts calls of Connect
+    std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
+    long held_ = 0;                  // references held by entries in progress
+
+    std::shared_ptr<cHelpEvent> relay_;
+    std::shared_ptr<cSocketSSL> socket_;
+    std::unique_ptr<SocketPort> socketPort_;
+    std::deque<Delivery> deliveries_;
+    EventSinks sinks_;
+    Framer framer_;
+    PresenceTable presence_;
+    RosterTable roster_;
+};
+
+}  // namespace quorix

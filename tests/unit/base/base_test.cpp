@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "quorix/base/Collection.h"
+#include "quorix/base/Jid.h"
+#include "quorix/base/Number.h"
+#include "quorix/base/WireText.h"
+
+namespace quorix {
+namespace {
+
+std::int32_t NumberOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const AutomationError& error) {
+        return error.Number();
+    }
+    return 0;
+}
+
+TEST(Jid, IsCutAtItsFirstSlash) {
+    EXPECT_EQ(RemoveResource(u"a@b/c/d"), u"a@b");
+    EXPECT_EQ(GetResource(u"a@b/c/d"), u"c/d");
+    EXPECT_EQ(RemoveResource(u"a@b"), u"a@b");
+    EXPECT_EQ(GetResource(u"a@b"), u"");
+    EXPECT_EQ(RemoveResource(u"/"), u"");
+}
+
+TEST(WireText, MapsBytesOneToOneAndWhatHasNoByteToAQuestionMark) {
+    String all;
+    for (char16_t c = 0; c < 256; ++c) all += c;
+    EXPECT_EQ(WireFromBytes(BytesFromWire(all)), all);
+    EXPECT_EQ(BytesFromWire(u"a\u0100\u8BF4"), "a??");
+}
+
+TEST(Utf8, RoundTripsWholeTextsAndReplacesWhatIsNone) {
+    StringView text = u"é€说\U0001F600";
+    EXPECT_EQ(TextFromUtf8(Utf8FromText(text)), text);
+    EXPECT_EQ(Utf8FromText(String(1, 0xD800)), "\xEF\xBF\xBD");
+    for (const char* bad : {"\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80"}) {
+        EXPECT_EQ(TextFromUtf8(bad).front(), 0xFFFD) << bad;
+    }
+}
+
+TEST(Number, FromTheWireNeverFails) {
+    EXPECT_EQ(WireInt16(u" -5 apples"), -5);
+    EXPECT_EQ(WireInt16(u"32767"), 32767);
+    EXPECT_EQ(WireInt32(u"1e3"), 1000);
+    for (StringView nothing : {u"", u"abc", u"32768", u"-40000", u"inf", u"nan", u"1e999", u"--1"}) {
+        EXPECT_EQ(WireInt16(nothing), 0) << Utf8FromText(nothing);
+    }
+    EXPECT_EQ(WireInt32(u"2147483648"), 0);
+}
+
+TEST(Number, AskedForByAnApplicationIsStrict) {
+    EXPECT_EQ(ToInt32(u"2.5"), 2);
+    EXPECT_EQ(ToInt32(u"3.5"), 4);
+    EXPECT_EQ(ToInt32(u"+7 "), 7);
+    EXPECT_EQ(NumberOf([] { ToInt32(u"5abc"); }), ERR_TypeMismatch);
+    EXPECT_EQ(NumberOf([] { ToInt32(u""); }), ERR_TypeMismatch);
+    EXPECT_EQ(NumberOf([] { ToInt32(u"2147483648"); }), ERR_Overflow);
+    EXPECT_TRUE(ToBoolean(u"tRuE"));
+    EXPECT_FALSE(ToBoolean(u"False"));
+    EXPECT_TRUE(ToBoolean(u"-0.5"));
+    EXPECT_EQ(NumberOf([] { ToBoolean(u"yes"); }), ERR_TypeMismatch);
+}
+
+TEST(Collection, CountsFromOneAndFindsByKeyAlsoAfterRemovals) {
+    Collection<int> numbers;
+    numbers.Add(10, u"a");
+    numbers.Add(20);
+    numbers.Add(30, u"");
+    numbers.Add(40, u"A");
+    numbers.Remove(1);
+    EXPECT_EQ(numbers.Item(1), 20);
+    EXPECT_EQ(numbers.Item(u""), 30);
+    EXPECT_EQ(numbers.Item(u"A"), 40);
+    numbers.Remove(u"");
+    EXPECT_EQ(numbers.Item(u"A"), 40);
+    EXPECT_EQ(numbers.Count(), 2);
+}
+
+TEST(Collection, RefusesWhatIsNotThere) {
+    Collection<int> numbers;
+    numbers.Add(1, u"a");
+    EXPECT_EQ(NumberOf([&] { numbers.Add(2, u"a"); }), ERR_KeyInUse);
+    EXPECT_EQ(numbers.Count(), 1);
+    EXPECT_EQ(NumberOf([&] { numbers.Item(u"b"); }), ERR_InvalidCall);
+    EXPECT_EQ(NumberOf([&] { numbers.Remove(u"A"); }), ERR_InvalidCall);
+    EXPECT_EQ(NumberOf([&] { numbers.Item(0); }), ERR_Subscript);
+    EXPECT_EQ(NumberOf([&] { numbers.Remove(2); }), ERR_Subscript);
+}
+
+}  // namespace
+}  // namespace quorix

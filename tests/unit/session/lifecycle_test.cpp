@@ -1,0 +1,239 @@
+#include "quorix/base/AutomationError.h"
+#include "tests/unit/session/SessionFixture.h"
+
+namespace quorix {
+namespace {
+
+using ::testing::Test;
+
+constexpr const char* kHeader =
+    "<stream:stream to='s' xmlns='jabber:client' xmlns:stream='http://etherx.jabber.org/streams'>";
+constexpr const char* kGoodbye = "<presence type=\"unavailable\"><status/></presence></stream:stream>";
+
+TEST_F(SessionTest, BeginsWithItsDefaults) {
+    auto fresh = cSession::Create();
+    EXPECT_TRUE(fresh->KeepAlive());
+    EXPECT_TRUE(fresh->Reconnect());
+    EXPECT_EQ(fresh->KeepAliveInterval(), 1);
+    EXPECT_EQ(fresh->ReconnectAttempts(), 10);
+    EXPECT_EQ(fresh->ReconnectInterval(), 60);
+    EXPECT_EQ(fresh->Priority(), 5);
+    EXPECT_EQ(fresh->Port(), 0);
+    EXPECT_THROW(fresh->ProxyUseRemoteDNS(), AutomationError);
+}
+
+TEST_F(SessionTest, SwitchesKeepAliveOffWithAnIntervalOfZeroAndNotBackOn) {
+    session->KeepAliveInterval(0);
+    session->KeepAliveInterval(2);
+    EXPECT_FALSE(session->KeepAlive());
+}
+
+TEST_F(SessionTest, ConnectsToThePortsUnsignedValueAndSendsTheHeader) {
+    session->Port(static_cast<std::int16_t>(40001));
+    session->Connect();
+    env.DoEvents();
+    EXPECT_EQ(env.Peer().Destination().port, 40001);
+    EXPECT_EQ(Heard(), kHeader);
+}
+
+TEST_F(SessionTest, SendsNothingWhileNotConnected) {
+    session->SendXML(u"<a/>");
+    session->Connect();
+    session->SendXML(u"<b/>");
+    EXPECT_TRUE(events->outgoing.empty());
+}
+
+TEST_F(SessionTest, CountsItsIds) {
+    EXPECT_EQ(session->GetNextID(), u"KV_1");
+    EXPECT_EQ(session->GetNextID(), u"KV_2");
+    EXPECT_EQ(session->GetCurrentID(), u"KV_2");
+}
+
+TEST_F(SessionTest, DoesNothingForAProxyKindItDoesNotKnow) {
+    session->ProxyType(KV_SOCKS4Proxy);
+    session->Connect();
+    env.DoEvents();
+    EXPECT_EQ(env.OpenSockets(), 0U);
+    EXPECT_TRUE(events->lines.empty());
+}
+
+TEST_F(SessionTest, SaysGoodbyeOnDisconnectAndStaysAway) {
+    LogIn();
+    testkit::ScriptedPeer& peer = env.Peer();
+    session->Disconnect();
+    EXPECT_EQ(peer.Heard(), kGoodbye);
+    EXPECT_TRUE(peer.ClientClosed());
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    EXPECT_FALSE(session->Active());
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, ReportsASocketErrorAndNothingElse) {
+    env.RefuseConnections(SOCKERR_Refused);
+    session->Connect();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, Lines{"OnSocketError Connection refused. 10061"});
+    EXPECT_EQ(events->nodes.at(0)->xml(), u"");
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, ReconnectsEachIntervalAfterALoss) {
+    LogIn();
+    session->ReconnectInterval(7);
+    env.Peer().Close();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    env.Advance(6999);
+    EXPECT_EQ(env.PeerCount(), 1U);
+    env.Advance(1);
+    EXPECT_EQ(env.PeerCount(), 2U);
+    EXPECT_EQ(Heard(), kHeader);
+    EXPECT_EQ(env.RunningTimers(), 1U) << "the new socket's connect timer alone";
+}
+
+// A loss counts one, and so does each attempt: with 4 allowed, the loss leaves three attempts.
+TEST_F(SessionTest, GivesUpWhenLossAndAttemptsTogetherReachTheLimit) {
+    LogIn();
+    session->ReconnectAttempts(4);
+    session->ReconnectInterval(1);
+    env.RefuseConnections(SOCKERR_Refused);
+    env.Peer().Close();
+    env.Advance(60000);
+    EXPECT_EQ(events->Count("OnSocketError"), 4U);
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, ArmsNoTimerWhenTheAttemptsAreUsedUp) {
+    LogIn();
+    session->ReconnectAttempts(0);
+    env.Peer().Close();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, SendsWhiteSpaceEverySixtyFourSecondsOnceLoggedIn) {
+    LogIn();
+    env.Advance(63999);
+    EXPECT_EQ(Heard(), "");
+    env.Advance(1);
+    EXPECT_EQ(Heard(), "  \t  ");
+    env.Advance(64000);
+    EXPECT_EQ(Heard(), "  \t  ");
+}
+
+TEST_F(SessionTest, TimersReachTheNewestSessionAndNoneThatHasEnded) {
+    LogIn();
+    auto newer = cSession::Create();
+    env.Advance(64000);
+    EXPECT_EQ(Heard(), "") << "the newer session is not connected";
+    newer.reset();
+    env.Advance(64000);
+    EXPECT_EQ(Heard(), "");
+    EXPECT_TRUE(events->lines.empty());
+}
+
+TEST_F(SessionTest, ForgetsAStaleClosingTagWithTheConnection) {
+    LogIn();
+    Say("</stream:stream>");
+    session->Connect();
+    env.DoEvents();
+    Say("<stream:stream id='s2'>");
+    EXPECT_EQ(session->SessionID(), u"s2");
+    EXPECT_FALSE(session->Active());
+}
+
+TEST_F(SessionTest, DropsBytesOfAConnectionThatAHandlerHasClosed) {
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnIQ") session->Connect();
+    };
+    env.Peer().Say("<iq type='get' id='1'><query xmlns='x'/></iq>");
+    env.Peer().Say("<iq type='get' id='2'><query xmlns='x'/></iq>");
+    env.DoEvents();
+    EXPECT_EQ(events->incoming.size(), 1U);
+    EXPECT_EQ(session->SessionID(), u"s1") << "nothing was taken for the new stream's header";
+}
+
+TEST_F(SessionTest, FinishesTheChunkAfterAHandlerHasDisconnectedButNotAfterANewConnection) {
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnIQ") session->Disconnect();
+    };
+    Say("<iq type='get'/><iq type='set'/>");
+    EXPECT_EQ(events->lines, (Lines{"OnIQ", "OnDisConnected", "OnIQ", "OnDisConnected"}));
+
+    events->hook = nullptr;
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnIQ") session->Connect();
+    };
+    Say("<iq type='get'/><iq type='set'/>");
+    EXPECT_EQ(events->lines, Lines{"OnIQ"});
+}
+
+TEST_F(SessionTest, LeavesTheReconnectDecisionToAHandlerThatHasConnected) {
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnDisConnected") session->Connect();
+    };
+    env.Peer().Close();
+    env.DoEvents();
+    EXPECT_EQ(env.PeerCount(), 2U);
+    env.Advance(61000);
+    EXPECT_EQ(env.PeerCount(), 2U) << "no reconnect timer was left running";
+}
+
+TEST_F(SessionTest, RaisesOneDisconnectionForADisconnectInsideIt) {
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnDisConnected" || event == "OnOutgoingXML") session->Disconnect();
+    };
+    env.Peer().Close();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    EXPECT_EQ(env.RunningTimers(), 0U) << "Disconnect is final";
+}
+
+TEST_F(SessionTest, OutlivesTheLastReferenceUntilItsEntryEndsButRaisesNothingMore) {
+    LogIn();
+    std::weak_ptr<cSession> watch = session;
+    bool aliveInside = false;
+    events->hook = [&](const std::string& event) {
+        if (event != "OnIncomingXML") return;
+        session.reset();
+        aliveInside = !watch.expired();
+    };
+    env.Peer().Say("<iq type='get'/><iq type='set'/>");
+    env.DoEvents();
+    EXPECT_TRUE(aliveInside);
+    EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(events->incoming.size(), 1U);
+    EXPECT_TRUE(events->lines.empty());
+    EXPECT_EQ(env.OpenSockets(), 0U);
+    EXPECT_EQ(env.OpenWindows(), 0U);
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, GoesOnAfterAHandlerHasThrown) {
+    LogIn();
+    auto second = std::make_shared<EventRecorder>();
+    session->Advise(second);
+    events->hook = [](const std::string&) { throw std::runtime_error("handler"); };
+    Say("<iq type='get'/>");
+    EXPECT_EQ(second->lines, Lines{"OnIQ"});
+    EXPECT_EQ(events->lines, Lines{"OnIQ"});
+}
+
+TEST_F(SessionTest, RaisesNothingToASinkThatWasUnadvisedInsideTheEvent) {
+    LogIn();
+    auto second = std::make_shared<EventRecorder>();
+    session->Advise(second);
+    events->hook = [&](const std::string&) { session->Unadvise(second); };
+    Say("<iq type='get'/>");
+    EXPECT_TRUE(second->lines.empty());
+    EXPECT_TRUE(second->incoming.empty());
+}
+
+}  // namespace
+}  // namespace quorix
