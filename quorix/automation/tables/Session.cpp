@@ -75,9 +75,7 @@ const ClassTable& TableOf<cSession>() {
             .Method(L"FindRosterItem", &T::FindRosterItem)
             .Method(L"ParseReceiveRoster", &T::ParseReceiveRoster)
             .Method(L"FindItemType", &T::FindItemType);
-    return Variant();
-});
-return table;
+    return table;
 }
 
 template <>
