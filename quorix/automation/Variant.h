@@ -14,6 +14,9 @@
 
 #include "quorix/base/String.h"
 
+// The system's macro would rename a member of cMessage.
+#undef SendMessage
+
 namespace quorix::automation {
 
 // An argument that cannot be taken: what IDispatch answers, and which argument (counted from 0).
