@@ -127,6 +127,7 @@ TEST(Session, KeepsTheRosterAndPresences) {
     dave.session.Put(L"Status", Of(L"at work"));
     dave.session.Put(L"ShowType", Of(2));
     carol.session.Do(L"SendMyPresence");
+    ASSERT_TRUE(carol.Wait(kPresence)) << "the server tells her of herself";
     dave.session.Do(L"SendPresence", {Of(L"carol@localhost/here"), Of(0), Of(L"direct")});
     ASSERT_TRUE(PumpUntil([&] {
         return carol.events->Saw(kPresence) &&
