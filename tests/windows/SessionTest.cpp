@@ -87,7 +87,8 @@ TEST(Session, RegistersAnAccountLogsInAndChats) {
     bob.session.Do(L"SendMyPresence");
 
     const Late message = alice.session.Object(
-        L"CreateMessage", {Of(L"bob@localhost/here"), Of(1), Of(L"Gr\u00fc\u00dfe <\u20ac>"), Of(L"subject")});
+        L"CreateMessage",
+        {Of(L"bob@localhost/here"), Of(1), Of(L"Gr\u00fc\u00dfe <\u20ac>"), Of(L"subject")});
     message.Do(L"SendMessage");
     ASSERT_TRUE(bob.Wait(kMessage));
     const Late received(bob.events->values[kMessage].at(0));

@@ -1,12 +1,14 @@
 // The type library and the tables describe the same members.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 
 #include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
+#include "quorix/services/cGroupChat.h"
+#include "quorix/session/cSession.h"
 
 namespace quorix::automation {
 namespace {
@@ -102,6 +104,84 @@ TEST(TypeLibrary, LetsClientsCreateExactlyTheClassesThatTheTablesCreate) {
             << std::string(table->Name(), table->Name() + wcslen(table->Name()));
         declared.classInfo->ReleaseTypeAttr(type);
     }
+}
+
+using Constants = std::map<std::string, std::int32_t>;
+
+std::string Ascii(const std::wstring& text) { return {text.begin(), text.end()}; }
+
+std::map<std::string, Constants> DeclaredEnumerations() {
+    std::map<std::string, Constants> all;
+    const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
+    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
+        ComPtr<ITypeInfo> info;
+        TYPEATTR* type = nullptr;
+        library->GetTypeInfo(i, &info);
+        info->GetTypeAttr(&type);
+        for (UINT v = 0; type->typekind == TKIND_ENUM && v < type->cVars; ++v) {
+            VARDESC* constant = nullptr;
+            info->GetVarDesc(v, &constant);
+            all[Ascii(NameOf(*info.Get(), MEMBERID_NIL))][Ascii(NameOf(*info.Get(), constant->memid))] =
+                constant->lpvarValue->lVal;
+            info->ReleaseVarDesc(constant);
+        }
+        info->ReleaseTypeAttr(type);
+    }
+    return all;
+}
+
+TEST(TypeLibrary, DeclaresTheEnumerationsWithTheLibrarysOwnValues) {
+    std::map<std::string, Constants> expected;
+#define QUORIX_CONSTANT(enumeration, name) expected[#enumeration][#name] = enumeration::name
+    QUORIX_CONSTANT(eAuthType, KV_AutoAuth);
+    QUORIX_CONSTANT(eAuthType, KV_ZeroKAuth);
+    QUORIX_CONSTANT(eAuthType, KV_DigestAuth);
+    QUORIX_CONSTANT(eAuthType, KV_PlainAuth);
+    QUORIX_CONSTANT(eProxyType, KV_NoProxy);
+    QUORIX_CONSTANT(eProxyType, KV_HTTPProxy);
+    QUORIX_CONSTANT(eProxyType, KV_SOCKS4Proxy);
+    QUORIX_CONSTANT(eProxyType, KV_SOCKS5Proxy);
+    QUORIX_CONSTANT(eProxy_Authentication, KV_SocksNoAuth);
+    QUORIX_CONSTANT(eProxy_Authentication, KV_SocksUserPass);
+    QUORIX_CONSTANT(sockType, sockClosed);
+    QUORIX_CONSTANT(sockType, sockListening);
+    QUORIX_CONSTANT(sockType, sockConnecting);
+    QUORIX_CONSTANT(sockType, sockConnected);
+    QUORIX_CONSTANT(eSubType, KV_Available);
+    QUORIX_CONSTANT(eSubType, KV_UnAvailable);
+    QUORIX_CONSTANT(eSubType, KV_Subscribe);
+    QUORIX_CONSTANT(eSubType, KV_UnSubscribe);
+    QUORIX_CONSTANT(eSubType, KV_Subscribe_Accept);
+    QUORIX_CONSTANT(eSubType, KV_Subscribe_Deny);
+    QUORIX_CONSTANT(eSubType, KV_Invisible);
+    QUORIX_CONSTANT(eShowType, KV_None);
+    QUORIX_CONSTANT(eShowType, KV_chat);
+    QUORIX_CONSTANT(eShowType, KV_Away);
+    QUORIX_CONSTANT(eShowType, KV_ExtendedAway);
+    QUORIX_CONSTANT(eShowType, KV_DND);
+    QUORIX_CONSTANT(eSubscriptionType, KV_Empty);
+    QUORIX_CONSTANT(eSubscriptionType, KV_To);
+    QUORIX_CONSTANT(eSubscriptionType, KV_From);
+    QUORIX_CONSTANT(eSubscriptionType, KV_Both);
+    QUORIX_CONSTANT(eSubscriptionType, KV_Remove);
+    QUORIX_CONSTANT(eMsgType, MSG_Normal);
+    QUORIX_CONSTANT(eMsgType, MSG_Chat);
+    QUORIX_CONSTANT(eMsgType, MSG_Headline);
+    QUORIX_CONSTANT(eMsgType, MSG_GroupChat);
+    QUORIX_CONSTANT(eMsgType, MSG_UnKnown);
+    QUORIX_CONSTANT(eEvent, KV_Offline);
+    QUORIX_CONSTANT(eEvent, KV_Composing);
+    QUORIX_CONSTANT(eEvent, KV_Displayed);
+    QUORIX_CONSTANT(eEvent, KV_Delivered);
+    QUORIX_CONSTANT(eEvent, KV_Cancelled);
+    QUORIX_CONSTANT(eItemType, KV_RosterItem);
+    QUORIX_CONSTANT(eItemType, KV_AgentItem);
+    QUORIX_CONSTANT(eItemType, KV_GroupChatItem);
+    QUORIX_CONSTANT(eItemType, KV_Unknown);
+    QUORIX_CONSTANT(eServerType, KV_Public);
+    QUORIX_CONSTANT(eServerType, KV_Private);
+#undef QUORIX_CONSTANT
+    EXPECT_EQ(DeclaredEnumerations(), expected);
 }
 
 }  // namespace

@@ -4,6 +4,12 @@
 #include "quorix/services/cXData.h"
 
 namespace quorix::automation {
+namespace {
+
+auto FieldsOf(const std::shared_ptr<cXData>& form) { return PartOf(form, form->Fields()); }
+auto OptionsOf(const std::shared_ptr<cXDataField>& field) { return PartOf(field, field->Options()); }
+
+}  // namespace
 
 template <>
 const ClassTable& TableOf<cSearchField>() {
@@ -45,29 +51,25 @@ const ClassTable& TableOf<cSearchResults>() {
 template <>
 const ClassTable& TableOf<cXData>() {
     using T = cXData;
-    static const auto table =
-        Class<T>(L"cXData")
-            .Creatable()
-            .Property(L"Title", &T::Title, &T::Title)
-            .Property(L"Instructions", &T::Instructions, &T::Instructions)
-            .Get(
-                L"Fields", +[](const std::shared_ptr<T>& owner) { return PartOf(owner, owner->Fields()); });
+    static const auto table = Class<T>(L"cXData")
+                                  .Creatable()
+                                  .Property(L"Title", &T::Title, &T::Title)
+                                  .Property(L"Instructions", &T::Instructions, &T::Instructions)
+                                  .Get(L"Fields", &FieldsOf);
     return table;
 }
 
 template <>
 const ClassTable& TableOf<cXDataField>() {
     using T = cXDataField;
-    static const auto table =
-        Class<T>(L"cXDataField")
-            .Creatable()
-            .Property(L"Required", &T::Required, &T::Required)
-            .Property(L"FieldType", &T::FieldType, &T::FieldType)
-            .Property(L"Label", &T::Label, &T::Label)
-            .Property(L"Var", &T::Var, &T::Var)
-            .Property(L"Value", &T::Value, &T::Value)
-            .Get(
-                L"Options", +[](const std::shared_ptr<T>& owner) { return PartOf(owner, owner->Options()); });
+    static const auto table = Class<T>(L"cXDataField")
+                                  .Creatable()
+                                  .Property(L"Required", &T::Required, &T::Required)
+                                  .Property(L"FieldType", &T::FieldType, &T::FieldType)
+                                  .Property(L"Label", &T::Label, &T::Label)
+                                  .Property(L"Var", &T::Var, &T::Var)
+                                  .Property(L"Value", &T::Value, &T::Value)
+                                  .Get(L"Options", &OptionsOf);
     return table;
 }
 
