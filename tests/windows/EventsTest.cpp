@@ -132,6 +132,22 @@ TEST_F(Events, GiveScriptsFlagsAndKindsToRead) {
     EXPECT_EQ(sink->types[10][1], VT_BYREF | VT_VARIANT);
 }
 
+TEST_F(Events, LeaveNoReferencesBehind) {
+    const unsigned long before = object.References();
+    Connection sink(object);
+    const unsigned long connected = object.References();
+    sink->at[1] = [&] {
+        EXPECT_EQ(object.Text(L"Active"), "False") << "called from inside the event";
+        session->Raise(&E::OnNewUserCreated);
+        return E_FAIL;
+    };
+    session->Raise(&E::OnAuthorized);
+    EXPECT_EQ(sink->events, (std::vector<DISPID>{1, 2}));
+    EXPECT_EQ(object.References(), connected);
+    sink.Cut();
+    EXPECT_EQ(object.References(), before);
+}
+
 TEST_F(Events, StopWhenTheSinkLeavesOrTheSessionEnds) {
     Connection first(object);
     Connection second(object);

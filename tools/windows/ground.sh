@@ -9,9 +9,11 @@ archive() {
     apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $suite" 'Component: main' | head -n 1
 }
 
-# A 32-bit Wine runs in a file system of its own: its packages are another architecture's, which the
-# machine itself need not accept. Made under a temporary name, so that an interrupted run leaves nothing half done.
+# Where the machine itself has no 32-bit Wine, one runs in a file system of its own: its packages are another
+# architecture's, which the machine need not accept. Made under a temporary name, so that an interrupted run leaves nothing half done.
 make_wine32() {
+    wine32_root=
+    [ -x /usr/lib/wine/wine ] && return
     wine32_root=$store/wine32-$suite
     [ -x "$wine32_root/usr/lib/wine/wine" ] && return
     local making=$wine32_root.making
