@@ -41,6 +41,8 @@ void LoopbackConnection::Take(const Stanza& stanza) {
 }
 
 void LoopbackConnection::TakeIq(const Stanza& stanza) {
+    std::optional<String> content = server_.services_.Answer(stanza, username_);
+    if (authorized_ && content) return Result(stanza, *content);
     String nameSpace = stanza.Query().Attribute(u"xmlns");
     for (const Route& route : kRoutes) {
         if (route.nameSpace == nameSpace) return (this->*route.answer)(stanza);
@@ -124,12 +126,14 @@ void LoopbackConnection::RosterList(const Stanza& stanza) {
 }
 
 void LoopbackConnection::TakePresence(const Stanza& stanza) {
+    for (const String& reply : server_.services_.AnswerPresence(stanza, FullJid())) Send(reply);
     if (!stanza.type.empty() || stanza.root.HasAttribute(u"to")) return;
     Send(Concat({u"<presence from='", LoopbackServer::kContact, u"/loop' to='", FullJid(),
                  u"'><status>at your service</status><priority>1</priority></presence>"}));
 }
 
 void LoopbackConnection::TakeMessage(const Stanza& stanza) {
+    for (const String& reply : server_.services_.AnswerMessage(stanza, FullJid())) Send(reply);
     if (RemoveResource(stanza.root.Attribute(u"to")) != LoopbackServer::kContact) return;
     XmlNode body = stanza.root.Child(u"body");
     if (!body) return;

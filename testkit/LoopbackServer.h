@@ -11,6 +11,7 @@
 
 #include "quorix/link/Stanza.h"
 #include "quorix/net/cSocketSSL.h"
+#include "testkit/LoopbackServices.h"
 
 namespace quorix::testkit {
 
@@ -55,6 +56,7 @@ private:
     std::shared_ptr<cSocketSSL> listener_;
     std::vector<std::shared_ptr<LoopbackConnection>> connections_;
     std::map<String, LoopbackAccount, std::less<>> accounts_;
+    LoopbackServices services_;
     std::uint32_t nextStream_ = 0;
 };
 

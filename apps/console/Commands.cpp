@@ -34,18 +34,29 @@ void Wait(Console& console, Arguments arguments) { console.Wait(WireInt16(argume
 
 void Quit(Console& console, Arguments /*arguments*/) { console.Quit(); }
 
+const std::vector<Command> kChat{
+    {u"/msg", u"JID TEXT", u"sends a message", Msg},
+    {u"/roster", u"", u"fetches and lists the contacts", ShowRoster},
+    {u"/presence", u"[TEXT]", u"tells the contacts that you are there, with a status text", SetPresence},
+};
+
+const std::vector<Command> kProgram{
+    {u"/raw", u"XML", u"sends XML as it is", Raw},
+    {u"/wait", u"SECONDS", u"reads no input for a while (for scripts)", Wait},
+    {u"/help", u"", u"lists the commands", Help},
+    {u"/quit", u"", u"says good-bye and ends", Quit},
+};
+
+std::vector<Command> Joined(std::initializer_list<std::vector<Command>> parts) {
+    std::vector<Command> all;
+    for (const std::vector<Command>& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
 }  // namespace
 
 const std::vector<Command>& Commands() {
-    static const std::vector<Command> commands{
-        {u"/msg", u"JID TEXT", u"sends a message", Msg},
-        {u"/roster", u"", u"fetches and lists the contacts", ShowRoster},
-        {u"/presence", u"[TEXT]", u"tells the contacts that you are there, with a status text", SetPresence},
-        {u"/raw", u"XML", u"sends XML as it is", Raw},
-        {u"/wait", u"SECONDS", u"reads no input for a while (for scripts)", Wait},
-        {u"/help", u"", u"lists the commands", Help},
-        {u"/quit", u"", u"says good-bye and ends", Quit},
-    };
+    static const std::vector<Command> commands = Joined({kChat, ServiceCommands(), kProgram});
     return commands;
 }
 

@@ -30,13 +30,17 @@ String Arguments::Word() {
     return word;
 }
 
-Console::Console(Options options) : options_(std::move(options)), session_(cSession::Create()) {}
+Console::Console(Options options)
+    : options_(std::move(options)),
+      session_(cSession::Create()),
+      desk_(std::make_shared<ServiceDesk>(*this)) {}
 Console::~Console() = default;
 
 int Console::Run() {
     terminal_ = std::make_unique<Terminal>([this](const std::string& line) { TakeLine(TextFromUtf8(line)); },
                                            [this] { TakeEnd(); });
     session_->Advise(shared_from_this());
+    session_->Advise(desk_);
     ApplyOptions();
     Print(Concat({u"Connecting to ", session_->ServerAddress(), u" ..."}));
     session_->Connect(options_.newUser);

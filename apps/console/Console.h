@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/console/Options.h"
+#include "apps/console/ServiceDesk.h"
 #include "apps/console/Terminal.h"
 #include "quorix/session/cSession.h"
 
@@ -42,6 +43,7 @@ public:
     int Run();
 
     cSession& Session() { return *session_; }
+    ServiceDesk& Desk() { return *desk_; }
     void Print(StringView text);
     void Quit();
 
@@ -70,11 +72,15 @@ private:
 
     Options options_;
     std::shared_ptr<cSession> session_;
+    std::shared_ptr<ServiceDesk> desk_;
     std::unique_ptr<Terminal> terminal_;
     bool loggedIn_ = false;
     bool quitting_ = false;
     int exitCode_ = 0;
 };
+
+// What the services offer. Commands has them too.
+const std::vector<Command>& ServiceCommands();
 
 // All commands, in the order in which /help lists them.
 const std::vector<Command>& Commands();

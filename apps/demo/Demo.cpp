@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "apps/demo/ServiceTour.h"
 #include "quorix/base/WireText.h"
 #include "quorix/platform/MessageLoop.h"
 #include "quorix/session/cSession.h"
@@ -9,16 +10,21 @@
 
 namespace quorix::demo {
 
+void Say(StringView text) { std::printf("%s\n", Utf8FromText(text).c_str()); }
+
 namespace {
 
 constexpr std::int32_t kTimeLimit = 10000;  // milliseconds
 
-void Say(StringView text) { std::printf("%s\n", Utf8FromText(text).c_str()); }
-
 // The steps, each of which leads to the next: the session's events drive them.
 class Demo : public SessionEvents {
 public:
-    Demo(cSession& session, testkit::LoopbackServer& server) : session_(session), server_(server) {}
+    Demo(cSession& session, testkit::LoopbackServer& server)
+        : session_(session),
+          server_(server),
+          tour_(std::make_shared<ServiceTour>(session, [this] { DropLine(); })) {
+        session_.Advise(tour_);
+    }
 
     bool Succeeded() const { return succeeded_; }
 
@@ -30,7 +36,8 @@ public:
 
     void OnAuthorized() override {
         ++logins_;
-        Say(Concat({u"login       accepted for ", session_.MyJid(), u"/", session_.Resource()}));
+        Say(Concat({u"login       ", session_.Sequence() > 0 ? u"by zero-knowledge" : u"by digest",
+                    u" accepted for ", session_.MyJid(), u"/", session_.Resource()}));
         if (logins_ == 2) return Finish();
         session_.FetchRoster();
     }
@@ -48,8 +55,8 @@ public:
     }
 
     void OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem, bool bAvailable,
-                    StringView /*ShowType*/, std::int32_t /*ItemType*/,
-                    const NodePtr& /*XMLElement*/) override {
+                    StringView /*ShowType*/, std::int32_t ItemType, const NodePtr& /*XMLElement*/) override {
+        if (ItemType != KV_RosterItem) return;  // somebody in a room
         Say(Concat({u"presence    received: ", PresenceItem->JID(), bAvailable ? u" is online: " : u" left: ",
                     PresenceItem->Status()}));
         Say(u"message     sent: Grüße aus der Schleife");
@@ -58,8 +65,7 @@ public:
 
     void OnMessage(const std::shared_ptr<cMessage>& Message) override {
         Say(Concat({u"message     received: ", Message->Body()}));
-        Say(u"line        dropped by the server");
-        server_.DropConnections();
+        tour_->Begin();
     }
 
     void OnDisConnected() override {
@@ -75,6 +81,14 @@ public:
     }
 
 private:
+    // The next login finds zero-knowledge on offer, and prefers it.
+    void DropLine() {
+        *server_.FindAccount(session_.username()) = {
+            .password = session_.Password(), .sequence = 7, .token = u"salt"};
+        Say(u"line        dropped by the server");
+        server_.DropConnections();
+    }
+
     void Finish() {
         finished_ = true;
         Say(u"disconnect  asked for");
@@ -83,6 +97,7 @@ private:
 
     cSession& session_;
     testkit::LoopbackServer& server_;
+    std::shared_ptr<ServiceTour> tour_;
     String streamId_;
     int logins_ = 0;
     bool finished_ = false;

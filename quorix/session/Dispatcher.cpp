@@ -9,6 +9,25 @@ namespace quorix {
 namespace {
 
 constexpr StringView kLoginId = u"kv_login";
+constexpr StringView kOutOfBand = u"jabber:iq:oob";
+
+// What needs the session's link alone.
+struct ServiceRoute {
+    StringView nameSpace;
+    void (*handle)(SessionLink&, const Stanza&);
+};
+
+constexpr ServiceRoute kServices[] = {
+    {u"jabber:iq:last", HandleLast},       {u"jabber:iq:time", HandleTime},
+    {u"jabber:iq:version", HandleVersion}, {u"jabber:iq:conference", HandleConference},
+    {u"jabber:iq:browse", HandleBrowse},   {kOutOfBand, HandleOob},
+    {u"jabber:iq:gateway", HandleGateway},
+};
+
+// Servers leave the query out of a refusal, so an error is known by its id too.
+bool IsAgentList(const Stanza& stanza, StringView nameSpace) {
+    return stanza.id == kAgentListId && (nameSpace == u"jabber:iq:agents" || stanza.IsError());
+}
 
 }  // namespace
 
@@ -17,6 +36,8 @@ const Dispatcher::Route Dispatcher::kRoutes[] = {
     {u"jabber:iq:admin", &Dispatcher::Administration},
     {u"jabber:iq:roster", &Dispatcher::RosterQuery},
     {u"jabber:iq:register", &Dispatcher::Registration},
+    {u"jabber:iq:search", &Dispatcher::SearchReply},
+    {u"vcard-temp", &Dispatcher::VCardReply},
     {u"", &Dispatcher::WithoutQuery},
 };
 
@@ -50,15 +71,24 @@ void Dispatcher::Iq(const Stanza& stanza) {
 }
 
 void Dispatcher::IqError(const Stanza& stanza) {
-    if (!stanza.IsError()) return;
+    bool reported = stanza.Query().AttributeIs(u"xmlns", kOutOfBand);  // by OnOOBResult
+    if (!stanza.IsError() || reported) return;
     session_.Raise(&SessionEvents::OnIQError, stanza.node, stanza.from, stanza.ErrorCode(),
                    stanza.ErrorText());
 }
 
 void Dispatcher::TakeToBranch(const Stanza& stanza) {
     String nameSpace = stanza.Query().Attribute(u"xmlns");
+    if (IsAgentList(stanza, nameSpace)) return AgentList(stanza);
     for (const Route& route : kRoutes) {
         if (route.nameSpace == nameSpace) return (this->*route.branch)(stanza);
+    }
+    TakeToService(stanza, nameSpace);
+}
+
+void Dispatcher::TakeToService(const Stanza& stanza, StringView nameSpace) {
+    for (const ServiceRoute& route : kServices) {
+        if (route.nameSpace == nameSpace) return route.handle(session_, stanza);
     }
 }
 
@@ -113,7 +143,9 @@ void Dispatcher::LoginFields(const Stanza& stanza) {
 
 // The form of a new account is filled in at once; any other belongs to an agent.
 void Dispatcher::Registration(const Stanza& stanza) {
-    if (stanza.IsResult() && session_.newUser_) SendNewUser(session_, stanza);
+    if (!stanza.IsResult()) return;
+    if (session_.newUser_) return SendNewUser(session_, stanza);
+    session_.agents_.HandleRegistrationForm(stanza);
 }
 
 // -- Other queries --
@@ -125,6 +157,10 @@ void Dispatcher::Administration(const Stanza& stanza) {
 void Dispatcher::RosterQuery(const Stanza& stanza) {
     session_.roster_.ParseRoster(self_, session_.presence_, stanza);
 }
+
+void Dispatcher::AgentList(const Stanza& stanza) { session_.agents_.HandleList(self_, stanza); }
+void Dispatcher::SearchReply(const Stanza& stanza) { session_.search_.Handle(session_, stanza); }
+void Dispatcher::VCardReply(const Stanza& stanza) { HandleVCard(self_, stanza); }
 
 void Dispatcher::WithoutQuery(const Stanza& stanza) {
     if (stanza.IsResult()) session_.Raise(&SessionEvents::OnIQResult, stanza.node, stanza.from);

@@ -33,8 +33,12 @@ private:
     bool LoginPending() const { return !session_.authorized_ && session_.streamOpen_; }
 
     void TakeToBranch(const Stanza& stanza);
+    void TakeToService(const Stanza& stanza, StringView nameSpace);
     void LoginFields(const Stanza& stanza);
     void Registration(const Stanza& stanza);
+    void AgentList(const Stanza& stanza);
+    void SearchReply(const Stanza& stanza);
+    void VCardReply(const Stanza& stanza);
     void Administration(const Stanza& stanza);
     void RosterQuery(const Stanza& stanza);
     void WithoutQuery(const Stanza& stanza);

@@ -197,6 +197,7 @@ void cSession::CloseSession(StringView code, StringView description) {
         if (socket_->State() != sockClosed) SayGoodbye();
         if (generation_ == generation) CloseSocket();
         if (!code.empty()) RaiseError(code, description);
+        search_.Empty();
         Raise(&SessionEvents::OnDisConnected);
     }
     if (generation_ == generation) DecideReconnect();
@@ -358,7 +359,13 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
     return item;
 }
 
-eItemType cSession::FindItemType(StringView /*jid*/) { return KV_Unknown; }
-bool cSession::LeaveRoom(StringView /*jid*/, StringView /*nickname*/) { return false; }
+eItemType cSession::FindItemType(StringView jid) {
+    if (rooms_.FindGroupChat(jid) > 0) return KV_GroupChatItem;
+    String bareJid = RemoveResource(jid);
+    if (agents_.Knows(bareJid)) return KV_AgentItem;
+    return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;
+}
+
+bool cSession::LeaveRoom(StringView jid, StringView nickname) { return rooms_.Leave(jid, nickname); }
 
 }  // namespace quorix

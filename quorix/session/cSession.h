@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 
+#include "quorix/auth/Account.h"
 #include "quorix/base/Jid.h"
 #include "quorix/im/Messages.h"
 #include "quorix/im/Presence.h"
@@ -23,6 +24,16 @@
 #include "quorix/link/SessionLink.h"
 #include "quorix/net/cSocketSSL.h"
 #include "quorix/net/mTimer.h"
+#include "quorix/services/Agents.h"
+#include "quorix/services/Browse.h"
+#include "quorix/services/Conference.h"
+#include "quorix/services/GroupChats.h"
+#include "quorix/services/Information.h"
+#include "quorix/services/OutOfBand.h"
+#include "quorix/services/PrivateStorage.h"
+#include "quorix/services/Search.h"
+#include "quorix/services/VCard.h"
+#include "quorix/services/cBrowseItem.h"
 #include "quorix/session/EventSinks.h"
 #include "quorix/session/Framer.h"
 
@@ -210,8 +221,87 @@ public:
         quorix::SendEvent(*this, jid, event, id, cancel);
     }
 
+    // -- The account (jabber:iq:register, XEP-0077) --
+
+    // OnChangedPassword follows. Password stays as it is; nothing is escaped.
+    void ChangePassword(StringView NewPassword) { quorix::ChangePassword(*this, NewPassword); }
+    // OnAccountRemoved follows.
+    void RemoveAccount() { quorix::RemoveAccount(*this); }
+
+    // -- Agents (jabber:iq:agents) --
+
+    // What FetchAgents has brought, keyed by name.
+    quorix::Agents::List& Agents() { return agents_.Items(); }
+    void FetchAgents() { quorix::FetchAgents(*this); }
+    std::int16_t FindAgent(StringView JID) const { return agents_.FindAgent(JID); }
+    // Asks an agent for its registration form under the id `ID`. The reply fills the agent's Fields.
+    void GetAgentRegister(StringView JID, StringView ID) { quorix::GetAgentRegister(*this, JID, ID); }
+
+    // -- Searching (jabber:iq:search, XEP-0055): requests are the agents' --
+
+    // None is ever null. Fields and results are emptied when the connection ends.
+    const std::shared_ptr<cSearchFields>& SearchFields() const { return search_.SearchFields(); }
+    const std::shared_ptr<cSearchResults>& Searchresults() const { return search_.Searchresults(); }
+    const std::shared_ptr<cXData>& SearchXData() const { return search_.SearchXData(); }
+
+    // -- Business cards (vcard-temp, XEP-0054) --
+
+    void SendVCardRequest(StringView JID) { quorix::SendVCardRequest(*this, JID); }
+    // Publishes the card as the user's own, whole. Nothing happens without one.
+    void UpdateVcard(const std::shared_ptr<cVcard>& vcard) { quorix::UpdateVcard(*this, vcard); }
+
+    // -- Rooms (jabber:iq:browse, jabber:iq:conference) --
+
+    // The rooms joined; FindGroupChat gives positions in it, by the exact JID.
+    const GroupChats::List& Rooms() const { return rooms_.Items(); }
+    std::int32_t FindGroupChat(StringView JID) const { return rooms_.FindGroupChat(JID); }
+    void BrowseChatServer(StringView JID, StringView ID) { quorix::BrowseChatServer(*this, JID, ID); }
+    void BrowseChatRoom(StringView JID, StringView ID) { quorix::BrowseChatRoom(*this, JID, ID); }
+    // Joins or leaves. Error 91 without a room.
+    void SendGroupChatRequest(const std::shared_ptr<cGroupChat>& groupChat, bool available) {
+        rooms_.SendGroupChatRequest(*this, groupChat, available);
+    }
+    void SendGroupChatPresence(StringView groupJID, eShowType showType, StringView status) {
+        quorix::SendGroupChatPresence(*this, groupJID, showType, status);
+    }
+    void ChangeGCNickName(const std::shared_ptr<cGroupChat>& groupChat, StringView sNickname) {
+        quorix::ChangeGCNickName(*this, groupChat, sNickname);
+    }
+    void SendGCInvite10(StringView JID, StringView GCJID) { quorix::SendGCInvite10(*this, JID, GCJID); }
+
+    // -- Questions and answers (jabber:iq:version, jabber:iq:time, jabber:iq:last) --
+
+    void SendVersionRequest(StringView JID) { quorix::SendVersionRequest(*this, JID); }
+    void SendTimeRequest(StringView JID) { quorix::SendTimeRequest(*this, JID); }
+    void SendLastSeenRequest(StringView JID) { quorix::SendLastSeenRequest(*this, JID); }
+    // The answers carry a fresh id, and their values unescaped.
+    void SendVersionResponse(StringView JID, StringView name, StringView version, StringView os) {
+        quorix::SendVersionResponse(*this, JID, name, version, os);
+    }
+    void SendTimeResponse(StringView JID, StringView utc, StringView timeZone, StringView display) {
+        quorix::SendTimeResponse(*this, JID, utc, timeZone, display);
+    }
+    void SendGetLastResponse(StringView JID, StringView seconds) {
+        quorix::SendGetLastResponse(*this, JID, seconds);
+    }
+
+    // -- Private storage (jabber:iq:private, XEP-0049) and file offers (jabber:iq:oob, XEP-0066) --
+
+    // Error 5 for a namespace without ":".
+    void StorePrivateData(StringView nameSpace, StringView data) {
+        quorix::StorePrivateData(*this, nameSpace, data);
+    }
+    // Sends nothing, always "". Ask with SendXML; the answer comes with OnIQ.
+    String getPrivateData(StringView nameSpace) { return quorix::getPrivateData(*this, nameSpace); }
+    void SendOOBRequest(StringView JID, StringView description, StringView url) {
+        quorix::SendOOBRequest(*this, JID, description, url);
+    }
+    void SendOOBComplete(StringView JID) { quorix::SendOOBComplete(*this, JID); }
+
     // -- SessionLink --
 
+    // A joined room (exactly this JID), else an agent, else a contact (without the resource, ASCII case
+    // aside), else unknown.
     eItemType FindItemType(StringView jid) override;
     bool LeaveRoom(StringView jid, StringView nickname) override;
     void ForEachSink(const std::function<void(SessionEvents&)>& raise) override;
@@ -304,6 +394,9 @@ private:
     Framer framer_;
     PresenceTable presence_;
     RosterTable roster_;
+    Search search_;
+    quorix::Agents agents_{search_.SearchFields()};
+    GroupChats rooms_;
 };
 
 }  // namespace quorix
