@@ -23,6 +23,7 @@ make_wine32() {
     as_root chroot "$making" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends wine wine32
     as_root chroot "$making" apt-get clean
+    echo '127.0.0.1 localhost' | as_root tee "$making/etc/hosts" >/dev/null
     as_root rm -rf "$wine32_root"
     as_root mv "$making" "$wine32_root"
 }

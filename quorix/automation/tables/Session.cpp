@@ -16,6 +16,16 @@ auto PresenceOf(const std::shared_ptr<T>& session) {
     return PartOf<Shared<cPresenceItem>>(session, session->Presence());
 }
 
+auto AgentsOf(const std::shared_ptr<T>& session) {
+    return PartOf<Shared<cAgentItem>>(session, session->Agents());
+}
+
+// There is no answer to return: the server's comes later, if at all.
+Variant GetPrivateData(T& session, StringView nameSpace) {
+    session.getPrivateData(nameSpace);
+    return {};
+}
+
 }  // namespace
 
 template <>
@@ -58,11 +68,17 @@ const ClassTable& TableOf<cSession>() {
             .Get(L"GetNextID", &T::GetNextID)
             .Get(L"Roster", &RosterOf)
             .Get(L"Presence", &PresenceOf)
+            .Get(L"Agents", &AgentsOf)
+            .Get(L"SearchFields", &T::SearchFields)
+            .Get(L"Searchresults", &T::Searchresults)
+            .Get(L"SearchXData", &T::SearchXData)
             .Method(L"Connect", &T::Connect)
             .Method(L"Disconnect", &T::Disconnect)
             .Method(L"SendXML", &T::SendXML)
             .Method(L"Convert2UTF8", &T::Convert2UTF8)
             .Method(L"Convert2Unicode", &T::Convert2Unicode)
+            .Method(L"ChangePassword", &T::ChangePassword)
+            .Method(L"RemoveAccount", &T::RemoveAccount)
             .Method(L"CreateMessage", &T::CreateMessage)
             .Method(L"SendEvent", &T::SendEvent, 1)
             .Method(L"SendMyPresence", &T::SendMyPresence)
@@ -74,7 +90,29 @@ const ClassTable& TableOf<cSession>() {
             .Method(L"CreateRosterItem", &T::CreateRosterItem)
             .Method(L"FindRosterItem", &T::FindRosterItem)
             .Method(L"ParseReceiveRoster", &T::ParseReceiveRoster)
-            .Method(L"FindItemType", &T::FindItemType);
+            .Method(L"FetchAgents", &T::FetchAgents)
+            .Method(L"FindAgent", &T::FindAgent)
+            .Method(L"GetAgentRegister", &T::GetAgentRegister)
+            .Method(L"FindItemType", &T::FindItemType)
+            .Method(L"SendVCardRequest", &T::SendVCardRequest)
+            .Method(L"UpdateVcard", &T::UpdateVcard)
+            .Method(L"BrowseChatServer", &T::BrowseChatServer)
+            .Method(L"BrowseChatRoom", &T::BrowseChatRoom)
+            .Method(L"SendGroupChatRequest", &T::SendGroupChatRequest)
+            .Method(L"SendGroupChatPresence", &T::SendGroupChatPresence)
+            .Method(L"ChangeGCNickName", &T::ChangeGCNickName)
+            .Method(L"SendGCInvite10", &T::SendGCInvite10)
+            .Method(L"FindGroupChat", &T::FindGroupChat)
+            .Method(L"SendVersionRequest", &T::SendVersionRequest)
+            .Method(L"SendTimeRequest", &T::SendTimeRequest)
+            .Method(L"SendLastSeenRequest", &T::SendLastSeenRequest)
+            .Method(L"SendVersionResponse", &T::SendVersionResponse)
+            .Method(L"SendTimeResponse", &T::SendTimeResponse)
+            .Method(L"SendGetLastResponse", &T::SendGetLastResponse)
+            .Method(L"SendOOBRequest", &T::SendOOBRequest)
+            .Method(L"SendOOBComplete", &T::SendOOBComplete)
+            .Method(L"StorePrivateData", &T::StorePrivateData)
+            .Method(L"getPrivateData", &GetPrivateData);
     return table;
 }
 
