@@ -1,8 +1,9 @@
-// with_server KIND COMMAND [ARGUMENT...]: runs a command beside a real server on loopback, both on this system.
+// with_server KIND COMMAND [ARGUMENT...]: runs a command beside a real server on loopback, both on this
+// system.
 //
-// In the arguments @port@ is the server's port, @tls@ its port for TLS, and @control@ one where the command can
-// send a line: "kill" ends the server without a word to its clients, "start" starts it again; the answer comes
-// when it is done. The exit code is the command's.
+// In the arguments @port@ is the server's port, @tls@ its port for TLS, and @control@ one where the command
+// can send a line: "kill" ends the server without a word to its clients, "start" starts it again; the answer
+// comes when it is done. The exit code is the command's.
 #include <netinet/in.h>
 #include <poll.h>
 #include <spawn.h>
