@@ -194,24 +194,38 @@ TEST(Object, DescribesItself) {
     EXPECT_EQ(silent->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &id), E_FAIL) << "raises no events";
 }
 
-TEST(Object, RefusesCallsFromAnotherThreadAndEndsOnItsOwn) {
-    Late socket = Late::Create(L"Quorix.cSocketSSL");
-    IDispatch* raw = socket.Raw();
+TEST(Object, RefusesCallsFromAnotherThread) {
+    const Late socket = Late::Create(L"Quorix.cSocketSSL");
     const DISPID id = socket.Id(L"TimeOut");
-    HRESULT called = S_OK, connected = S_OK;
     const ComPtr<IConnectionPoint> point = ConnectionPointOf(socket);
-    raw->AddRef();
-    socket.Release();
+    HRESULT called = S_OK, connected = S_OK;
     std::thread([&] {
         DISPPARAMS none = {};
         Variant value;
-        called = raw->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kGet, &none, &value, nullptr, nullptr);
         DWORD cookie = 0;
-        connected = point->Advise(raw, &cookie);
-        raw->Release();
+        called = socket->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kGet, &none, &value, nullptr, nullptr);
+        connected = point->Advise(socket.Raw(), &cookie);
     }).join();
     EXPECT_EQ(called, RPC_E_WRONG_THREAD);
     EXPECT_EQ(connected, RPC_E_WRONG_THREAD);
+}
+
+TEST(Object, EndsOnItsOwnThreadWhenAnotherLetsItGo) {
+    const ComPtr<Sink> sink = quorix::automation::Adopt(new Sink);
+    const auto sinkReferences = [&] {
+        sink->AddRef();
+        return sink->Release();
+    };
+    Late socket = Late::Create(L"Quorix.cSocketSSL");
+    DWORD cookie = 0;
+    ASSERT_EQ(ConnectionPointOf(socket)->Advise(sink.Get(), &cookie), S_OK);
+    IDispatch* last = socket.Raw();
+    last->AddRef();
+    socket.Release();
+    std::thread([&] { EXPECT_EQ(last->Release(), 0U); }).join();
+    EXPECT_EQ(sinkReferences(), 2U) << "not from over there";
+    EXPECT_EQ(Late::Create(L"Quorix.cSocketSSL").Text(L"State"), "1");
+    EXPECT_EQ(sinkReferences(), 1U);
 }
 
 }  // namespace

@@ -11,10 +11,6 @@
 #include "tests/windows/support/Sink.h"
 
 namespace windowstest {
-
-// Where the server is; main.cpp hands on what the command line says.
-std::vector<int>& Ports();
-
 namespace {
 
 enum Event : DISPID {

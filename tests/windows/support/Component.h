@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace windowstest {
 
@@ -33,5 +34,8 @@ public:
 private:
     static FARPROC Find(const char* name);
 };
+
+// The ports that the command line names, for the tests that need a server.
+std::vector<int>& Ports();
 
 }  // namespace windowstest

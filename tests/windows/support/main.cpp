@@ -16,7 +16,6 @@ HMODULE loaded = nullptr;
 
 void Component::Load(const std::wstring& path) { loaded = LoadLibraryW(path.c_str()); }
 
-// Of the server that the command line names, for those tests that need one.
 std::vector<int>& Ports() {
     static std::vector<int> ports;
     return ports;
