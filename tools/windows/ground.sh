@@ -10,7 +10,8 @@ archive() {
 }
 
 # Where the machine itself has no 32-bit Wine, one runs in a file system of its own: its packages are another
-# architecture's, which the machine need not accept. Made under a temporary name, so that an interrupted run leaves nothing half done.
+# architecture's, which the machine need not accept. Made under a temporary name, so that an interrupted run leaves
+# nothing half done.
 make_wine32() {
     wine32_root=
     [ -x /usr/lib/wine/wine ] && return
