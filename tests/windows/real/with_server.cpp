@@ -121,10 +121,23 @@ ServerKind KindNamed(const std::string& name) {
     throw std::runtime_error("no such server: " + name);
 }
 
+// On a machine that is busy building, a server may need more than the time it is given.
+std::unique_ptr<RealServer> Started(ServerKind kind, const Certificate& certificate) {
+    for (int attempts = 3;; --attempts) {
+        try {
+            std::unique_ptr<RealServer> server = MakeServer(kind, &certificate);
+            server->Start();
+            return server;
+        } catch (const std::runtime_error& error) {
+            if (attempts == 1) throw;
+            std::printf("%s\ntrying again\n", error.what());
+        }
+    }
+}
+
 int Run(ServerKind kind, std::vector<std::string> command) {
     const TemporaryCertificate certificate;
-    const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
-    server->Start();
+    const std::unique_ptr<RealServer> server = Started(kind, certificate.Files());
     const Control control;
     for (std::string& argument : command) {
         argument = Replaced(argument, "@port@", server->Port());
