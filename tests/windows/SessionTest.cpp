@@ -3,6 +3,7 @@
 
 #include <winsock.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -16,11 +17,13 @@ namespace {
 enum Event : DISPID {
     kAuthorized = 1,
     kNewUserCreated = 2,
+    kSocketError = 7,
     kDisConnected = 8,
     kMessage = 9,
     kRosterItem = 12,
     kRosterEnd = 13,
     kPresence = 14,
+    kIncomingXML = 18,
     kOutgoingXML = 19,
     kIQError = 21,
 };
@@ -60,7 +63,17 @@ struct Account {
     bool Connect(bool newUser) {
         events->arguments.erase(kAuthorized);
         session.Do(L"Connect", {Of(newUser)});
-        return PumpUntil([&] { return events->Saw(kAuthorized); }, 30000);
+        const bool authorized = PumpUntil([&] { return events->Saw(kAuthorized); }, 30000);
+        if (!authorized) Explain();
+        return authorized;
+    }
+    // What happened instead of what was waited for.
+    void Explain() {
+        for (DISPID event : events->events) printf("event %ld\n", static_cast<long>(event));
+        for (Event event : {kSocketError, kIQError, kIncomingXML, kOutgoingXML}) {
+            for (const std::string& text : events->arguments[event])
+                printf("%ld: %s\n", static_cast<long>(event), text.c_str());
+        }
     }
     bool Wait(Event event) {
         return PumpUntil([&] { return events->Saw(event); }, 30000);
