@@ -3,9 +3,11 @@
 #
 #   tools/windows.sh              everything
 #   tools/windows.sh 64           one width
-#   tools/windows.sh 64 -R COM    one width, the rest of the arguments to ctest
+#   tools/windows.sh 64 -R unit   one width, the rest of the arguments to ctest
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+. "$root/tools/packages.sh"
 . "$root/tools/windows/ground.sh"
 . "$root/tools/windows/libraries.sh"
 
@@ -19,13 +21,14 @@ wine_for() {
 
 # A fresh drive C: in which windows can be made without a display.
 make_prefix() {
-    [ -e "$QUORIX_WINE_PREFIX/ready" ] && return
-    rm -rf "$QUORIX_WINE_PREFIX"
-    mkdir -p "$QUORIX_WINE_PREFIX"
+    local ready=$QUORIX_WINE_PREFIX.ready
+    [ -e "$ready" ] && return
+    as_root rm -rf "$QUORIX_WINE_PREFIX"
+    mkdir -p "$(dirname "$QUORIX_WINE_PREFIX")"
     "$root/tools/windows/wine" "$1" wineboot --init
     "$root/tools/windows/wine" "$1" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
     stop_wine "$1"
-    touch "$QUORIX_WINE_PREFIX/ready"
+    touch "$ready"
 }
 
 # Ends what still runs in this width's drive, and nothing else.
@@ -38,8 +41,15 @@ configure_and_build() {
     cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
         -DQUORIX_WINDOWS_PREFIXES="$libxml2;$openssl" \
-        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF
+        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF \
+        -DQUORIX_WITH_SERVER="$root/build/with_server/with_server" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
     cmake --build "$build" -j "$jobs"
+}
+
+# Real servers run on this machine, beside the programs that run under Wine.
+build_with_server() {
+    cmake -S "$root/tests/windows/real" -B "$root/build/with_server" -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+    cmake --build "$root/build/with_server" -j "$jobs"
 }
 
 check_width() {
@@ -53,15 +63,23 @@ check_width() {
     return $status
 }
 
-widths=(32 64)
-if [ $# -gt 0 ]; then
-    widths=("$1")
-    shift
+# Both widths are tried, whatever becomes of the first. Each is a run of its own, which ends at its first error.
+if [ $# -eq 0 ]; then
+    failed=()
+    for width in 32 64; do
+        tools/windows.sh "$width" || failed+=("$width")
+    done
+    [ ${#failed[@]} -eq 0 ] && exit
+    echo "Failed for Windows in ${failed[*]} bits" >&2
+    exit 1
 fi
-install_packages
+
+width=$1
+shift
+need windows
+need_servers servers
 source_apt
-[[ " ${widths[*]} " = *" 32 "* ]] && make_wine32
-for width in "${widths[@]}"; do
-    echo "== Windows, $width bits"
-    check_width "$width" "$@"
-done
+[ "$width" = 64 ] || make_wine32
+build_with_server
+echo "== Windows, $width bits"
+check_width "$width" "$@"

@@ -1,33 +1,20 @@
-# What the Windows build stands on: Debian packages, a Wine for each width, and where they are kept.
-# Sourced by tools/windows.sh.
+# What the Windows build stands on: a Wine for each width, and where such things are kept.
+# Sourced by tools/windows.sh after tools/packages.sh.
 
-packages=(
-    g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 libwine
-    cmake ninja-build googletest pkg-config dpkg-dev debootstrap perl ca-certificates util-linux
-)
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 store=${XDG_CACHE_HOME:-$HOME/.cache}/quorix/windows
-
-as_root() { if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi; }
-
-install_packages() {
-    local missing=()
-    for package in "${packages[@]}"; do
-        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q ' installed$' || missing+=("$package")
-    done
-    [ ${#missing[@]} = 0 ] && return
-    as_root apt-get update -qq || true
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
-}
 
 # The archive this machine takes its packages from, as its own configuration names it.
 archive() {
     apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $suite" 'Component: main' | head -n 1
 }
 
-# A 32-bit Wine runs in a file system of its own: its packages are another architecture's, which the
-# machine itself need not accept. Made under a temporary name, so that an interrupted run leaves nothing half done.
+# Where the machine itself has no 32-bit Wine, one runs in a file system of its own: its packages are another
+# architecture's, which the machine need not accept. Made under a temporary name, so that an interrupted run leaves
+# nothing half done.
 make_wine32() {
+    wine32_root=
+    [ -x /usr/lib/wine/wine ] && return
     wine32_root=$store/wine32-$suite
     [ -x "$wine32_root/usr/lib/wine/wine" ] && return
     local making=$wine32_root.making
@@ -37,6 +24,7 @@ make_wine32() {
     as_root chroot "$making" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends wine wine32
     as_root chroot "$making" apt-get clean
+    echo '127.0.0.1 localhost' | as_root tee "$making/etc/hosts" >/dev/null
     as_root rm -rf "$wine32_root"
     as_root mv "$making" "$wine32_root"
 }

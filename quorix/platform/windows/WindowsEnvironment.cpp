@@ -4,12 +4,16 @@
 #include <map>
 
 #include "quorix/base/WireText.h"
+#include "quorix/platform/windows/CodePages.h"
 #include "quorix/platform/windows/HiddenWindows.h"
 
 namespace quorix {
 namespace {
 
 using windows::kSocketMessage;
+
+// Documents are loaded without asking any environment first.
+[[maybe_unused]] const bool codePagesLent = (windows::LendCodePages(), true);
 
 SOCKET Native(SocketId socket) { return static_cast<SOCKET>(socket); }
 HWND Native(const HiddenWindow& window) { return reinterpret_cast<HWND>(window.handle); }

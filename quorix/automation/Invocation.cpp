@@ -1,0 +1,120 @@
+#include "quorix/automation/Invocation.h"
+
+#include <new>
+
+#include "quorix/base/AutomationError.h"
+#include "quorix/base/WireText.h"
+
+namespace quorix::automation {
+namespace {
+
+constexpr HRESULT kFirstErrorNumber = static_cast<HRESULT>(0x800A0000);
+
+bool IsPut(const Member& member) { return member.kind == DISPATCH_PROPERTYPUT; }
+
+// Where the argument at `index` of the call is wanted. Named ones come first in a call.
+unsigned PositionOf(const DISPPARAMS& parameters, unsigned index, const Member& member) {
+    if (index >= parameters.cNamedArgs) return parameters.cArgs - 1 - index;
+    const DISPID name = parameters.rgdispidNamedArgs[index];
+    if (name == DISPID_PROPERTYPUT && IsPut(member)) return member.arguments - 1;
+    if (name < 0 || static_cast<unsigned>(name) >= member.arguments) {
+        throw BadArgument{DISP_E_PARAMNOTFOUND, parameters.cArgs - 1 - index};
+    }
+    return static_cast<unsigned>(name);
+}
+
+// The values in the order of the parameters; null where one was left out.
+std::vector<const VARIANT*> InOrder(const DISPPARAMS& parameters, const Member& member) {
+    if (parameters.cArgs > member.arguments) throw BadArgument{DISP_E_BADPARAMCOUNT};
+    std::vector<const VARIANT*> values(member.arguments, nullptr);
+    for (unsigned i = 0; i < parameters.cArgs; ++i) {
+        values[PositionOf(parameters, i, member)] = &parameters.rgvarg[i];
+    }
+    return values;
+}
+
+Arguments Collect(const DISPPARAMS& parameters, const Member& member) {
+    static const VARIANT missing = [] {
+        VARIANT value;
+        value.vt = VT_ERROR;
+        value.scode = DISP_E_PARAMNOTFOUND;
+        return value;
+    }();
+    std::vector<const VARIANT*> values = InOrder(parameters, member);
+    for (unsigned i = 0; i < values.size(); ++i) {
+        if (values[i] == nullptr) values[i] = &missing;
+        if (IsMissing(*values[i]) && i + member.optional < member.arguments) {
+            throw BadArgument{DISP_E_PARAMNOTOPTIONAL, i};
+        }
+    }
+    return Arguments(std::move(values));
+}
+
+// `object.Items(2)` is one call to those who write it: the arguments are for the default member of what the
+// property returns.
+HRESULT PassOn(const Member& member, const Invocation& invocation, VARIANT* result, EXCEPINFO* exception,
+               UINT* badArgument) {
+    const Variant owner = member.call(invocation.instance, Arguments({}));
+    if (owner.vt != VT_DISPATCH || owner.pdispVal == nullptr) return DISP_E_BADPARAMCOUNT;
+    DISPPARAMS parameters = invocation.parameters;
+    return owner.pdispVal->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, invocation.kinds, &parameters,
+                                  result, exception, badArgument);
+}
+
+bool MeansItsResult(const Member& member, const Invocation& invocation) {
+    return member.kind == DISPATCH_PROPERTYGET && member.arguments == 0 && invocation.parameters.cArgs > 0;
+}
+
+void LeaveErrorInfo(StringView source, StringView text) {
+    ComPtr<ICreateErrorInfo> made;
+    ComPtr<IErrorInfo> info;
+    if (FAILED(CreateErrorInfo(&made)) || FAILED(made.As(&info))) return;
+    made->SetSource(const_cast<wchar_t*>(Wide(String(source).c_str())));
+    made->SetDescription(const_cast<wchar_t*>(Wide(String(text).c_str())));
+    SetErrorInfo(0, info.Get());
+}
+
+HRESULT Report(const Invocation& invocation, HRESULT code, const String& text, EXCEPINFO* exception) {
+    const String source = Concat({u"Quorix.", Narrow(invocation.bound.Table().Name())});
+    LeaveErrorInfo(source, text);
+    if (exception != nullptr) {
+        *exception = {};
+        exception->scode = code;
+        exception->bstrSource = SysAllocString(Wide(source.c_str()));
+        exception->bstrDescription = SysAllocString(Wide(text.c_str()));
+    }
+    return DISP_E_EXCEPTION;
+}
+
+HRESULT Call(const Invocation& invocation, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+    const Member* member = invocation.bound.Find(invocation.id, invocation.kinds);
+    if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
+    if (MeansItsResult(*member, invocation)) {
+        return PassOn(*member, invocation, result, exception, badArgument);
+    }
+    Variant made = member->call(invocation.instance, Collect(invocation.parameters, *member));
+    if (result != nullptr) made.MoveTo(result);
+    return S_OK;
+}
+
+}  // namespace
+
+HRESULT InvokeMember(const Invocation& invocation, VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+    if (result != nullptr) VariantInit(result);
+    try {
+        return Call(invocation, result, exception, badArgument);
+    } catch (const BadArgument& bad) {
+        // Reported by its place in the call, which runs backwards.
+        const unsigned last = invocation.parameters.cArgs > 0 ? invocation.parameters.cArgs - 1 : 0;
+        if (badArgument != nullptr) *badArgument = bad.position > last ? 0 : last - bad.position;
+        return bad.code;
+    } catch (const AutomationError& error) {
+        return Report(invocation, kFirstErrorNumber + error.Number(), error.Description(), exception);
+    } catch (const std::bad_alloc&) {
+        return Report(invocation, E_OUTOFMEMORY, u"Out of memory", exception);
+    } catch (const std::exception& error) {
+        return Report(invocation, E_FAIL, TextFromUtf8(error.what()), exception);
+    }
+}
+
+}  // namespace quorix::automation

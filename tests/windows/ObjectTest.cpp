@@ -1,0 +1,232 @@
+// The behaviour that every object shares: errors, identity, reference counts, default members, threads.
+#include <gtest/gtest.h>
+
+#include <olectl.h>
+
+#include <thread>
+
+#include "tests/windows/support/Component.h"
+#include "tests/windows/support/Late.h"
+#include "tests/windows/support/Sink.h"
+
+namespace windowstest {
+namespace {
+
+constexpr WORD kCall = DISPATCH_METHOD;
+constexpr WORD kGet = DISPATCH_PROPERTYGET;
+constexpr WORD kPut = DISPATCH_PROPERTYPUT;
+
+Late FieldsWithTwo() {
+    Late fields = Late::Create(L"Quorix.cSearchFields");
+    fields.Do(L"Add", {Of(L"first"), Of(L"1"), Of(L"key")});
+    fields.Do(L"Add", {Of(L"last"), Of(L"2")});
+    return fields;
+}
+
+TEST(Object, AnswersEachWrongCallWithItsCode) {
+    const Late node = Late::Create(L"Quorix.cXML_Node");
+    const Late other = Late::Create(L"Quorix.cSearchField");
+    const Late field = Late::Create(L"Quorix.cAgentField");
+    struct Case {
+        const char* what;
+        Answer answer;
+        HRESULT code;
+    };
+    const Case cases[] = {
+        {"a surplus argument", node.Try(kCall, L"GetNamespace", {Of(1)}), DISP_E_BADPARAMCOUNT},
+        {"a missing argument", node.Try(kCall, L"GetTag"), DISP_E_PARAMNOTOPTIONAL},
+        {"a required argument left out", node.Try(kCall, L"GetTag", {LeftOut()}), DISP_E_PARAMNOTOPTIONAL},
+        {"an optional argument left out", node.Try(kCall, L"GetTag", {Of(L"a"), LeftOut()}), S_OK},
+        {"text for a list of nodes", node.Try(kCall, L"GetTag", {Of(L"a"), Of(L"b")}), DISP_E_TYPEMISMATCH},
+        {"another class", node.Try(kCall, L"GetTag", {Of(L"a"), Of(other.Raw())}), DISP_E_TYPEMISMATCH},
+        {"an object for a text", node.Try(kCall, L"GetTag", {Of(other.Raw())}), DISP_E_TYPEMISMATCH},
+        {"no object at all", node.Try(kCall, L"GetTag", {Of(L"a"), Nothing()}), S_OK},
+        {"no object in a property", field.Try(kPut, L"cAgentItem", {Nothing()}), S_OK},
+        {"writing a method", node.Try(kPut, L"GetNamespace", {Of(L"a")}), DISP_E_MEMBERNOTFOUND},
+        {"an unknown number", node.TryId(kCall, 4711), DISP_E_MEMBERNOTFOUND},
+        {"a property put without a value", node.Try(kPut, L"xml"), DISP_E_PARAMNOTOPTIONAL},
+    };
+    for (const Case& c : cases) EXPECT_EQ(c.answer.code, c.code) << c.what;
+    EXPECT_EQ(cases[4].answer.badArgument, 0U) << "counted from the last argument";
+    EXPECT_EQ(node.Id(L"NoSuchMember"), DISPID_UNKNOWN);
+}
+
+TEST(Object, RefusesValuesThatDoNotFitTheirType) {
+    const Late socket = Late::Create(L"Quorix.cSocketSSL");
+    EXPECT_EQ(socket.Try(kPut, L"TimeOut", {Of(L"soon")}).code, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(socket.Try(kPut, L"TimeOut", {Of(L"99999999999")}).code, DISP_E_OVERFLOW);
+    EXPECT_EQ(socket.Try(kPut, L"TimeOut", {Of(L"2500")}).code, S_OK);
+    EXPECT_EQ(socket.Text(L"TimeOut"), "2500");
+    EXPECT_EQ(socket.Try(kPut, L"SSLEnable", {Of(L"perhaps")}).code, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(socket.Text(L"SSLEnable"), "False");
+}
+
+TEST(Object, TurnsErrorsIntoExceptionsWithNumberAndText) {
+    const Late fields = FieldsWithTwo();
+    const Late node = Late::Create(L"Quorix.cXML_Node");
+    node.Put(L"xml", Of(L"<a><word>abc</word><much>99999999999</much></a>"));
+    struct Case {
+        Answer answer;
+        int number;
+    };
+    const Case cases[] = {
+        {fields.Try(kGet, L"Item", {Of(3)}), 9},
+        {fields.Try(kGet, L"Item", {Of(0)}), 9},
+        {fields.Try(kGet, L"Item", {Of(L"nobody")}), 5},
+        {fields.Try(kCall, L"Add", {Of(L"x"), Of(L"y"), Of(L"key")}), 457},
+        {node.Try(kCall, L"GetTagInt", {Of(L"word")}), 13},
+        {node.Try(kCall, L"GetTagLng", {Of(L"much")}), 6},
+        {node.Try(kCall, L"getNode", {Of(L"//[")}), 5},
+        {node.Try(kCall, L"SaveXML_ToFile", {Of(L"Z:\\no\\such\\folder\\file.xml")}), 53},
+        {Late::Create(L"Quorix.cXML_Writer").Try(kCall, L"setAttrib", {Of(L"a"), Of(L"b")}), 91},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.answer.code, DISP_E_EXCEPTION) << c.number;
+        EXPECT_EQ(c.answer.error, static_cast<HRESULT>(0x800A0000) + c.number);
+        EXPECT_FALSE(c.answer.text.empty()) << c.number;
+    }
+    EXPECT_EQ(fields.Text(L"Count"), "2") << "the refused one is not in it";
+}
+
+TEST(Object, LeavesErrorInformationForThoseWhoAskTheThread) {
+    const Late fields = FieldsWithTwo();
+    ComPtr<ISupportErrorInfo> support;
+    ASSERT_EQ(fields->QueryInterface(IID_PPV_ARGS(&support)), S_OK);
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IStream), S_FALSE);
+
+    fields.Try(kGet, L"Item", {Of(99)});
+    ComPtr<IErrorInfo> info;
+    ASSERT_EQ(GetErrorInfo(0, &info), S_OK);
+    BSTR source = nullptr;
+    info->GetSource(&source);
+    EXPECT_STREQ(source, L"Quorix.cSearchFields");
+    SysFreeString(source);
+}
+
+TEST(Object, TakesNamedArguments) {
+    const Late node = Late::Create(L"Quorix.cXML_Node");
+    node.Put(L"xml", Of(L"<a><b>old</b></a>"));
+    wchar_t setTag[] = L"SetTag", text[] = L"Text", tag[] = L"TagName";
+    LPOLESTR names[] = {setTag, text, tag};
+    DISPID ids[3];
+    ASSERT_EQ(node->GetIDsOfNames(IID_NULL, names, 3, LOCALE_USER_DEFAULT, ids), S_OK);
+    Variant values[] = {Of(L"new"), Of(L"b")};
+    DISPPARAMS parameters = {values, ids + 1, 2, 2};
+    ASSERT_EQ(
+        node->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters, nullptr, nullptr, nullptr),
+        S_OK);
+    EXPECT_EQ(node.Text(L"xml"), "<a><b>new</b></a>");
+}
+
+TEST(Object, IsOneObjectHoweverOftenItIsHandedOut) {
+    const Late fields = FieldsWithTwo();
+    const Late byNumber = fields.Object(L"Item", {Of(1)});
+    const Late byKey = fields.Object(L"Item", {Of(L"key")});
+    EXPECT_EQ(byNumber.Raw(), byKey.Raw());
+    EXPECT_NE(byNumber.Raw(), fields.Object(L"Item", {Of(2)}).Raw());
+
+    const Late node = Late::Create(L"Quorix.cXML_Node");
+    node.Put(L"xml", Of(L"<a><b/></a>"));
+    const Late first = node.Object(L"getNode", {Of(L"//b")});
+    EXPECT_EQ(first.Raw(), node.Object(L"getNode", {Of(L"/a/b")}).Raw());
+    EXPECT_EQ(first.Object(L"parentNode").Raw(), node.Object(L"getNode", {Of(L"/a")}).Raw());
+}
+
+TEST(Object, HasExactlyTheReferencesThatItsClientsHold) {
+    Late fields = FieldsWithTwo();
+    EXPECT_EQ(fields.References(), 1U);
+    Late item = fields.Object(L"Item", {Of(1)});
+    EXPECT_EQ(item.References(), 1U);
+    const Late again = fields.Object(L"Item", {Of(1)});
+    EXPECT_EQ(item.References(), 2U);
+
+    fields.Try(kGet, L"Item", {Of(99)});                    // fails inside
+    fields.Try(kCall, L"Add", {Of(item.Raw()), Of(L"x")});  // fails on the way in
+    fields.Try(kCall, L"NoSuchMember", {Of(item.Raw())});
+    fields.Text(L"Item", {Of(1)});
+    EXPECT_EQ(fields.References(), 1U);
+    EXPECT_EQ(item.References(), 2U);
+
+    fields.Release();
+    EXPECT_EQ(item.Text(L"FieldName"), "first") << "an element outlives its collection";
+}
+
+TEST(Object, EndsWithItsLastReference) {
+    ASSERT_TRUE(Component::IsUnused());
+    {
+        const Late fields = FieldsWithTwo();
+        const Late item = fields.Object(L"Item", {Of(1)});
+        ComPtr<IEnumVARIANT> all;
+        const Variant enumerator = fields.Get(L"_NewEnum");
+        ASSERT_EQ(enumerator.punkVal->QueryInterface(IID_PPV_ARGS(&all)), S_OK);
+        const Late socket = Late::Create(L"Quorix.cSocketSSL");
+        const Connection sink(socket);
+        EXPECT_FALSE(Component::IsUnused());
+    }
+    EXPECT_TRUE(Component::IsUnused());
+}
+
+TEST(Object, PassesArgumentsThatAPropertyDoesNotTakeToTheDefaultMemberOfItsValue) {
+    const Late result = Late::Create(L"Quorix.cSearchResult");
+    result.Object(L"Fields").Do(L"Add", {Of(L"city"), Of(L"Bern")});
+    const Late item(result.Get(L"Fields", {Of(1)}));
+    EXPECT_EQ(item.Text(L"FieldData"), "Bern");
+    EXPECT_EQ(result.Try(kGet, L"SearchItem", {Of(1)}).code, DISP_E_BADPARAMCOUNT) << "a text has no members";
+    EXPECT_EQ(result.Try(kGet, L"Fields", {Of(2)}).error, static_cast<HRESULT>(0x800A0009));
+}
+
+TEST(Object, DescribesItself) {
+    const Late socket = Late::Create(L"Quorix.cSocketSSL");
+    UINT count = 0;
+    ComPtr<ITypeInfo> info;
+    EXPECT_EQ(socket->GetTypeInfoCount(&count), S_OK);
+    EXPECT_EQ(count, 1U);
+    EXPECT_EQ(socket->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info), S_OK);
+    EXPECT_EQ(socket->GetTypeInfo(1, LOCALE_USER_DEFAULT, &info), DISP_E_BADINDEX);
+
+    ComPtr<IProvideClassInfo2> provider;
+    ASSERT_EQ(socket->QueryInterface(IID_PPV_ARGS(&provider)), S_OK);
+    GUID id = GUID_NULL;
+    EXPECT_EQ(provider->GetGUID(7, &id), E_INVALIDARG);
+    ComPtr<IProvideClassInfo2> silent;
+    ASSERT_EQ(Late::Create(L"Quorix.cXML_Node")->QueryInterface(IID_PPV_ARGS(&silent)), S_OK);
+    EXPECT_EQ(silent->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &id), E_FAIL) << "raises no events";
+}
+
+TEST(Object, RefusesCallsFromAnotherThread) {
+    const Late socket = Late::Create(L"Quorix.cSocketSSL");
+    const DISPID id = socket.Id(L"TimeOut");
+    const ComPtr<IConnectionPoint> point = ConnectionPointOf(socket);
+    HRESULT called = S_OK, connected = S_OK;
+    std::thread([&] {
+        DISPPARAMS none = {};
+        Variant value;
+        DWORD cookie = 0;
+        called = socket->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kGet, &none, &value, nullptr, nullptr);
+        connected = point->Advise(socket.Raw(), &cookie);
+    }).join();
+    EXPECT_EQ(called, RPC_E_WRONG_THREAD);
+    EXPECT_EQ(connected, RPC_E_WRONG_THREAD);
+}
+
+TEST(Object, EndsOnItsOwnThreadWhenAnotherLetsItGo) {
+    const ComPtr<Sink> sink = quorix::automation::Adopt(new Sink);
+    const auto sinkReferences = [&] {
+        sink->AddRef();
+        return sink->Release();
+    };
+    Late socket = Late::Create(L"Quorix.cSocketSSL");
+    DWORD cookie = 0;
+    ASSERT_EQ(ConnectionPointOf(socket)->Advise(sink.Get(), &cookie), S_OK);
+    IDispatch* last = socket.Raw();
+    last->AddRef();
+    socket.Release();
+    std::thread([&] { EXPECT_EQ(last->Release(), 0U); }).join();
+    EXPECT_EQ(sinkReferences(), 2U) << "not from over there";
+    EXPECT_EQ(Late::Create(L"Quorix.cSocketSSL").Text(L"State"), "1");
+    EXPECT_EQ(sinkReferences(), 1U);
+}
+
+}  // namespace
+}  // namespace windowstest

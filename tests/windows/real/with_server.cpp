@@ -1,0 +1,171 @@
+// with_server KIND COMMAND [ARGUMENT...]: runs a command beside a real server on loopback, both on this
+// system.
+//
+// In the arguments @port@ is the server's port, @tls@ its port for TLS, and @control@ one where the command
+// can send a line: "kill" ends the server without a word to its clients, "start" starts it again; the answer
+// comes when it is done. The exit code is the command's.
+#include <netinet/in.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/real/Servers.h"
+
+extern char** environ;
+
+namespace quorix::real {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A certificate of our own for "localhost", for one day.
+class TemporaryCertificate {
+public:
+    TemporaryCertificate() : folder_(MakeFolder()), files_{folder_ / "chain.pem", folder_ / "key.pem"} {
+        const std::string command =
+            "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=localhost"
+            " -addext subjectAltName=DNS:localhost -out '" +
+            files_.chain.string() + "' -keyout '" + files_.key.string() + "' 2>/dev/null";
+        if (std::system(command.c_str()) != 0) throw std::runtime_error("openssl made no certificate");
+        fs::permissions(files_.key, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    }
+    ~TemporaryCertificate() { fs::remove_all(folder_); }
+    TemporaryCertificate(const TemporaryCertificate&) = delete;
+    TemporaryCertificate& operator=(const TemporaryCertificate&) = delete;
+
+    const Certificate& Files() const { return files_; }
+
+private:
+    static fs::path MakeFolder() {
+        std::string pattern = (fs::temp_directory_path() / "with-server.XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        fs::permissions(pattern, fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec);
+        return pattern;
+    }
+
+    fs::path folder_;
+    Certificate files_;
+};
+
+// On a machine that is busy building, a server may need more than the time it is given.
+void StartPatiently(RealServer& server) {
+    for (int attempts = 3;; --attempts) {
+        try {
+            return server.Start();
+        } catch (const std::runtime_error& error) {
+            if (attempts == 1) throw;
+            std::printf("%s\ntrying again\n", error.what());
+            server.Kill();
+        }
+    }
+}
+
+// The port where the command asks for things.
+class Control {
+public:
+    Control() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* generic = reinterpret_cast<sockaddr*>(&address);
+        if (bind(listener_, generic, size) != 0 || listen(listener_, 5) != 0 ||
+            getsockname(listener_, generic, &size) != 0) {
+            throw std::runtime_error("no control port");
+        }
+        port_ = ntohs(address.sin_port);
+    }
+    ~Control() { close(listener_); }
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    int Port() const { return port_; }
+
+    // Serves one request if one comes within a tenth of a second.
+    void Serve(RealServer& server) const {
+        pollfd waiting = {listener_, POLLIN, 0};
+        if (poll(&waiting, 1, 100) <= 0) return;
+        const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        char line[16] = {};
+        if (read(client, line, sizeof line - 1) > 0) {
+            const std::string request = line;
+            if (request == "kill\n") server.Kill();
+            if (request == "start\n") StartPatiently(server);
+            if (write(client, "done\n", 5) != 5) perror("control");
+        }
+        close(client);
+    }
+
+private:
+    int listener_;
+    int port_;
+};
+
+std::string Replaced(std::string text, const std::string& mark, int value) {
+    for (std::size_t at; (at = text.find(mark)) != std::string::npos;) {
+        text.replace(at, mark.size(), std::to_string(value));
+    }
+    return text;
+}
+
+pid_t Spawn(std::vector<std::string>& command) {
+    std::vector<char*> arguments;
+    for (std::string& argument : command) arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    pid_t pid = 0;
+    const int error = posix_spawnp(&pid, arguments[0], nullptr, nullptr, arguments.data(), environ);
+    if (error != 0) throw std::runtime_error("cannot run " + command[0]);
+    return pid;
+}
+
+ServerKind KindNamed(const std::string& name) {
+    for (ServerKind kind : {ServerKind::ejabberd, ServerKind::prosody, ServerKind::jabberd2}) {
+        if (name == Name(kind)) return kind;
+    }
+    throw std::runtime_error("no such server: " + name);
+}
+
+int Run(ServerKind kind, std::vector<std::string> command) {
+    const TemporaryCertificate certificate;
+    const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
+    StartPatiently(*server);
+    const Control control;
+    for (std::string& argument : command) {
+        argument = Replaced(argument, "@port@", server->Port());
+        argument = Replaced(argument, "@tls@", server->TlsPort());
+        argument = Replaced(argument, "@control@", control.Port());
+    }
+    const pid_t pid = Spawn(command);
+    int status = 0;
+    while (waitpid(pid, &status, WNOHANG) == 0) control.Serve(*server);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+}  // namespace
+}  // namespace quorix::real
+
+int main(int count, char** values) {
+    using namespace quorix::real;
+    if (count < 3) return 2;
+    try {
+        const ServerKind kind = KindNamed(values[1]);
+        const std::string missing = WhyMissing(kind);
+        if (!missing.empty()) {
+            std::printf("skipped: %s\n", missing.c_str());
+            return std::getenv("CI") != nullptr ? 1 : 77;
+        }
+        return Run(kind, std::vector<std::string>(values + 2, values + count));
+    } catch (const std::exception& error) {
+        std::printf("%s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,71 @@
+// An event sink that writes down what it is told.
+#pragma once
+
+#include <ocidl.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/windows/support/Late.h"
+
+namespace windowstest {
+
+class Sink : public quorix::automation::Unknown<IDispatch> {
+public:
+    // Knows IDispatch only, as a script's sink; or, with `eventsId`, the event interface itself.
+    explicit Sink(const GUID& eventsId = GUID_NULL) : eventsId_(eventsId) {}
+
+    // The events so far: their numbers, and for each the last arguments in words and their types.
+    std::vector<DISPID> events;
+    std::map<DISPID, std::vector<std::string>> arguments;
+    std::map<DISPID, std::vector<VARTYPE>> types;
+    std::map<DISPID, std::vector<Variant>> values;
+
+    // Done at that event; its result is the sink's answer.
+    std::map<DISPID, std::function<HRESULT()>> at;
+    DWORD thread = 0;
+
+    bool Saw(DISPID event) const { return arguments.find(event) != arguments.end(); }
+
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
+                        UINT*) override;
+
+protected:
+    void* Interface(REFIID id) override {
+        return !IsEqualIID(eventsId_, GUID_NULL) && IsEqualIID(id, eventsId_) ? static_cast<IDispatch*>(this)
+                                                                              : Unknown::Interface(id);
+    }
+
+private:
+    GUID eventsId_;
+};
+
+// A sink connected to the default events of `source` while in scope.
+class Connection {
+public:
+    explicit Connection(const Late& source, const GUID& eventsId = GUID_NULL);
+    ~Connection() { Cut(); }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    Sink* operator->() const { return sink_.Get(); }
+    HRESULT Cut();
+
+private:
+    ComPtr<Sink> sink_;
+    ComPtr<IConnectionPoint> point_;
+    DWORD cookie_ = 0;
+};
+
+GUID DefaultEventsOf(const Late& source);
+ComPtr<IConnectionPoint> ConnectionPointOf(const Late& source);
+
+}  // namespace windowstest
