@@ -29,7 +29,7 @@ String Roster(std::int64_t items) {
 }
 
 void LoadAndRead(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto document = XmlDocument::Create();
         document->Load(kMessage);
         benchmark::DoNotOptimize(ReadMessage(document->Root()));
@@ -41,7 +41,7 @@ BENCHMARK(LoadAndRead);
 void LoadContentAndDetach(benchmark::State& state) {
     String chunk;
     for (int i = 0; i < 10; ++i) chunk += kMessage;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto content = XmlDocument::Create();
         content->LoadContent(chunk);
         while (XmlNode stanza = content->Root().FirstChild()) {
@@ -55,7 +55,7 @@ BENCHMARK(LoadContentAndDetach);
 void QueryAndSearch(benchmark::State& state) {
     cXML_Node node;
     node.xml(kMessage);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(node.getNode(u"//message[@type='chat']/body"));
         benchmark::DoNotOptimize(node.GetTag(u"thread"));
     }
@@ -65,13 +65,13 @@ BENCHMARK(QueryAndSearch);
 void Serialize(benchmark::State& state) {
     auto document = XmlDocument::Create();
     document->Load(kMessage);
-    for (auto _ : state) benchmark::DoNotOptimize(document->Xml());
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(document->Xml());
 }
 BENCHMARK(Serialize);
 
 void LoadRoster(benchmark::State& state) {
     String text = Roster(state.range(0));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto document = XmlDocument::Create();
         benchmark::DoNotOptimize(document->Load(text));
     }
@@ -81,7 +81,7 @@ BENCHMARK(LoadRoster)->Range(1250, 20000)->RangeMultiplier(2)->Complexity(benchm
 
 void LoadLongBody(benchmark::State& state) {
     String text = u"<body>" + String(static_cast<std::size_t>(state.range(0)), u'\u00e9') + u"</body>";
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto document = XmlDocument::Create();
         benchmark::DoNotOptimize(document->Load(text));
     }

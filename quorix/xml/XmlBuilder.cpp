@@ -23,11 +23,7 @@ xmlAttr* NewAttribute(xmlNode* element, const xmlChar* name, const xmlChar* valu
 
 bool IsBlankText(const xmlNode* node) { return node->type == XML_TEXT_NODE && xmlIsBlankNode(node) == 1; }
 
-bool HasElement(const xmlNode* parent) {
-    const xmlNode* child = parent->children;
-    while (child && !IsElementNode(child)) child = child->next;
-    return child != nullptr;
-}
+bool HasElement(const xmlNode* parent) { return FirstElementFrom(parent->children) != nullptr; }
 
 void DropBlankText(xmlNode* parent) {
     for (xmlNode* child = parent->children; child;) {

@@ -16,12 +16,6 @@ namespace quorix {
 
 namespace {
 
-xmlNode* DocumentElement(const XmlTree& tree) {
-    xmlNode* node = tree.children;
-    while (node && !IsElementNode(node)) node = node->next;
-    return node;
-}
-
 std::filesystem::path PathFrom(StringView path) {
     std::string utf8 = Utf8FromText(path);
     return std::u8string(utf8.begin(), utf8.end());
@@ -93,11 +87,11 @@ void XmlDocument::SaveFile(StringView path) const {
     if (!file) throw AutomationError(ERR_FileNotFound);
 }
 
-XmlNode XmlDocument::Root() const { return XmlNode(DocumentElement(*tree_)); }
+XmlNode XmlDocument::Root() const { return XmlNode(FirstElementFrom(tree_->children)); }
 
 void XmlDocument::Root(const XmlNode& element) {
     if (!element.IsElement()) throw AutomationError(ERR_InvalidCall);
-    xmlNode* former = DocumentElement(*tree_);
+    xmlNode* former = FirstElementFrom(tree_->children);
     if (former == element.Raw()) return;
     Unlink(element.Raw());
     Adopt(*tree_, element.Raw());

@@ -33,7 +33,8 @@ public:
     // side, with text between them. White-space-only text directly under the enclosing element is dropped.
     bool LoadContent(StringView text);
 
-    // The bytes are UTF-8, or what the file's byte order mark or declaration says.
+    // The bytes are UTF-8, or what the file's byte order mark or declaration says: UTF-16 and ISO-8859-1 to
+    // -16 everywhere, others where libxml2 has them. False when there is no such file.
     bool LoadFile(StringView path);
 
     // Writes UTF-8, and says so in a declaration that names an encoding. Error 53 when the file cannot be

@@ -1,5 +1,8 @@
-// The bounds that protect us from hostile documents. What exceeds one does not load.
+// The bounds that protect us from hostile documents. A document that exceeds one of the first two does not
+// load.
 #pragma once
+
+#include <cstddef>
 
 namespace quorix {
 
@@ -8,5 +11,13 @@ inline constexpr int kMaxXmlDepth = 1000;
 
 // Attributes of one element. The parser compares each attribute with all before it.
 inline constexpr int kMaxXmlAttributes = 1000;
+
+// Names that the documents of a thread share, and their bytes, before a new collection of them is begun: a
+// peer can invent names for ever.
+inline constexpr int kMaxSharedNames = 4096;
+inline constexpr std::size_t kMaxSharedNameBytes = 1U << 20U;
+
+// Compiled queries that a thread keeps.
+inline constexpr std::size_t kMaxCompiledQueries = 64;
 
 }  // namespace quorix

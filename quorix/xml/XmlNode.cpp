@@ -15,23 +15,8 @@ xmlNode* RequireElement(xmlNode* node) {
     return node;
 }
 
-xmlAttr* FindAttribute(const xmlNode* node, StringView name) {
-    xmlAttr* attribute = IsElementNode(node) ? node->properties : nullptr;
-    while (attribute && !Equals(attribute->name, name)) attribute = attribute->next;
-    return attribute;
-}
-
 const xmlChar* Value(const xmlAttr* attribute) {
     return attribute->children ? attribute->children->content : nullptr;
-}
-
-xmlNode* FirstElementFrom(xmlNode* node) {
-    while (node && !IsElementNode(node)) node = node->next;
-    return node;
-}
-
-xmlNode* ChildrenOf(const xmlNode* node) {
-    return node && (IsElementNode(node) || node->type == XML_DOCUMENT_NODE) ? node->children : nullptr;
 }
 
 // An attribute's neighbours are attributes, and a document's are nobody's.
@@ -144,11 +129,7 @@ XmlNode XmlNode::NextSibling() const { return XmlNode(SiblingOf(node_)); }
 XmlNode XmlNode::FirstElement() const { return XmlNode(FirstElementFrom(ChildrenOf(node_))); }
 XmlNode XmlNode::NextElement() const { return XmlNode(FirstElementFrom(SiblingOf(node_))); }
 
-XmlNode XmlNode::Child(StringView name) const {
-    xmlNode* child = ChildrenOf(node_);
-    while (child && !(IsElementNode(child) && Equals(child->name, name))) child = child->next;
-    return XmlNode(child);
-}
+XmlNode XmlNode::Child(StringView name) const { return XmlNode(FindChild(node_, name)); }
 
 std::vector<XmlNode> XmlNode::Select(StringView xpath) const {
     return node_ ? SelectNodes(node_, xpath) : std::vector<XmlNode>();

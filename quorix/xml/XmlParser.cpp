@@ -9,14 +9,11 @@
 #include "quorix/xml/AttributeCount.h"
 #include "quorix/xml/QuietParser.h"
 #include "quorix/xml/XmlBuilder.h"
+#include "quorix/xml/XmlLimits.h"
 
 namespace quorix {
 
 namespace {
-
-// Names are shared by the documents of a thread up to this many; a hostile peer can invent names for ever.
-constexpr int kMaxSharedNames = 4096;
-constexpr std::size_t kMaxSharedNameBytes = 1U << 20U;
 
 struct ParserFree {
     void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }

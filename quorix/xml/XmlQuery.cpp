@@ -9,12 +9,11 @@
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
 #include "quorix/xml/QuietParser.h"
+#include "quorix/xml/XmlLimits.h"
 
 namespace quorix {
 
 namespace {
-
-constexpr std::size_t kMaxCompiledQueries = 64;
 
 template <auto Free>
 struct With {
@@ -79,11 +78,13 @@ std::string_view TakeName(std::string_view& text) {
     return name;
 }
 
-std::string_view TakeLiteral(std::string_view& text) {
-    std::size_t end = text.find(text.front(), 1);
-    std::string_view literal = text.substr(0, end == std::string_view::npos ? end : end + 1);
-    text.remove_prefix(literal.size());
-    return literal;
+// A quoted literal, or any other single character.
+std::string_view TakeOther(std::string_view& text) {
+    bool quoted = text.front() == '"' || text.front() == '\'';
+    std::size_t end = quoted ? text.find(text.front(), 1) : 0;
+    std::string_view taken = text.substr(0, end == std::string_view::npos ? end : end + 1);
+    text.remove_prefix(taken.size());
+    return taken;
 }
 
 // A single colon; two end the name of an axis.
@@ -91,33 +92,27 @@ bool AtPrefixEnd(std::string_view rest) {
     return rest.size() > 1 && rest[0] == ':' && (rest[1] == '*' || IsNameChar(rest[1]));
 }
 
-std::string NameTest(std::string_view prefix, std::string_view local) {
-    if (local == "*") return "*[starts-with(name(),'" + std::string(prefix) + ":')]";
-    return "*[name()='" + std::string(prefix) + ":" + std::string(local) + "']";
+// `rest` stands at the colon behind `prefix`.
+std::string TakeNameTest(const std::string& prefix, std::string_view& rest) {
+    rest.remove_prefix(1);
+    if (rest.front() != '*') return "*[name()='" + prefix + ":" + std::string(TakeName(rest)) + "']";
+    rest.remove_prefix(1);
+    return "*[starts-with(name(),'" + prefix + ":')]";
 }
 
 }  // namespace
 
-std::string WithNamesAsWritten(const std::string& xpath) {
+std::string WithNamesAsWritten(std::string_view xpath) {
     std::string out;
-    std::string_view rest = xpath;
-    while (!rest.empty()) {
-        if (rest.front() == '"' || rest.front() == '\'') {
-            out += TakeLiteral(rest);
-            continue;
+    while (!xpath.empty()) {
+        std::string_view name = TakeName(xpath);
+        if (name.empty()) {
+            out += TakeOther(xpath);
+        } else if (AtPrefixEnd(xpath)) {
+            out += TakeNameTest(std::string(name), xpath);
+        } else {
+            out += name;
         }
-        std::string_view name = TakeName(rest);
-        if (name.empty() || !AtPrefixEnd(rest)) {
-            std::size_t size = name.empty() ? 1 : 0;
-            out.append(name).append(rest.substr(0, size));
-            rest.remove_prefix(size);
-            continue;
-        }
-        rest.remove_prefix(1);
-        bool any = rest.front() == '*';
-        std::string_view local = any ? rest.substr(0, 1) : TakeName(rest);
-        if (any) rest.remove_prefix(1);
-        out += NameTest(name, local);
     }
     return out;
 }

@@ -1,6 +1,8 @@
 // XPath over a tree without namespaces.
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "quorix/xml/XmlNode.h"
@@ -14,6 +16,6 @@ std::vector<XmlNode> SelectNodes(xmlNode* context, StringView xpath);
 
 // `xpath` with every prefixed name test in a form that compares the name as written: "p:n" becomes
 // "*[name()='p:n']".
-std::string WithNamesAsWritten(const std::string& xpath);
+std::string WithNamesAsWritten(std::string_view xpath);
 
 }  // namespace quorix

@@ -73,10 +73,6 @@ void Open(std::string& out, const xmlNode* node) {
     }
 }
 
-bool HasChildren(const xmlNode* node) {
-    return (node->type == XML_ELEMENT_NODE || node->type == XML_DOCUMENT_NODE) && node->children;
-}
-
 }  // namespace
 
 std::string Serialize(const xmlNode* top) {
@@ -84,8 +80,8 @@ std::string Serialize(const xmlNode* top) {
     const xmlNode* node = top;
     while (true) {
         Open(out, node);
-        if (HasChildren(node)) {
-            node = node->children;
+        if (const xmlNode* first = ChildrenOf(node)) {
+            node = first;
             continue;
         }
         while (node != top && !node->next) {

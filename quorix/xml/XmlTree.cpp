@@ -78,9 +78,21 @@ void DropHandle(xmlNode* node) {
 }
 
 xmlNode* Following(const xmlNode* node, const xmlNode* top) {
-    if (node->children && (IsElementNode(node) || node->type == XML_DOCUMENT_NODE)) return node->children;
+    if (xmlNode* first = ChildrenOf(node)) return first;
     while (node != top && !node->next) node = node->parent;
     return node == top ? nullptr : node->next;
+}
+
+xmlNode* FindChild(const xmlNode* parent, StringView name) {
+    xmlNode* child = FirstElementFrom(ChildrenOf(parent));
+    while (child && !Equals(child->name, name)) child = FirstElementFrom(child->next);
+    return child;
+}
+
+xmlAttr* FindAttribute(const xmlNode* element, StringView name) {
+    xmlAttr* attribute = IsElementNode(element) ? element->properties : nullptr;
+    while (attribute && !Equals(attribute->name, name)) attribute = attribute->next;
+    return attribute;
 }
 
 void LinkLast(xmlNode* parent, xmlNode* node) {

@@ -65,7 +65,21 @@ inline bool IsElementNode(const xmlNode* node) { return node && node->type == XM
 inline bool IsTextNode(const xmlNode* node) {
     return node && (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE);
 }
-// Only these link other nodes and properties in the ordinary way.
+
+// The first element among `node` and its later siblings.
+inline xmlNode* FirstElementFrom(xmlNode* node) {
+    while (node && !IsElementNode(node)) node = node->next;
+    return node;
+}
+xmlNode* FindChild(const xmlNode* parent, StringView name);       // an element; null in all but a parent
+xmlAttr* FindAttribute(const xmlNode* element, StringView name);  // null in all but an element
+
+// An attribute's value hangs below it too, but is no child.
+inline xmlNode* ChildrenOf(const xmlNode* node) {
+    return node && (IsElementNode(node) || node->type == XML_DOCUMENT_NODE) ? node->children : nullptr;
+}
+
+// Whether the node may stand below an element.
 inline bool CanBeChild(const xmlNode* node) {
     return IsElementNode(node) || IsTextNode(node) || node->type == XML_COMMENT_NODE ||
            node->type == XML_PI_NODE;

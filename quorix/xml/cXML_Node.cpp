@@ -10,12 +10,6 @@ namespace quorix {
 
 namespace {
 
-xmlNode* ChildNamed(const xmlNode* parent, StringView name) {
-    xmlNode* child = IsElementNode(parent) ? parent->children : nullptr;
-    while (child && !(IsElementNode(child) && Equals(child->name, name))) child = child->next;
-    return child;
-}
-
 // The first hit of `look` on the subtrees of `nodes`, in document order.
 template <class Look>
 XmlNode Search(const cXML_Node::Nodes& nodes, Look look) {
@@ -28,16 +22,13 @@ XmlNode Search(const cXML_Node::Nodes& nodes, Look look) {
 }
 
 XmlNode TagIn(const cXML_Node::Nodes& nodes, StringView tag) {
-    return Search(nodes, [tag](const xmlNode* node) { return ChildNamed(node, tag); });
+    return Search(nodes, [tag](const xmlNode* node) { return FindChild(node, tag); });
 }
 
 // The element that bears the attribute.
 XmlNode BearerIn(const cXML_Node::Nodes& nodes, StringView attribute) {
-    return Search(nodes, [attribute](xmlNode* node) {
-        const xmlAttr* at = IsElementNode(node) ? node->properties : nullptr;
-        while (at && !Equals(at->name, attribute)) at = at->next;
-        return at ? node : nullptr;
-    });
+    return Search(nodes,
+                  [attribute](xmlNode* node) { return FindAttribute(node, attribute) ? node : nullptr; });
 }
 
 }  // namespace

@@ -159,7 +159,7 @@ TEST(XmlLoad, TooManyAttributesAreFoundBehindAnything) {
 }
 
 TEST(XmlLoad, EqualsSignsThatAreNoAttributesDoNotCount) {
-    String many(kMaxXmlAttributes * 10, u'=');
+    String many(std::size_t{kMaxXmlAttributes} * 10, u'=');
     EXPECT_TRUE(Loads(Concat({u"<a b='", many, u"' c=\"", many, u"\">", many, u"<!--<x ", many, u"--><?x <x ",
                               many, u"?><![CDATA[<x ", many, u"]]></a>"})));
 }

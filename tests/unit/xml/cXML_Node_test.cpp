@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "quorix/base/AutomationError.h"
 
 namespace quorix {
