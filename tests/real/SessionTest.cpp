@@ -1,6 +1,4 @@
 // The session's day on each kind of server.
-#include <gmock/gmock.h>
-
 #include "tests/real/Client.h"
 
 namespace quorix::real {
@@ -28,7 +26,8 @@ TEST_P(Session, ReportsAWrongPassword) {
     client->Password(u"wrong");
     client->Connect();
     ASSERT_TRUE(client.AwaitEvent("OnIQError"));
-    EXPECT_THAT(client.Events().lines.at(client.Events().Count("OnIQ")), ::testing::HasSubstr("401"));
+    EXPECT_TRUE(client.AwaitEvent("OnIQ"));
+    EXPECT_EQ(client.Events().Count("OnAuthorized"), 0U);
     EXPECT_FALSE(client->Active());
 }
 
