@@ -81,6 +81,21 @@ INSTANTIATE_TEST_SUITE_P(
                 sockConnecting}),
     [](const auto& row) { return row.param.name; });
 
+TEST_F(Socket, ATimeOutBelowTheShortestIntervalCountsAsThat) {
+    environment.HoldConnections(true);
+    for (bool secure : {false, true}) {
+        auto client = SocketRecorder::Create();
+        client->socket->SSLEnable(secure);
+        client->socket->RemoteHost(u"chat.example");
+        client->socket->TimeOut(-1);
+        std::int64_t start = environment.Milliseconds();
+        client->on["error"] = [&] { EXPECT_EQ(environment.Milliseconds() - start, kShortestInterval); };
+        client->socket->Connect();
+        environment.Advance(100);
+        EXPECT_EQ(client->log, Log{"error:0:Timeout"});
+    }
+}
+
 TEST_F(Socket, AFailingSystemCallIsReportedWithItsText) {
     struct Row {
         Call call;
