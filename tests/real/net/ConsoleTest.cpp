@@ -28,18 +28,25 @@ protected:
                                TextFromUtf8(identity.SaveKey(folder.Path())));
     }
 
-    // What it printed until it ended.
-    std::string Run(const std::vector<std::string>& options) {
+    // What it printed until it ended; with `typed`, on a terminal where that is typed.
+    std::string Run(const std::vector<std::string>& options, const std::string& typed = "") {
         ProcessSetup setup;
         setup.command = {QUORIX_CONSOLE, "--server", "localhost", "--port", std::to_string(server->Start())};
         setup.command.insert(setup.command.end(), {"--user", "juliet", "--password", "secret", "--xml"});
         setup.command.insert(setup.command.end(), options.begin(), options.end());
+        if (!typed.empty()) setup.command = {"script", "-qec", Quoted(setup.command), "/dev/null"};
         setup.folder = folder.Path().string();
-        setup.input = folder.Write("input", "/quit\n");
+        setup.input = folder.Write("input", typed.empty() ? "/quit\n" : typed);
         setup.log = folder.Write("console.log", "");
         Process console(setup);
         EXPECT_TRUE(RunUntil([&] { return !console.Running(); }, 20));
         return folder.Read("console.log");
+    }
+
+    static std::string Quoted(const std::vector<std::string>& words) {
+        std::string line;
+        for (const std::string& word : words) line += "'" + word + "' ";
+        return line;
     }
 
     static bool LoggedIn(const std::string& output) { return output.find("Logged in") != std::string::npos; }
@@ -67,6 +74,16 @@ TEST_F(ConsoleClient, RefusesAnUntrustedServerBeforeItSendsAnythingSecret) {
     EXPECT_TRUE(Says(output, "unable to get local issuer certificate")) << output;
     EXPECT_FALSE(Says(output, "jabber:iq:auth")) << output;
     EXPECT_TRUE(LoggedIn(Run({"--tls", "--insecure"})));
+}
+
+TEST_F(ConsoleClient, AsksOnATerminalBeforeItGoesOn) {
+    Secure();
+    for (const char* answer : {"y", "n"}) {
+        std::string output = Run({"--tls"}, answer + std::string("\n/quit\n"));
+        EXPECT_TRUE(Says(output, "Go on all the same?")) << output;
+        EXPECT_EQ(LoggedIn(output), *answer == 'y') << output;
+        EXPECT_EQ(Says(output, "jabber:iq:auth"), *answer == 'y') << output;
+    }
 }
 
 TEST_F(ConsoleClient, GoesThroughASocksProxyAndKeepsItsPasswordToItself) {
