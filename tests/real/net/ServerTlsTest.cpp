@@ -118,6 +118,7 @@ TEST_P(ServerBehindAPutProxy, LogsInAndServes) {
     session->FetchRoster();
     EXPECT_TRUE(RunUntil([&] { return witness->rosters == 1; }));
     session->Disconnect();
+    EXPECT_TRUE(RunUntil([&] { return proxy->LastBody() == "</stream:stream>"; }));
 }
 
 QUORIX_ON_EVERY_SERVER(ServerBehindAPutProxy);
