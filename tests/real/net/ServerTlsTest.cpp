@@ -53,6 +53,7 @@ protected:
         *witness = Witness();
         session = NewSession(witness, server->TlsPort());
         session->UseSSL(true);
+        session->Socket()->TimeOut(30000);  // a busy machine's server takes its time
         session->Socket()->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
         session->Connect();
         EXPECT_TRUE(session->IsConnected());

@@ -25,6 +25,7 @@ protected:
     std::shared_ptr<SocketRecorder> Client(const Peer& server) {
         auto made = SocketRecorder::Create();
         made->socket->SSLEnable(true);
+        made->socket->TimeOut(30000);  // a busy machine's server takes its time
         made->socket->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
         made->socket->RemoteHost(u"localhost");
         made->socket->RemotePort(server.Port());
