@@ -1,7 +1,7 @@
 // The console client in chat with somebody, on each kind of server.
 #include <gmock/gmock.h>
 
-#ifdef QUORIX_CONSOLE_PROGRAM
+#ifdef QUORIX_CONSOLE
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,9 +21,9 @@ using ::testing::HasSubstr;
 class Console {
 public:
     Console(const RealServer& server, const std::string& user) {
-        const std::string command = std::string(QUORIX_CONSOLE_PROGRAM) +
-                                    " --server localhost --new --port " + std::to_string(server.Port()) +
-                                    " --user " + user + " --password secret >" + output_ + " 2>&1";
+        const std::string command = std::string(QUORIX_CONSOLE) + " --server localhost --new --port " +
+                                    std::to_string(server.Port()) + " --user " + user +
+                                    " --password secret >" + output_ + " 2>&1";
         input_ = popen(command.c_str(), "w");
     }
     ~Console() {
