@@ -102,15 +102,16 @@ TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
 }
 
 TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
-    Person ann(Server(), u"ev.ann", u"home");
+    Person ann(Server(), u"ev.ann", u"caf\u00e9");
     Person bob(Server(), u"ev.bob", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join());
     auto message = ann->CreateMessage(u"ev.bob@localhost/work", MSG_Chat, u"da?", u"");
     message->AddEvent(KV_Displayed);
     message->AddEvent(KV_Composing);
     message->SendMessage();
-    ASSERT_TRUE(bob.Sees("OnMessage da?") && bob.Sees("OnMessageEvent 0 1 ev.ann@localhost/home") &&
-                bob.Sees("OnMessageEvent 0 2 ev.ann@localhost/home"));
+    const std::string annsJid = "ev.ann@localhost/caf\xc3\x83\xc2\xa9";  // wire text
+    ASSERT_TRUE(bob.Sees("OnMessage da?") && bob.Sees("OnMessageEvent 0 1 " + annsJid) &&
+                bob.Sees("OnMessageEvent 0 2 " + annsJid));
 
     const auto heard = bob.log->messages.back();
     bob->SendEvent(heard->FromJid(), KV_Displayed, heard->ID());
