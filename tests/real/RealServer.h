@@ -36,6 +36,9 @@ public:
     // Ends the server without a word to its clients. Started again, it has the same port and accounts.
     void Kill();
 
+    // Returns when the server has forgotten the sessions of clients that are gone.
+    virtual void AwaitLogouts() {}
+
     int Port() const { return port_; }
     int TlsPort() const { return tls_port_; }  // 0 when made without a certificate
 
