@@ -92,7 +92,7 @@ public:
     bool SSLEnable() const { return sslEnable_; }
     void SSLEnable(bool value) { sslEnable_ = value; }
 
-    // Of the last TLS connection: the cipher's name, and the distinguished names (RFC 2253, ASCII) of the
+    // Of the last TLS Connect: the cipher's name, and the distinguished names (RFC 2253, ASCII) of the
     // peer's certificate, "" when it sent none.
     String SSLCipher() const { return sslCipher_; }
     void SSLCipher(StringView value) { sslCipher_ = value; }
@@ -119,7 +119,7 @@ public:
     String SSLCAFile() const { return sslCAFile_; }
     void SSLCAFile(StringView value) { sslCAFile_ = value; }
 
-    // Milliseconds until an attempt to connect, or a TLS handshake, is given up. Default 5000.
+    // Milliseconds, 10 at least, until an attempt to connect, or a TLS handshake, is given up. Default 5000.
     std::int32_t TimeOut() const { return timeOut_; }
     void TimeOut(std::int32_t value) { timeOut_ = value; }
 
