@@ -396,6 +396,11 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
     return item;
 }
 
+void cSession::ParseReceiveRoster(const NodePtr& message) {
+    if (!message) throw AutomationError(ERR_ObjectNotSet);
+    quorix::ParseReceiveRoster(*this, *message);
+}
+
 eItemType cSession::FindItemType(StringView jid) {
     bool isRoom = rooms_.FindGroupChat(jid) > 0 || rooms_.FindGroupChat(Convert2Unicode(jid)) > 0;
     if (isRoom) return KV_GroupChatItem;

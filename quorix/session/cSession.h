@@ -215,7 +215,8 @@ public:
     // A contact to fill and Add. It enters the table when the server reports it, not here.
     std::shared_ptr<cRosterItem> CreateRosterItem();
     std::int16_t FindRosterItem(StringView jid) const { return roster_.FindRosterItem(jid); }
-    void ParseReceiveRoster(const NodePtr& message) { quorix::ParseReceiveRoster(*this, *message); }
+    // Raises OnReceiveRosterItem for each contact in a message. Error 91 for null.
+    void ParseReceiveRoster(const NodePtr& message);
 
     // -- Messages --
 

@@ -136,35 +136,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {},
                 {"OnIQ"}}));
 
-TEST_F(SessionServices, CreatesAnAccountFromAnyFormAndLogsInWithIt) {
-    session->Connect(true);
-    env.DoEvents();
-    Say("<stream:stream id='s1' from='s' xmlns='jabber:client'>");
-    Heard();
-    Say("<iq type='result' id='KV_1' from='s'><query "
-        "xmlns='jabber:iq:register'><username/><password/></query></iq>");
-    EXPECT_EQ(Heard(),
-              "<iq type='set' to='s' id='kv_newuser'><query xmlns='jabber:iq:register'><username>u</username>"
-              "<password>p</password><key></key></query></iq>");
-    Say("<iq type='result' id='kv_newuser'><query xmlns='jabber:iq:register'/></iq>");
-    env.DoEvents();
-    EXPECT_EQ(events->Count("OnNewUserCreated"), 1U);
-    EXPECT_EQ(env.PeerCount(), 2U);
-    Say("<stream:stream id='s2' from='s' xmlns='jabber:client'>");
-    EXPECT_NE(Heard().find("jabber:iq:auth"), std::string::npos);
-}
-
-TEST_F(SessionServices, ReportsARefusedAccountAndCloses) {
-    session->Reconnect(false);
-    session->Connect(true);
-    env.DoEvents();
-    Say("<stream:stream id='s1' from='s' xmlns='jabber:client'>");
-    Say("<iq type='error' id='kv_newuser' from='s'><error code='409'>Taken</error></iq>");
-    EXPECT_EQ(events->lines.front(), "OnIQError s 409 Taken");
-    EXPECT_EQ(events->Count("OnNewUserCreated"), 0U);
-    EXPECT_EQ(events->Count("OnDisConnected"), 1U);
-}
-
 TEST_F(SessionServices, FillsAnAgentsFieldsAndSendsThemBack) {
     LogIn();
     AddAgent("icq.s");
@@ -180,6 +151,10 @@ TEST_F(SessionServices, FillsAnAgentsFieldsAndSendsThemBack) {
         Heard(),
         R"(<iq type="set" id="KV_2" to="icq.s"><query xmlns="jabber:iq:register"><username>123</username>)"
         R"(<key>k</key></query></iq>)");
+}
+
+TEST_F(SessionServices, NothingIsNoMessage) {
+    EXPECT_THROW(session->ParseReceiveRoster(nullptr), AutomationError);
 }
 
 TEST_F(SessionServices, TellsWhatStandsBehindAnAddress) {
