@@ -41,11 +41,12 @@ bool Client::LogIn() {
 
 bool Client::Await(const std::function<bool()>& condition) const {
     auto end = std::chrono::steady_clock::now() + kPatience;
-    while (!condition() && std::chrono::steady_clock::now() < end) {
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
         MessageLoop::DoEvents();
         std::this_thread::sleep_for(kPause);
     }
-    return condition();
+    return true;
 }
 
 bool Client::AwaitEvent(const std::string& event, std::size_t count) const {

@@ -162,6 +162,7 @@ TEST_F(MessageTest, MarkupIsFoundByItsNamespaceBetweenTheTagsOfItsBody) {
         {u"<html xmlns='x'><body>no</body></html>"
          u"<d><html xmlns='http://www.w3.org/1999/xhtml'><BODY class='c'>yes</BODY></html></d>",
          u"yes"},
+        {u"<html xmlns='http://www.w3.org/1999/xhtml'><body>1<body>2</body>3</body></html>", u"1<body>2"},
         {u"<html xmlns='http://www.w3.org/1999/xhtml'><body/></html>", u""},
         {u"<html xmlns='http://www.w3.org/1999/xhtml'/>", u""},
         {u"<html><body>no</body></html>", u""},

@@ -185,7 +185,7 @@ TEST_F(PresenceTest, AbsurdPresencesLoseNothingBehindThem) {
     Arrive(u"<presence/>");
     Arrive(u"<presence from='/'/>");
     Arrive(u"<presence from='a@b/c/d'><priority>-200</priority></presence>");
-    Arrive(u"<presence from='a@b/x'><priority>99999999999</priority></presence>");
+    Arrive(u"<presence from='a@b/x'><priority>70000</priority></presence>");
     Arrive(u"<presence from='a@b/y'><priority>high</priority><show/><status/></presence>");
     EXPECT_EQ(session->TakeEvents(),
               (Lines{"OnPresence   1 0 3", "OnPresence   1 0 3", "OnPresence a@b c/d 1 0 3",
@@ -252,6 +252,7 @@ TEST_F(PresenceTest, TheCursorIsSharedAndFollowsEveryLookUp) {
 
     EXPECT_EQ(Find(u"a@b", u"two"), 3);
     session->presences.Clear();
+    EXPECT_EQ(Find(u"a@b"), 0) << "nor does the cursor move in an empty table";
     Add(u"a@b", u"one");
     EXPECT_EQ(Find(u"a@b", u"", false), 0) << "it stands beyond what was removed";
     EXPECT_EQ(Find(u"a@b", u"", false), 1);
