@@ -205,34 +205,6 @@ TEST_F(PresenceTest, AListOfPresencesIsReportedAndNotKept) {
     EXPECT_EQ(session->presences.Count(), 0);
 }
 
-TEST_F(PresenceTest, ThePrimaryEntryIsTheHighestPriorityAndTheLaterOnATie) {
-    Add(u"a@b", u"one", 5);
-    Add(u"x@y", u"other", 9);
-    auto two = Add(u"a@b", u"two", 5);
-    auto three = Add(u"a@b", u"three", 3);
-    EXPECT_EQ(Find(u"a@b"), 3);
-    two->Priority(-1);
-    EXPECT_EQ(Find(u"a@b"), 1);
-    session->presences.Remove(1);
-    EXPECT_EQ(Find(u"a@b"), 3);
-    three->Priority(-3);
-    EXPECT_EQ(Find(u"a@b"), 0);
-    EXPECT_EQ(session->presences.Primary(u"a@b"), nullptr);
-    EXPECT_EQ(session->presences.Primary(u"x@y"), session->presences.Item(1));
-}
-
-TEST_F(PresenceTest, AnEnumerationVisitsEachEntryOnceThenEndsThenBeginsAgain) {
-    EXPECT_EQ(Find(u"a@b", u"", false), 0);
-    Add(u"a@b", u"one");
-    Add(u"x@y", u"one");
-    Add(u"a@b", u"two");
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(Find(u"a@b", u"", false), 1);
-        EXPECT_EQ(Find(u"a@b", u"", false), 3);
-        EXPECT_EQ(Find(u"a@b", u"", false), 0);
-    }
-}
-
 TEST_F(PresenceTest, TheCursorIsSharedAndFollowsEveryLookUp) {
     Add(u"a@b", u"one");
     Add(u"x@y", u"one");

@@ -57,11 +57,6 @@ TEST_F(AgentsTest, AnAgentInsideAnAgentIsPartOfIt) {
     EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentEnd"}));
 }
 
-TEST_F(AgentsTest, AnErrorHasBeginAndEndOnly) {
-    Handle(u"<iq type='error' id='fullagents'><query xmlns='jabber:iq:agents'/><error code='503'/></iq>");
-    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentEnd"}));
-}
-
 TEST_F(AgentsTest, RequestsAreWrittenExactly) {
     auto jud = Jud();
     FetchAgents(*link);
@@ -193,14 +188,6 @@ TEST_F(AgentsTest, AnAgentReadsFromTheXmlItWasGiven) {
     EXPECT_EQ(agent.xml(), u"<agent jid=\"x\"><deep><name>no</name></deep></agent>");
     agent.xml(u"<agent");
     EXPECT_EQ(agent.xml(), u"");
-}
-
-TEST_F(AgentsTest, AGatewaySaysWhatItNeeds) {
-    HandleGateway(
-        *link, StanzaOf(u"<iq type='result'><query xmlns='jabber:iq:gateway'><desc>UIN</desc></query></iq>"));
-    HandleGateway(
-        *link, StanzaOf(u"<iq type='error'><query xmlns='jabber:iq:gateway'><desc>no</desc></query></iq>"));
-    EXPECT_EQ(log->Take(), (Lines{"GatewayInfo iq UIN"}));
 }
 
 }  // namespace
