@@ -29,28 +29,19 @@ protected:
     }
 };
 
-struct OwnPresence {
-    StringView status;
-    std::int32_t show;
-    std::int16_t priority;
-    std::string sent;
-};
-
 TEST_F(PresenceTest, OwnPresenceHasStatusShowAndPriorityInThisOrder) {
-    const OwnPresence cases[] = {
-        {u"", KV_None, 0, "<presence><priority>0</priority></presence>"},
+    const std::tuple<StringView, std::int32_t, std::int16_t, std::string> cases[] = {
+        {u"", KV_None, 0, "<priority>0</priority>"},
         {u"a<b&\u00e9", KV_Away, -3,
-         "<presence><status>a&lt;b&amp;\xC3\x83\xC2\xA9</status><show>away</show><priority>-3</priority></"
-         "presence>"},
-        {u"", KV_chat, 1, "<presence><show>chat</show><priority>1</priority></presence>"},
-        {u"", KV_ExtendedAway, 1, "<presence><show>xa</show><priority>1</priority></presence>"},
-        {u"", KV_DND, 1, "<presence><show>dnd</show><priority>1</priority></presence>"},
-        {u"", 7, 1, "<presence><priority>1</priority></presence>"},
-        {u"", -1, 1, "<presence><priority>1</priority></presence>"},
-    };
-    for (const OwnPresence& own : cases) {
-        SendMyPresence(*session, own.status, own.show, own.priority);
-        EXPECT_EQ(session->TakeSent(), Lines{own.sent});
+         "<status>a&lt;b&amp;\xC3\x83\xC2\xA9</status><show>away</show><priority>-3</priority>"},
+        {u"", KV_chat, 1, "<show>chat</show><priority>1</priority>"},
+        {u"", KV_ExtendedAway, 1, "<show>xa</show><priority>1</priority>"},
+        {u"", KV_DND, 1, "<show>dnd</show><priority>1</priority>"},
+        {u"", 7, 1, "<priority>1</priority>"},
+        {u"", -1, 1, "<priority>1</priority>"}};
+    for (const auto& [status, show, priority, content] : cases) {
+        SendMyPresence(*session, status, show, priority);
+        EXPECT_EQ(session->TakeSent(), Lines{"<presence>" + content + "</presence>"});
     }
 }
 

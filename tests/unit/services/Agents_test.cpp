@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Agents.h"
+#include "tests/unit/ErrorOf.h"
 #include "tests/unit/services/FakeLink.h"
 #include "tests/unit/services/ServiceLog.h"
 
@@ -129,25 +130,16 @@ TEST_F(AgentsTest, FieldsAreFoundExactlyAndRegisteredInAnyCase) {
     EXPECT_EQ(jud->FindAttrib(u"y"), 0);
 }
 
-int NumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
-
 TEST_F(AgentsTest, ImpossibleRequestsHaveTheirNumbers) {
     auto jud = Jud();
     jud->AddField(u"a", u"1");
-    EXPECT_EQ(NumberOf([&] { jud->AddField(u"a", u"2"); }), ERR_KeyInUse);
-    EXPECT_EQ(NumberOf([&] { jud->SetField(u"b", u"2"); }), ERR_Subscript);
-    EXPECT_EQ(NumberOf([] { cAgentItem().Search(); }), ERR_ObjectNotSet);
+    EXPECT_EQ(ErrorOf([&] { jud->AddField(u"a", u"2"); }), ERR_KeyInUse);
+    EXPECT_EQ(ErrorOf([&] { jud->SetField(u"b", u"2"); }), ERR_Subscript);
+    EXPECT_EQ(ErrorOf([] { cAgentItem().Search(); }), ERR_ObjectNotSet);
     link.reset();
     for (auto send : {&cAgentItem::GetSearchFields, &cAgentItem::Search, &cAgentItem::QueryGateway,
                       &cAgentItem::Update, &cAgentItem::Delete}) {
-        EXPECT_EQ(NumberOf([&] { (*jud.*send)(); }), ERR_ObjectNotSet);
+        EXPECT_EQ(ErrorOf([&] { (*jud.*send)(); }), ERR_ObjectNotSet);
     }
 }
 

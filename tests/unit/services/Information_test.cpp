@@ -4,6 +4,7 @@
 #include "quorix/services/Information.h"
 #include "quorix/services/OutOfBand.h"
 #include "quorix/services/PrivateStorage.h"
+#include "tests/unit/ErrorOf.h"
 #include "tests/unit/services/FakeLink.h"
 #include "tests/unit/services/ServiceLog.h"
 
@@ -50,26 +51,12 @@ TEST(Information, EachRequestAndAnswerIsWrittenExactlyAndUnderAFreshId) {
     }
 }
 
-TEST(PrivateStorage, ReadingTakesAnIdAndSendsNothing) {
+TEST(PrivateStorage, ReadingAndANamespaceWithoutAColonTakeAnIdAndSendNothing) {
     FakeLink link;
     EXPECT_EQ(getPrivateData(link, u"a:b"), u"");
-    EXPECT_EQ(link.ids, 1);
-    EXPECT_TRUE(link.sent.empty());
-}
-
-TEST(PrivateStorage, ANamespaceWithoutAColonIsAnErrorThatTakesAnId) {
-    FakeLink link;
-    auto number = [](auto call) {
-        try {
-            call();
-        } catch (const AutomationError& error) {
-            return error.Number();
-        }
-        return 0;
-    };
-    EXPECT_EQ(number([&] { StorePrivateData(link, u"ab", u""); }), ERR_InvalidCall);
-    EXPECT_EQ(number([&] { getPrivateData(link, u""); }), ERR_InvalidCall);
-    EXPECT_EQ(link.ids, 2);
+    EXPECT_EQ(ErrorOf([&] { StorePrivateData(link, u"ab", u""); }), ERR_InvalidCall);
+    EXPECT_EQ(ErrorOf([&] { getPrivateData(link, u""); }), ERR_InvalidCall);
+    EXPECT_EQ(link.ids, 3);
     EXPECT_TRUE(link.sent.empty());
 }
 
