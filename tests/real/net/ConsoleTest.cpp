@@ -87,7 +87,8 @@ TEST_F(ConsoleClient, KnowsAProxysAddressWhenItSeesOne) {
 }
 
 TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
-    std::string output = Run({}, R"(/agents
+    std::string output = Run({}, R"(/help
+/agents
 /agent gateway.localhost username=me; password=Zoë & co
 /unagent gateway.localhost
 /gateway gateway.localhost
@@ -115,7 +116,8 @@ TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
 /unregister
 /wait 1
 )");
-    for (const char* shown : {"agent gateway.localhost \"Gateway\" register gateway",
+    for (const char* shown : {"/unregister                   removes the account for good",
+                              "agent gateway.localhost \"Gateway\" register gateway",
                               "agents: 3",
                               "  password = ***",
                               "<username>me</username><password>***</password><key>***</key>",
