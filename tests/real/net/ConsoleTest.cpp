@@ -89,6 +89,7 @@ TEST_F(ConsoleClient, KnowsAProxysAddressWhenItSeesOne) {
 TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
     std::string output = Run({}, R"(/help
 /agents
+/wait 2
 /agent gateway.localhost username=me; password=Zoë & co
 /unagent gateway.localhost
 /gateway gateway.localhost
@@ -110,11 +111,11 @@ TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
 /offer localhost http://h/f a file
 /fetched localhost
 /passwd other
-/wait 1
+/wait 2
 /register eve secret
-/wait 1
+/wait 2
 /unregister
-/wait 1
+/wait 2
 )");
     for (const char* shown : {"/unregister                   removes the account for good",
                               "agent gateway.localhost \"Gateway\" register gateway",
