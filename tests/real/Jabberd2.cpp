@@ -12,7 +12,7 @@ namespace quorix::real {
 namespace {
 
 constexpr const char* kPackaged = "/etc/jabberd2/";
-constexpr std::chrono::milliseconds kWordTravels{20};
+constexpr std::chrono::milliseconds kWordTravels{50};
 constexpr const char* kTables = "/usr/share/doc/jabberd2/db-setup.sqlite.gz";
 
 // "" when there is no such file.

@@ -29,7 +29,7 @@ public:
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
 
-    // Returns when the server answers a stream header; throws std::runtime_error, with what the server wrote,
+    // Returns when the server answers a query; throws std::runtime_error, with what the server wrote,
     // when it ends or 30 s pass before. Nothing happens when it runs already.
     void Start();
 
