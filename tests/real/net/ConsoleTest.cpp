@@ -28,18 +28,37 @@ protected:
                                TextFromUtf8(identity.SaveKey(folder.Path())));
     }
 
-    // What it printed until it ended.
+    // What it printed until it ended; `input` reaches it by a pipe.
     std::string Run(const std::vector<std::string>& options, const std::string& input = "") {
+        return OutputOf(Command(options), input);
+    }
+    // The same on a terminal, where `input` is typed.
+    std::string RunOnTerminal(const std::vector<std::string>& options, const std::string& input) {
+        return OutputOf({"script", "-qec", Quoted(Command(options)), "/dev/null"}, input);
+    }
+
+    std::vector<std::string> Command(const std::vector<std::string>& options) {
+        std::vector<std::string> words = {
+            QUORIX_CONSOLE, "--server", "localhost",  "--port", std::to_string(server->Start()),
+            "--user",       "juliet",   "--password", "secret", "--xml"};
+        words.insert(words.end(), options.begin(), options.end());
+        return words;
+    }
+    std::string OutputOf(const std::vector<std::string>& command, const std::string& input) {
         ProcessSetup setup;
-        setup.command = {QUORIX_CONSOLE, "--server", "localhost", "--port", std::to_string(server->Start())};
-        setup.command.insert(setup.command.end(), {"--user", "juliet", "--password", "secret", "--xml"});
-        setup.command.insert(setup.command.end(), options.begin(), options.end());
+        setup.command = command;
         setup.folder = folder.Path().string();
         setup.input = folder.Write("input", input + "/quit\n");
         setup.log = folder.Write("console.log", "");
         Process console(setup);
         EXPECT_TRUE(RunUntil([&] { return !console.Running(); }, 20));
         return folder.Read("console.log");
+    }
+
+    static std::string Quoted(const std::vector<std::string>& words) {
+        std::string line;
+        for (const std::string& word : words) line += "'" + word + "' ";
+        return line;
     }
 
     static bool LoggedIn(const std::string& output) { return output.find("Logged in") != std::string::npos; }
@@ -67,6 +86,16 @@ TEST_F(ConsoleClient, RefusesAnUntrustedServerBeforeItSendsAnythingSecret) {
     EXPECT_TRUE(Says(output, "unable to get local issuer certificate")) << output;
     EXPECT_FALSE(Says(output, "jabber:iq:auth")) << output;
     EXPECT_TRUE(LoggedIn(Run({"--tls", "--insecure"})));
+}
+
+TEST_F(ConsoleClient, AsksOnATerminalBeforeItGoesOn) {
+    Secure();
+    for (const char* answer : {"y", "n"}) {
+        std::string output = RunOnTerminal({"--tls"}, answer + std::string("\n"));
+        EXPECT_TRUE(Says(output, "Go on all the same?")) << output;
+        EXPECT_EQ(LoggedIn(output), *answer == 'y') << output;
+        EXPECT_EQ(Says(output, "jabber:iq:auth"), *answer == 'y') << output;
+    }
 }
 
 TEST_F(ConsoleClient, GoesThroughASocksProxyAndKeepsItsPasswordToItself) {
