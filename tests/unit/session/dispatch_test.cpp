@@ -35,6 +35,9 @@ INSTANTIATE_TEST_SUITE_P(
         Dispatch{"result without a query", "<iq type='result' id='7' from='a'/>", {"OnIQResult a", "OnIQ"}},
         Dispatch{"no type", "<iq id='7'/>", {"OnIQ"}},
         Dispatch{"second login result", "<iq type='result' id='kv_login'/>", {"OnIQ"}},
+        Dispatch{"a request is no reply, whatever its id",
+                 "<iq type='set' id='kv_login'><query xmlns='jabber:iq:roster'/></iq>",
+                 {"OnRosterBegin", "OnRosterEnd", "OnIQ"}},
         Dispatch{"login error after the login",
                  "<iq type='error' id='kv_login'><error code='401'>No</error></iq>",
                  {"OnIQError  401 No", "OnIQ"}},
@@ -186,7 +189,17 @@ TEST_F(SessionTest, ClosesWhenTheAccountIsRefusedAndTriesToLogIn) {
     Say("<stream:stream id='s1'>");
     Say("<iq type='error' id='kv_newuser'><error code='409'>Taken</error></iq>");
     EXPECT_EQ(events->lines, (Lines{"OnIQError  409 Taken", "OnDisConnected", "OnIQ"}));
-    EXPECT_EQ(session->Active(), false);
+    env.DoEvents();
+    EXPECT_EQ(env.PeerCount(), 2U);
+}
+
+TEST_F(SessionTest, StaysAwayAfterADisconnectInTheMiddleOfANewAccount) {
+    session->Connect(true);
+    env.DoEvents();
+    Say("<stream:stream id='s1'>");
+    session->Disconnect();
+    env.Advance(100000);
+    EXPECT_EQ(env.PeerCount(), 1U);
 }
 
 }  // namespace
