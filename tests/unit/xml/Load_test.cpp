@@ -150,6 +150,20 @@ TEST(XmlLoad, AttributesOfAnElementAreBounded) {
     EXPECT_FALSE(Loads(WithAttributes(kMaxXmlAttributes + 1)));
 }
 
+TEST(XmlLoad, NamesOfADocumentAreBounded) {
+    int serial = 0;
+    auto withNames = [&serial](int count, StringView open, StringView close) {
+        String text = u"<r x='1'>";  // two of the names
+        for (int i = 2; i < count; ++i) text += Concat({open, ToString(++serial), close});
+        return text + u"</r>";
+    };
+    for (auto [open, close] : {std::pair{u"<n", u"/>"}, {u"<r n", u"=''/>"}, {u"<?n", u"?>"}}) {
+        EXPECT_TRUE(Loads(withNames(kMaxXmlNames - 1, open, close)));
+        EXPECT_TRUE(Loads(withNames(kMaxXmlNames, open, close)));
+        EXPECT_FALSE(Loads(withNames(kMaxXmlNames + 1, open, close)));
+    }
+}
+
 // A million attributes would take the parser minutes, so none of these may reach it.
 TEST(XmlLoad, TooManyAttributesAreFoundBehindAnything) {
     String bomb = WithAttributes(1000000);
