@@ -21,9 +21,7 @@ thread_local const cHelpEvent* relaySlot = nullptr;
 thread_local Slot keepAlive;
 thread_local Slot reconnect;
 
-std::shared_ptr<TimerTarget> Target() {
-    return relaySlot ? relaySlot->GetMe() : nullptr;
-}
+std::shared_ptr<TimerTarget> Target() { return relaySlot ? relaySlot->GetMe() : nullptr; }
 
 void OnKeepAlive() {
     if (std::shared_ptr<TimerTarget> target = Target()) target->KeepAliveTick();
