@@ -403,7 +403,8 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
 }
 
 eItemType cSession::FindItemType(StringView jid) {
-    if (rooms_.FindGroupChat(jid) > 0) return KV_GroupChatItem;
+    bool isRoom = rooms_.FindGroupChat(jid) > 0 || rooms_.FindGroupChat(Convert2Unicode(jid)) > 0;
+    if (isRoom) return KV_GroupChatItem;
     String bareJid = RemoveResource(jid);
     if (agents_.Knows(bareJid)) return KV_AgentItem;
     return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;

@@ -309,8 +309,8 @@ public:
 
     // -- SessionLink --
 
-    // A joined room (exactly this JID), else an agent, else a contact (without the resource, ASCII case
-    // aside), else unknown.
+    // `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
+    // contact (without the resource, ASCII case aside), else unknown.
     eItemType FindItemType(StringView jid) override;
     bool LeaveRoom(StringView jid, StringView nickname) override;
     void ForEachSink(const std::function<void(SessionEvents&)>& raise) override;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iostream>
 #include <thread>
 
 #include "quorix/platform/MessageLoop.h"
@@ -45,7 +46,10 @@ bool Client::Await(const std::function<bool()>& condition) const {
         MessageLoop::DoEvents();
         std::this_thread::sleep_for(kPause);
     }
-    return condition();
+    if (condition()) return true;
+    std::cerr << "Waited in vain. Events so far:\n";
+    for (const std::string& line : events_->lines) std::cerr << "  " << line << "\n";
+    return false;
 }
 
 bool Client::AwaitEvent(const std::string& event, std::size_t count) const {

@@ -37,6 +37,8 @@ TEST_F(MessageTest, ANewMessageIsASkeletonThatItsPropertiesFill) {
         R"(<message id="KV_3" type="" to="a" )" + kFrom + "><body>b</body><subject>s</subject></message>");
     session->resource = u"Tom's <desk>";
     EXPECT_EQ(cMessage::Create(session)->FromJid(), u"me@example.org/Tom's <desk>");
+    session->resource = u"caf\u00e9";
+    EXPECT_EQ(cMessage::Create(session)->FromJid(), u"me@example.org/caf\u00c3\u00a9") << "as at the login";
 }
 
 TEST_F(MessageTest, TypesAreReadAndWrittenByName) {

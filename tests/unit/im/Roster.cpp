@@ -184,6 +184,12 @@ TEST_F(RosterTest, ThousandsOfGroupsAndItemsWithoutAnAddressAreTaken) {
     EXPECT_EQ(Contact(u"")->Groups().Count(), 10000);
 }
 
+TEST_F(RosterTest, AnItemInsideAnItemIsPartOfIt) {
+    Push(u"<item jid='a@b'><item jid='no@b'/></item><deep><item jid='c@d'/></deep>");
+    EXPECT_EQ(session->TakeEvents(),
+              (Lines{"OnRosterBegin", "OnRosterItem a@b 0", "OnRosterItem c@d 0", "OnRosterEnd"}));
+}
+
 TEST_F(RosterTest, AHandlerMayChangeTheTableItIsToldOf) {
     session->log.onRosterItem = [&] { session->roster.Clear(); };
     Push(u"<item jid='a@b'/><item jid='a@b' subscription='remove'/><item jid='c@d'/>");

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "quorix/services/VCard.h"
 #include "tests/unit/services/FakeLink.h"
 #include "tests/unit/services/ServiceLog.h"
@@ -151,6 +153,16 @@ TEST(VCard, AResultRaisesTheCardUnderAnyCaseOfItsRoot) {
     HandleVCard(link, StanzaOf(u"<iq type='error'><vCard xmlns='vcard-temp'/></iq>"));
     HandleVCard(link, StanzaOf(u"<iq type='result'><query xmlns='vcard-temp'/></iq>"));
     EXPECT_EQ(log->Take(), Lines{});
+}
+
+TEST(VCard, ALongTextIsReadOnceHoweverOftenItsElementComesAgain) {
+    String again;
+    for (int i = 0; i < 60'000; ++i) again += u"<DESC>no</DESC>";
+    Stanza stanza =
+        StanzaOf(Concat({u"<vCard><DESC>", String(2'000'000, u'x'), u"</DESC>", again, u"</vCard>"}));
+    std::clock_t begin = std::clock();
+    EXPECT_EQ(ReadVCard(stanza.root)->Description().size(), 2'000'000U);
+    EXPECT_LT(std::clock() - begin, 2 * CLOCKS_PER_SEC) << "a copy for each element takes ten times as long";
 }
 
 TEST(VCard, APhotoOfFiveMegabytesIsPassedOver) {

@@ -206,6 +206,19 @@ TEST_F(SessionTest, FinishesTheChunkAfterAHandlerHasDisconnectedButNotAfterANewC
     EXPECT_EQ(events->lines, Lines{"OnIQ"});
 }
 
+TEST_F(SessionTest, WhatArrivesWhileAHandlerSendsPresenceWaitsItsTurn) {
+    LogIn();
+    events->onMessage = [&](const std::shared_ptr<cMessage>& message) {
+        if (message->Body() != u"1") return;
+        env.Peer().Say("<message><body>3</body></message>");
+        session->SendPresence(u"a@b", KV_Available, u"");
+        events->lines.emplace_back("sent");
+    };
+    Say("<message><body>1</body></message><message><body>2</body></message>");
+    env.DoEvents();
+    EXPECT_EQ(events->lines, (Lines{"OnMessage 1", "sent", "OnMessage 2", "OnMessage 3"}));
+}
+
 TEST_F(SessionTest, LeavesTheReconnectDecisionToAHandlerThatHasConnected) {
     for (const std::string where : {"OnError", "OnDisConnected"}) {
         LogIn();

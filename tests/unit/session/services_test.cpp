@@ -98,6 +98,15 @@ TEST_F(SessionServices, ARoomsPresencesAreNobodysAndOurOwnLeavingForgetsIt) {
     EXPECT_EQ(session->FindGroupChat(u"lobby@c"), 0);
 }
 
+TEST_F(SessionServices, ARoomIsRecognisedByItsNameInAnyLanguage) {
+    LogIn();
+    Join(u"caf\u00e9@c", u"\u00c9va");
+    Say("<presence from='caf\xc3\xa9@c/Other'/>");
+    EXPECT_EQ(session->Presence().Count(), 0);
+    Say("<presence from='caf\xc3\xa9@c/\xc3\x89va' type='unavailable'/>");
+    EXPECT_EQ(session->FindGroupChat(u"caf\u00e9@c"), 0);
+}
+
 TEST_F(SessionServices, TheEndOfTheConnectionEmptiesTheSearch) {
     LogIn();
     Say("<iq type='result'><query xmlns='jabber:iq:search'><instructions>I</instructions></query></iq>");
