@@ -326,6 +326,9 @@ private:
     cSession();
     void Initialise();
 
+    // Only entries in progress still hold the session: nobody is left to hear it.
+    bool IsAbandoned() const;
+
     void KeepAliveTick() override;
     void ReconnectTick() override;
 
@@ -399,7 +402,7 @@ private:
     std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
     long held_ = 0;                  // references held by entries in progress
 
-    std::shared_ptr<cHelpEvent> relay_;
+    std::unique_ptr<cHelpEvent> relay_;
     std::shared_ptr<cSocketSSL> socket_;
     std::unique_ptr<SocketPort> socketPort_;
     std::deque<Delivery> deliveries_;
