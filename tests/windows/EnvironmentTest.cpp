@@ -21,7 +21,7 @@ Environment& System() { return SystemEnvironment(); }
 
 template <class Done>
 bool PumpUntil(Done done) {
-    const std::int64_t end = System().Milliseconds() + 10000;
+    const std::int64_t end = System().Milliseconds() + 60000;
     while (!done()) {
         if (System().Milliseconds() > end) return false;
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
