@@ -396,6 +396,11 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
     return item;
 }
 
+void cSession::ParseReceiveRoster(const NodePtr& message) {
+    if (!message) throw AutomationError(ERR_ObjectNotSet);
+    quorix::ParseReceiveRoster(*this, *message);
+}
+
 eItemType cSession::FindItemType(StringView jid) {
     if (rooms_.FindGroupChat(jid) > 0) return KV_GroupChatItem;
     String bareJid = RemoveResource(jid);

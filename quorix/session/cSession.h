@@ -158,7 +158,7 @@ public:
     bool IsConnected() const override { return socket_->State() == sockConnected; }
     String LocalIP() const { return socket_->LocalIP(); }
 
-    // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
+    // The connection itself, whose events are the session's alone: for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
     // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
     // application judges the certificate there, and Disconnects when it does not trust it: no password has
     // been sent by then.
@@ -215,7 +215,8 @@ public:
     // A contact to fill and Add. It enters the table when the server reports it, not here.
     std::shared_ptr<cRosterItem> CreateRosterItem();
     std::int16_t FindRosterItem(StringView jid) const { return roster_.FindRosterItem(jid); }
-    void ParseReceiveRoster(const NodePtr& message) { quorix::ParseReceiveRoster(*this, *message); }
+    // OnReceiveRosterItem follows for each contact in a message. Error 91 without one.
+    void ParseReceiveRoster(const NodePtr& message);
 
     // -- Messages --
 
@@ -262,7 +263,7 @@ public:
     // -- Rooms (jabber:iq:browse, jabber:iq:conference) --
 
     // The rooms joined; FindGroupChat gives positions in it, by the exact JID.
-    const GroupChats::List& Rooms() const { return rooms_.Items(); }
+    GroupChats::List& Rooms() { return rooms_.Items(); }
     std::int32_t FindGroupChat(StringView JID) const { return rooms_.FindGroupChat(JID); }
     void BrowseChatServer(StringView JID, StringView ID) { quorix::BrowseChatServer(*this, JID, ID); }
     void BrowseChatRoom(StringView JID, StringView ID) { quorix::BrowseChatRoom(*this, JID, ID); }
