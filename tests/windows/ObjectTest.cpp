@@ -121,6 +121,10 @@ TEST(Object, TakesNamedArguments) {
         node->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters, nullptr, nullptr, nullptr),
         S_OK);
     EXPECT_EQ(node.Text(L"xml"), "<a><b>new</b></a>");
+    ids[1] = 7;
+    EXPECT_EQ(
+        node->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters, nullptr, nullptr, nullptr),
+        DISP_E_PARAMNOTFOUND);
 }
 
 TEST(Object, IsOneObjectHoweverOftenItIsHandedOut) {
