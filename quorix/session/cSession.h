@@ -158,10 +158,10 @@ public:
     bool IsConnected() const override { return socket_->State() == sockConnected; }
     String LocalIP() const { return socket_->LocalIP(); }
 
-    // The connection itself, whose events are the session's alone: for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
+    // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
     // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
     // application judges the certificate there, and Disconnects when it does not trust it: no password has
-    // been sent by then.
+    // been sent by then. Its events are the session's alone.
     const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
 
     // -- Connection --
