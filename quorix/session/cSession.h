@@ -161,7 +161,7 @@ public:
     // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
     // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
     // application judges the certificate there, and Disconnects when it does not trust it: no password has
-    // been sent by then.
+    // been sent by then. Its events are the session's alone.
     const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
 
     // -- Connection --
@@ -263,7 +263,7 @@ public:
     // -- Rooms (jabber:iq:browse, jabber:iq:conference) --
 
     // The rooms joined; FindGroupChat gives positions in it, by the exact JID.
-    const GroupChats::List& Rooms() const { return rooms_.Items(); }
+    GroupChats::List& Rooms() { return rooms_.Items(); }
     std::int32_t FindGroupChat(StringView JID) const { return rooms_.FindGroupChat(JID); }
     void BrowseChatServer(StringView JID, StringView ID) { quorix::BrowseChatServer(*this, JID, ID); }
     void BrowseChatRoom(StringView JID, StringView ID) { quorix::BrowseChatRoom(*this, JID, ID); }
