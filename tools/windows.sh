@@ -58,7 +58,7 @@ check_width() {
     wine_for "$width"
     make_prefix "$width"
     configure_and_build "$width"
-    ctest --test-dir "$root/build/win$width" -j "$jobs" --output-on-failure --timeout 300 "$@" || status=$?
+    ctest --test-dir "$root/build/win$width" -j "$jobs" --output-on-failure --no-tests=error --timeout 300 "$@" || status=$?
     stop_wine "$width"
     return $status
 }

@@ -23,6 +23,7 @@ const std::vector<const ClassTable*>& Classes() {
         &TableOf<cAgentField>(),
         &TableOf<cAgentAttrib>(),
         &TableOf<Shared<cAgentItem>>(),
+        &TableOf<Shared<cGroupChat>>(),
         &TableOf<Shared<cAgentField>>(),
         &TableOf<Shared<cAgentAttrib>>(),
         &TableOf<cSearchField>(),

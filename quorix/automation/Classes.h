@@ -89,6 +89,8 @@ const ClassTable& TableOf<Shared<cPresenceItem>>();
 template <>
 const ClassTable& TableOf<Shared<cAgentItem>>();
 template <>
+const ClassTable& TableOf<Shared<cGroupChat>>();
+template <>
 const ClassTable& TableOf<Shared<cAgentField>>();
 template <>
 const ClassTable& TableOf<Shared<cAgentAttrib>>();

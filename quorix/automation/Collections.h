@@ -33,6 +33,7 @@ Variant Enumerate(List& list) {
 
 template <class Element>
 void AddTo(Collection<Element>& list, Element element, Variant key) {
+    if (!element) throw AutomationError(ERR_ObjectNotSet);
     if (IsMissing(key)) return list.Add(std::move(element));
     list.Add(std::move(element), StringView(FromVariant<String>(key)));
 }

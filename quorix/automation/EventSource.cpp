@@ -47,7 +47,7 @@ HRESULT EventSource::Advise(IUnknown* sink, REFGUID eventsId, DWORD* cookie) {
         added.typed = false;
         if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&added.target)))) return CONNECT_E_CANNOTCONNECT;
     }
-    if (sinks_.empty()) Attach();
+    if (sinks_.empty() && !Attach()) return CONNECT_E_CANNOTCONNECT;
     *cookie = ++lastCookie_;
     sinks_.emplace(*cookie, added);
     return S_OK;

@@ -22,7 +22,8 @@ class EventSource : public std::enable_shared_from_this<EventSource> {
 public:
     virtual ~EventSource() = default;
 
-    // Adds a sink for the events of `eventsId`. CONNECT_E_CANNOTCONNECT when it is no such sink.
+    // Adds a sink for the events of `eventsId`. CONNECT_E_CANNOTCONNECT when it is no such sink, or the
+    // object has a listener that it shares with nobody.
     HRESULT Advise(IUnknown* sink, REFGUID eventsId, DWORD* cookie);
     HRESULT Unadvise(DWORD cookie);
 
@@ -38,7 +39,8 @@ public:
     void Close();
 
 protected:
-    virtual void Attach() = 0;
+    // Starts listening; false when the object tells its events to somebody else alone.
+    virtual bool Attach() = 0;
     virtual void Detach() = 0;
 
     template <class T>

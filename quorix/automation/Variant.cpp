@@ -22,6 +22,7 @@ Variant Coerce(const VARIANT& value, VARTYPE type) {
     const LCID english = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
     const HRESULT result =
         VariantChangeTypeEx(&converted, const_cast<Variant*>(&direct), english, VARIANT_ALPHABOOL, type);
+    if (result == DISP_E_BADVARTYPE) throw BadArgument{DISP_E_TYPEMISMATCH};  // as of a null object
     if (FAILED(result)) throw BadArgument{result};
     return converted;
 }

@@ -61,6 +61,7 @@ public:
 
     // The one receiver of the events. It is kept alive while it handles one, and no longer.
     void Advise(std::weak_ptr<SocketEvents> sink) { sink_ = std::move(sink); }
+    bool IsAdvised() const { return !sink_.expired(); }
 
     // Setting the state closes nothing and opens nothing. While it is not sockConnected, sending is silent
     // and without effect.

@@ -14,6 +14,7 @@ public:
     using List = Collection<std::shared_ptr<cGroupChat>>;
 
     // The rooms joined, in the order of joining.
+    List& Items() { return items_; }
     const List& Items() const { return items_; }
 
     // Position from 1 of the room with exactly this JID, 0 when there is none.

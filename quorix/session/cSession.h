@@ -161,7 +161,7 @@ public:
     // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
     // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
     // application judges the certificate there, and Disconnects when it does not trust it: no password has
-    // been sent by then.
+    // been sent by then. Its events are the session's alone.
     const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
 
     // -- Connection --
@@ -215,7 +215,8 @@ public:
     // A contact to fill and Add. It enters the table when the server reports it, not here.
     std::shared_ptr<cRosterItem> CreateRosterItem();
     std::int16_t FindRosterItem(StringView jid) const { return roster_.FindRosterItem(jid); }
-    void ParseReceiveRoster(const NodePtr& message) { quorix::ParseReceiveRoster(*this, *message); }
+    // Raises OnReceiveRosterItem for each contact in a message. Error 91 for null.
+    void ParseReceiveRoster(const NodePtr& message);
 
     // -- Messages --
 
@@ -262,7 +263,7 @@ public:
     // -- Rooms (jabber:iq:browse, jabber:iq:conference) --
 
     // The rooms joined; FindGroupChat gives positions in it, by the exact JID.
-    const GroupChats::List& Rooms() const { return rooms_.Items(); }
+    GroupChats::List& Rooms() { return rooms_.Items(); }
     std::int32_t FindGroupChat(StringView JID) const { return rooms_.FindGroupChat(JID); }
     void BrowseChatServer(StringView JID, StringView ID) { quorix::BrowseChatServer(*this, JID, ID); }
     void BrowseChatRoom(StringView JID, StringView ID) { quorix::BrowseChatRoom(*this, JID, ID); }
@@ -324,6 +325,9 @@ private:
 
     cSession();
     void Initialise();
+
+    // Only entries in progress still hold the session: nobody is left to hear it.
+    bool IsAbandoned() const;
 
     void KeepAliveTick() override;
     void ReconnectTick() override;
@@ -398,7 +402,7 @@ private:
     std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
     long held_ = 0;                  // references held by entries in progress
 
-    std::shared_ptr<cHelpEvent> relay_;
+    std::unique_ptr<cHelpEvent> relay_;
     std::shared_ptr<cSocketSSL> socket_;
     std::unique_ptr<SocketPort> socketPort_;
     std::deque<Delivery> deliveries_;

@@ -175,11 +175,11 @@ TEST_P(Chat, ServersDifferAboutOnesOwnPresence) {
     EXPECT_EQ(ann.HasSeen(own), GetParam() != ServerKind::jabberd2);
     auto send = [&](eSubType type) {
         ann.log->lines.clear();
-        ann.Connection().Events().incoming.clear();
+        ann.Events().incoming.clear();
         ann->SendPresence(u"", type, u"");
         EXPECT_TRUE(ann.Settle());
     };
-    auto isRefused = [&] { return ann.Connection().Events().incoming.front().find("<presence") == 0; };
+    auto isRefused = [&] { return ann.Events().incoming.front().find("<presence") == 0; };
 
     send(KV_Available);
     EXPECT_EQ(ann.HasSeen(own), GetParam() == ServerKind::ejabberd);

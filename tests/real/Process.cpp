@@ -57,7 +57,8 @@ Process::Process(const ProcessSetup& setup) {
     posix_spawn_file_actions_addclosefrom_np(&actions, 3);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    // Its own session, which Linux schedules as a group: a build at work beside the tests does not starve it.
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     const int error = posix_spawnp(&pid_, line[0].c_str(), &actions, &attributes, Pointers(line).data(),
                                    Pointers(variables).data());
     posix_spawnattr_destroy(&attributes);

@@ -1,4 +1,4 @@
-// A program that a test runs beside itself, in a process group of its own.
+// A program that a test runs beside itself, in a session and process group of its own.
 //
 // Ownership: the object owns the process. The group is killed when the object ends, and the program by the
 // system when the thread that started it ends first, so a test that crashes leaves nothing behind.

@@ -30,7 +30,7 @@ public:
     RealServer& operator=(const RealServer&) = delete;
 
     // Returns when the server answers a query; throws std::runtime_error, with what the server wrote,
-    // when it ends or 60 s pass before. Nothing happens when it runs already.
+    // when it ends or 120 s pass before. Nothing happens when it runs already.
     void Start();
 
     // Ends the server without a word to its clients. Started again, it has the same port and accounts.

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "quorix/platform/windows/HiddenWindows.h"
@@ -18,7 +21,7 @@ Environment& System() { return SystemEnvironment(); }
 
 template <class Done>
 bool PumpUntil(Done done) {
-    const std::int64_t end = System().Milliseconds() + 10000;
+    const std::int64_t end = System().Milliseconds() + 60000;
     while (!done()) {
         if (System().Milliseconds() > end) return false;
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
@@ -158,6 +161,28 @@ TEST_F(Connected, IsToldNothingMoreOnceClosed) {
     client.sink.events.clear();
     System().DoEvents();
     EXPECT_TRUE(client.sink.events.empty());
+}
+
+// Another process notices what the peer does, and may tell of it at any moment until the socket has gone.
+TEST_F(Connected, LeavesNothingBehindForTheNextSocketOfItsNumber) {
+    int left = 0;
+    for (int round = 0; round < 50; ++round) {
+        System().AsyncSelect(server.socket, server.window, server.sink, 0);
+        std::atomic<bool> go = false;
+        std::thread peer([&go, socket = static_cast<SOCKET>(std::exchange(server.socket, 0))] {
+            while (!go) continue;
+            closesocket(socket);
+        });
+        go = true;
+        for (int delay = 0; delay < round * 100; ++delay) YieldProcessor();
+        client.Close();
+        MSG queued;
+        left += PeekMessageA(&queued, client.Handle(), kSocketMessage, kSocketMessage, PM_REMOVE);
+        peer.join();
+        client.sink.events.clear();
+        SetUp();
+    }
+    EXPECT_EQ(left, 0);
 }
 
 TEST_F(Connected, IgnoresMessagesThatAreNoNotifications) {

@@ -40,6 +40,7 @@ TEST(Object, AnswersEachWrongCallWithItsCode) {
         {"text for a list of nodes", node.Try(kCall, L"GetTag", {Of(L"a"), Of(L"b")}), DISP_E_TYPEMISMATCH},
         {"another class", node.Try(kCall, L"GetTag", {Of(L"a"), Of(other.Raw())}), DISP_E_TYPEMISMATCH},
         {"an object for a text", node.Try(kCall, L"GetTag", {Of(other.Raw())}), DISP_E_TYPEMISMATCH},
+        {"no object for a text", node.Try(kCall, L"GetTag", {Nothing()}), DISP_E_TYPEMISMATCH},
         {"no object at all", node.Try(kCall, L"GetTag", {Of(L"a"), Nothing()}), S_OK},
         {"no object in a property", field.Try(kPut, L"cAgentItem", {Nothing()}), S_OK},
         {"writing a method", node.Try(kPut, L"GetNamespace", {Of(L"a")}), DISP_E_MEMBERNOTFOUND},
@@ -48,7 +49,10 @@ TEST(Object, AnswersEachWrongCallWithItsCode) {
     };
     for (const Case& c : cases) EXPECT_EQ(c.answer.code, c.code) << c.what;
     EXPECT_EQ(cases[4].answer.badArgument, 0U) << "counted from the last argument";
-    EXPECT_EQ(node.Id(L"NoSuchMember"), DISPID_UNKNOWN);
+    LPOLESTR unknown = const_cast<wchar_t*>(L"NoSuchMember");
+    DISPID id = 0;
+    EXPECT_EQ(node->GetIDsOfNames(IID_NULL, &unknown, 1, LOCALE_USER_DEFAULT, &id), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(id, DISPID_UNKNOWN);
 }
 
 TEST(Object, RefusesValuesThatDoNotFitTheirType) {
@@ -117,6 +121,10 @@ TEST(Object, TakesNamedArguments) {
         node->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters, nullptr, nullptr, nullptr),
         S_OK);
     EXPECT_EQ(node.Text(L"xml"), "<a><b>new</b></a>");
+    ids[1] = 7;
+    EXPECT_EQ(
+        node->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, kCall, &parameters, nullptr, nullptr, nullptr),
+        DISP_E_PARAMNOTFOUND);
 }
 
 TEST(Object, IsOneObjectHoweverOftenItIsHandedOut) {
@@ -195,19 +203,24 @@ TEST(Object, DescribesItself) {
 }
 
 TEST(Object, RefusesCallsFromAnotherThread) {
+    const Late session = Late::Create(L"Quorix.cSession");
     const Late socket = Late::Create(L"Quorix.cSocketSSL");
     const DISPID id = socket.Id(L"TimeOut");
     const ComPtr<IConnectionPoint> point = ConnectionPointOf(socket);
-    HRESULT called = S_OK, connected = S_OK;
+    HRESULT called = S_OK, connected = S_OK, lent = S_OK;
     std::thread([&] {
         DISPPARAMS none = {};
         Variant value;
         DWORD cookie = 0;
+        CoInitialize(nullptr);
+        lent = Late::Create(L"Quorix.cAuth").Try(kCall, L"SetSession", {Of(session.Raw())}).code;
+        CoUninitialize();
         called = socket->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kGet, &none, &value, nullptr, nullptr);
         connected = point->Advise(socket.Raw(), &cookie);
     }).join();
     EXPECT_EQ(called, RPC_E_WRONG_THREAD);
     EXPECT_EQ(connected, RPC_E_WRONG_THREAD);
+    EXPECT_EQ(lent, RPC_E_WRONG_THREAD) << "an argument of this thread";
 }
 
 TEST(Object, EndsOnItsOwnThreadWhenAnotherLetsItGo) {

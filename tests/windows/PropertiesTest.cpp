@@ -4,6 +4,7 @@
 #include <map>
 
 #include "quorix/automation/Classes.h"
+#include "tests/windows/support/Functions.h"
 #include "tests/windows/support/Late.h"
 
 namespace windowstest {
@@ -23,21 +24,11 @@ struct Property {
 // Those that are written as plain values; enumerations as numbers.
 std::vector<Property> WritableIn(ITypeInfo& info) {
     std::vector<Property> all;
-    TYPEATTR* type = nullptr;
-    info.GetTypeAttr(&type);
-    for (UINT i = 0; i < type->cFuncs; ++i) {
-        FUNCDESC* function = nullptr;
-        BSTR name = nullptr;
-        info.GetFuncDesc(i, &function);
-        info.GetDocumentation(function->memid, &name, nullptr, nullptr, nullptr);
-        if (function->invkind == INVOKE_PROPERTYPUT) {
-            const VARTYPE declared = function->lprgelemdescParam[0].tdesc.vt;
-            all.push_back({name, declared == VT_USERDEFINED ? VARTYPE{VT_I4} : declared});
-        }
-        SysFreeString(name);
-        info.ReleaseFuncDesc(function);
-    }
-    info.ReleaseTypeAttr(type);
+    ForEachFunction(info, [&](const FUNCDESC& function) {
+        if (function.invkind != INVOKE_PROPERTYPUT) return;
+        const VARTYPE declared = function.lprgelemdescParam[0].tdesc.vt;
+        all.push_back({NameOf(info, function.memid), declared == VT_USERDEFINED ? VARTYPE{VT_I4} : declared});
+    });
     return all;
 }
 

@@ -1,7 +1,10 @@
 // A session that is not connected, as automation clients see it.
 #include <gtest/gtest.h>
 
+#include <olectl.h>
+
 #include "tests/windows/support/Late.h"
+#include "tests/windows/support/Sink.h"
 
 namespace windowstest {
 namespace {
@@ -51,9 +54,37 @@ TEST(SessionObject, LendsItselfToRecordsWithoutBeingKept) {
     contact.Do(L"SetSession", {Nothing()});
 }
 
+TEST(SessionObject, ListsTheRoomsThatItIsIn) {
+    const Late session = Late::Create(L"Quorix.cSession");
+    const Late room = Late::Create(L"Quorix.cGroupChat");
+    room.Put(L"JID", Of(L"tea@rooms.example.org"));
+    session.Do(L"SendGroupChatRequest", {Of(room.Raw()), Of(true)});
+    EXPECT_EQ(session.Object(L"Rooms", {Of(1)}).Raw(), room.Raw());
+    EXPECT_EQ(session.Text(L"FindGroupChat", {Of(L"tea@rooms.example.org")}), "1");
+    EXPECT_EQ(session.Text(L"FindItemType", {Of(L"tea@rooms.example.org")}), "2");
+    session.Object(L"Rooms").Do(L"Remove", {Of(1)});
+    EXPECT_EQ(session.Text(L"FindGroupChat", {Of(L"tea@rooms.example.org")}), "0");
+}
+
+TEST(SessionObject, KeepsTheEventsOfItsSocketToItself) {
+    Late session = Late::Create(L"Quorix.cSession");
+    const Late socket = session.Object(L"Socket");
+    EXPECT_EQ(socket.Raw(), session.Object(L"Socket").Raw());
+    const ComPtr<IConnectionPoint> point = ConnectionPointOf(socket);
+    const ComPtr<Sink> sink = quorix::automation::Adopt(new Sink);
+    DWORD cookie = 0;
+    EXPECT_EQ(point->Advise(sink.Get(), &cookie), CONNECT_E_CANNOTCONNECT);
+
+    const Connection events(session);
+    session.Put(L"ServerAddress", Of(L"no.such.host.invalid"));
+    session.Do(L"Connect", {Of(false)});
+    EXPECT_TRUE(PumpUntil([&] { return events->Saw(7); })) << "the session hears its socket still";
+}
+
 TEST(SessionObject, ShowsItsCollectionsAsOneObjectEach) {
     const Late session = Late::Create(L"Quorix.cSession");
-    for (const wchar_t* name : {L"Roster", L"Presence", L"Agents", L"SearchFields", L"Searchresults"}) {
+    for (const wchar_t* name :
+         {L"Roster", L"Presence", L"Agents", L"Rooms", L"SearchFields", L"Searchresults"}) {
         const Late collection = session.Object(name);
         EXPECT_EQ(collection.Text(L"Count"), "0") << name;
         EXPECT_EQ(collection.Raw(), session.Object(name).Raw()) << name;

@@ -9,22 +9,18 @@
 #include "quorix/automation/TypeLibrary.h"
 #include "quorix/services/cGroupChat.h"
 #include "quorix/session/cSession.h"
+#include "tests/windows/support/Functions.h"
 
 namespace quorix::automation {
 namespace {
+
+using windowstest::ForEachFunction;
+using windowstest::NameOf;
 
 // One member in words, so that a difference reads well.
 std::string Signature(const std::wstring& name, WORD kind, unsigned parameters, unsigned optional) {
     return std::string(name.begin(), name.end()) + " kind " + std::to_string(kind) + " parameters " +
            std::to_string(parameters) + " optional " + std::to_string(optional);
-}
-
-std::wstring NameOf(ITypeInfo& info, MEMBERID id) {
-    BSTR name = nullptr;
-    info.GetDocumentation(id, &name, nullptr, nullptr, nullptr);
-    std::wstring out = name != nullptr ? name : L"";
-    SysFreeString(name);
-    return out;
 }
 
 unsigned OptionalCount(const FUNCDESC& function) {
@@ -35,28 +31,14 @@ unsigned OptionalCount(const FUNCDESC& function) {
     return count;
 }
 
-// The members of IDispatch itself are listed among those of a dispatch interface, under numbers of their own.
-bool IsInherited(MEMBERID id) {
-    const auto range = static_cast<ULONG>(id) & 0xFFFF0000;
-    return range == 0x60000000 || range == 0x60010000;
-}
-
 std::set<std::string> DeclaredIn(ITypeInfo& info) {
     std::set<std::string> all;
-    TYPEATTR* type = nullptr;
-    info.GetTypeAttr(&type);
-    for (UINT i = 0; i < type->cFuncs; ++i) {
-        FUNCDESC* function = nullptr;
-        info.GetFuncDesc(i, &function);
-        WORD kind = static_cast<WORD>(function->invkind);
+    ForEachFunction(info, [&](const FUNCDESC& function) {
+        WORD kind = static_cast<WORD>(function.invkind);
         if (kind == DISPATCH_PROPERTYPUTREF) kind = DISPATCH_PROPERTYPUT;
-        if (!IsInherited(function->memid)) {
-            all.insert(Signature(NameOf(info, function->memid), kind,
-                                 static_cast<unsigned>(function->cParams), OptionalCount(*function)));
-        }
-        info.ReleaseFuncDesc(function);
-    }
-    info.ReleaseTypeAttr(type);
+        all.insert(Signature(NameOf(info, function.memid), kind, static_cast<unsigned>(function.cParams),
+                             OptionalCount(function)));
+    });
     return all;
 }
 

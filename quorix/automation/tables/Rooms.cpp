@@ -1,4 +1,5 @@
 #include "quorix/automation/Classes.h"
+#include "quorix/automation/Collections.h"
 #include "quorix/services/cBrowseItem.h"
 #include "quorix/services/cGroupChat.h"
 
@@ -28,6 +29,12 @@ const ClassTable& TableOf<cBrowseItem>() {
                                   .Property(L"JID", &T::JID, &T::JID)
                                   .Property(L"Name", &T::Name, &T::Name)
                                   .Property(L"SubType", &T::SubType, &T::SubType);
+    return table;
+}
+
+template <>
+const ClassTable& TableOf<Shared<cGroupChat>>() {
+    static const auto table = AddableClass<std::shared_ptr<cGroupChat>>(L"cRooms");
     return table;
 }
 

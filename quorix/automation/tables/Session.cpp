@@ -20,6 +20,10 @@ auto AgentsOf(const std::shared_ptr<T>& session) {
     return PartOf<Shared<cAgentItem>>(session, session->Agents());
 }
 
+auto RoomsOf(const std::shared_ptr<T>& session) {
+    return PartOf<Shared<cGroupChat>>(session, session->Rooms());
+}
+
 // There is no answer to return: the server's comes later, if at all.
 Variant GetPrivateData(T& session, StringView nameSpace) {
     session.getPrivateData(nameSpace);
@@ -69,6 +73,8 @@ const ClassTable& TableOf<cSession>() {
             .Get(L"Roster", &RosterOf)
             .Get(L"Presence", &PresenceOf)
             .Get(L"Agents", &AgentsOf)
+            .Get(L"Rooms", &RoomsOf)
+            .Get(L"Socket", &T::Socket)
             .Get(L"SearchFields", &T::SearchFields)
             .Get(L"Searchresults", &T::Searchresults)
             .Get(L"SearchXData", &T::SearchXData)

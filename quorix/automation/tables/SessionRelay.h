@@ -130,8 +130,9 @@ public:
     }
 
 protected:
-    void Attach() override {
+    bool Attach() override {
         if (auto session = session_.lock()) session->Advise(Self());
+        return true;
     }
     void Detach() override {
         if (auto session = session_.lock()) session->Unadvise(Self());

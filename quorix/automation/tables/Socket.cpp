@@ -27,10 +27,11 @@ public:
     void OnConnectionRequest() override { Fire(7, {}); }
 
 protected:
-    void Attach() override {
-        if (auto socket = socket_.lock()) {
-            socket->Advise(std::static_pointer_cast<SocketRelay>(shared_from_this()));
-        }
+    bool Attach() override {
+        const auto socket = socket_.lock();
+        if (!socket || socket->IsAdvised()) return false;
+        socket->Advise(std::static_pointer_cast<SocketRelay>(shared_from_this()));
+        return true;
     }
     void Detach() override {
         if (auto socket = socket_.lock()) socket->Advise({});

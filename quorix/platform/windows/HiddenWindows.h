@@ -23,7 +23,8 @@ void CloseHiddenWindow(HiddenWindow& window);
 // Whose notifications and timer ticks of `socket` are; anything about a socket that nobody owns is dropped.
 void OwnSocket(SocketId socket, HWND window, SocketSink& sink);
 
-// Forgets the owner, and what the queue still holds for `socket`: its number may come again at once.
+// Forgets the owner, and what the queue still holds for `socket`: its number may come again at once. Nothing
+// may be posted for it any more: the system does so at any moment until the socket is closed or deselected.
 void DisownSocket(SocketId socket);
 
 }  // namespace quorix::windows

@@ -133,15 +133,16 @@ public:
     }
 
     void Close(SocketId socket) override {
-        windows::DisownSocket(socket);
         closesocket(Native(socket));
+        windows::DisownSocket(socket);
     }
 
     std::int32_t AsyncSelect(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                              std::int32_t events) override {
         if (events == 0) {
+            const std::int32_t error = ErrorUnless(WSAAsyncSelect(Native(socket), Native(window), 0, 0) == 0);
             windows::DisownSocket(socket);
-            return ErrorUnless(WSAAsyncSelect(Native(socket), Native(window), 0, 0) == 0);
+            return error;
         }
         windows::OwnSocket(socket, Native(window), sink);
         return ErrorUnless(WSAAsyncSelect(Native(socket), Native(window), kSocketMessage, events) == 0);

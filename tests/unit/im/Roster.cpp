@@ -2,20 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "quorix/base/AutomationError.h"
+#include "tests/unit/ErrorOf.h"
 #include "tests/unit/im/FakeSession.h"
 
 namespace quorix::test {
 namespace {
-
-std::int32_t ErrorOf(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 Lines GroupsOf(const cRosterItem& item) {
     Lines groups;

@@ -56,19 +56,6 @@ private:
     Certificate files_;
 };
 
-// On a machine that is busy building, a server may need more than the time it is given.
-void StartPatiently(RealServer& server) {
-    for (int attempts = 3;; --attempts) {
-        try {
-            return server.Start();
-        } catch (const std::runtime_error& error) {
-            if (attempts == 1) throw;
-            std::printf("%s\ntrying again\n", error.what());
-            server.Kill();
-        }
-    }
-}
-
 // The port where the command asks for things.
 class Control {
 public:
@@ -99,7 +86,7 @@ public:
         if (read(client, line, sizeof line - 1) > 0) {
             const std::string request = line;
             if (request == "kill\n") server.Kill();
-            if (request == "start\n") StartPatiently(server);
+            if (request == "start\n") server.Start();
             if (write(client, "done\n", 5) != 5) perror("control");
         }
         close(client);
@@ -137,7 +124,7 @@ ServerKind KindNamed(const std::string& name) {
 int Run(ServerKind kind, std::vector<std::string> command) {
     const TemporaryCertificate certificate;
     const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
-    StartPatiently(*server);
+    server->Start();
     const Control control;
     for (std::string& argument : command) {
         argument = Replaced(argument, "@port@", server->Port());

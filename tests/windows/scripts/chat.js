@@ -8,7 +8,7 @@ function check(what, found, expected) {
     }
 }
 function waitFor(condition) {
-    for (var turns = 0; turns < 200 && !condition(); ++turns) WScript.Sleep(100);
+    for (var turns = 0; turns < 600 && !condition(); ++turns) WScript.Sleep(100);
     return condition();
 }
 
@@ -33,6 +33,7 @@ session.username = "jscript";
 session.Password = "secret";
 session.Resource = "script";
 session.KeepAlive = false;
+session.Socket.TimeOut = 60000;
 session.Connect(true);
 check("logged in", waitFor(function () { return authorized; }), true);
 

@@ -43,8 +43,9 @@ session.username = "vbscript"
 session.Password = "secret"
 session.Resource = "script"
 session.KeepAlive = False
+session.Socket.TimeOut = 60000
 session.Connect True
-For turns = 1 To 200
+For turns = 1 To 600
     If Not authorized Then WScript.Sleep 100
 Next
 Check "logged in", authorized, True
@@ -56,7 +57,7 @@ Set message = session.CreateMessage(session.MyJid & "/script", 1, "Hello ä", ""
 message.AddEvent 1
 message.SendMessage
 Check "sent", InStr(text, "<message") > 0, True
-For turns = 1 To 100
+For turns = 1 To 600
     If IsEmpty(kind) Then WScript.Sleep 100
 Next
 Check "received", greeting, "Hello ä"

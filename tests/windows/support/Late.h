@@ -65,10 +65,13 @@ private:
     ComPtr<IDispatch> object_;
 };
 
-// Delivers messages until `done` or until `milliseconds` have passed; tells whether `done` came.
+// How long anything may take on a machine that is busy with other things, in milliseconds.
+inline constexpr int kPatience = 60000;
+
+// Delivers messages until `done`, or until that takes too long; tells whether `done` came.
 template <class Done>
-bool PumpUntil(Done done, unsigned milliseconds = 10000) {
-    const ULONGLONG end = GetTickCount64() + milliseconds;
+bool PumpUntil(Done done) {
+    const ULONGLONG end = GetTickCount64() + kPatience;
     while (!done()) {
         if (GetTickCount64() > end) return false;
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
