@@ -1,15 +1,15 @@
+// The number of the error that an application's call ends with.
 #pragma once
-
-#include <functional>
 
 #include "quorix/base/AutomationError.h"
 
 namespace quorix {
 
-// The number of the error that `act` ends with; 0 when it ends well.
-inline std::int32_t ErrorOf(const std::function<void()>& act) {
+// 0 when there is none.
+template <class Call>
+std::int32_t ErrorOf(Call call) {
     try {
-        act();
+        call();
     } catch (const AutomationError& error) {
         return error.Number();
     }

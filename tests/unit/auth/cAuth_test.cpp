@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "quorix/auth/SHAHash.h"
-#include "quorix/base/AutomationError.h"
+#include "tests/unit/ErrorOf.h"
 
 namespace quorix {
 namespace {
@@ -79,13 +79,7 @@ TEST(SHAHash, IsThePublishedOneOverBytes) {
 }
 
 TEST(Auth, NeedsASession) {
-    cAuth auth;
-    try {
-        auth.SendAuth();
-        FAIL() << "sent without a session";
-    } catch (const AutomationError& error) {
-        EXPECT_EQ(error.Number(), ERR_ObjectNotSet);
-    }
+    EXPECT_EQ(ErrorOf([] { cAuth().SendAuth(); }), ERR_ObjectNotSet);
 }
 
 }  // namespace

@@ -6,18 +6,10 @@
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/WireText.h"
+#include "tests/unit/ErrorOf.h"
 
 namespace quorix {
 namespace {
-
-std::int32_t NumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 TEST(Jid, IsCutAtItsFirstSlash) {
     EXPECT_EQ(RemoveResource(u"a@b/c/d"), u"a@b");
@@ -57,13 +49,13 @@ TEST(Number, AskedForByAnApplicationIsStrict) {
     EXPECT_EQ(ToInt32(u"2.5"), 2);
     EXPECT_EQ(ToInt32(u"3.5"), 4);
     EXPECT_EQ(ToInt32(u"+7 "), 7);
-    EXPECT_EQ(NumberOf([] { ToInt32(u"5abc"); }), ERR_TypeMismatch);
-    EXPECT_EQ(NumberOf([] { ToInt32(u""); }), ERR_TypeMismatch);
-    EXPECT_EQ(NumberOf([] { ToInt32(u"2147483648"); }), ERR_Overflow);
+    EXPECT_EQ(ErrorOf([] { ToInt32(u"5abc"); }), ERR_TypeMismatch);
+    EXPECT_EQ(ErrorOf([] { ToInt32(u""); }), ERR_TypeMismatch);
+    EXPECT_EQ(ErrorOf([] { ToInt32(u"2147483648"); }), ERR_Overflow);
     EXPECT_TRUE(ToBoolean(u"tRuE"));
     EXPECT_FALSE(ToBoolean(u"False"));
     EXPECT_TRUE(ToBoolean(u"-0.5"));
-    EXPECT_EQ(NumberOf([] { ToBoolean(u"yes"); }), ERR_TypeMismatch);
+    EXPECT_EQ(ErrorOf([] { ToBoolean(u"yes"); }), ERR_TypeMismatch);
 }
 
 TEST(Collection, CountsFromOneAndFindsByKeyAlsoAfterRemovals) {
@@ -84,12 +76,12 @@ TEST(Collection, CountsFromOneAndFindsByKeyAlsoAfterRemovals) {
 TEST(Collection, RefusesWhatIsNotThere) {
     Collection<int> numbers;
     numbers.Add(1, u"a");
-    EXPECT_EQ(NumberOf([&] { numbers.Add(2, u"a"); }), ERR_KeyInUse);
+    EXPECT_EQ(ErrorOf([&] { numbers.Add(2, u"a"); }), ERR_KeyInUse);
     EXPECT_EQ(numbers.Count(), 1);
-    EXPECT_EQ(NumberOf([&] { numbers.Item(u"b"); }), ERR_InvalidCall);
-    EXPECT_EQ(NumberOf([&] { numbers.Remove(u"A"); }), ERR_InvalidCall);
-    EXPECT_EQ(NumberOf([&] { numbers.Item(0); }), ERR_Subscript);
-    EXPECT_EQ(NumberOf([&] { numbers.Remove(2); }), ERR_Subscript);
+    EXPECT_EQ(ErrorOf([&] { numbers.Item(u"b"); }), ERR_InvalidCall);
+    EXPECT_EQ(ErrorOf([&] { numbers.Remove(u"A"); }), ERR_InvalidCall);
+    EXPECT_EQ(ErrorOf([&] { numbers.Item(0); }), ERR_Subscript);
+    EXPECT_EQ(ErrorOf([&] { numbers.Remove(2); }), ERR_Subscript);
 }
 
 }  // namespace

@@ -11,6 +11,12 @@ namespace quorix {
 using testkit::EventRecorder;
 using testkit::Lines;
 
+// What the session sends first, to the server "s".
+inline const std::string kHeader =
+    "<stream:stream to='s' xmlns='jabber:client' xmlns:stream='http://etherx.jabber.org/streams'>";
+inline const std::string kFieldsQuery =
+    "<iq type='get' to='s' id='KV_1'><query xmlns='jabber:iq:auth'><username>u</username></query></iq>";
+
 class SessionTest : public ::testing::Test {
 protected:
     SessionTest();

@@ -3,8 +3,6 @@
 namespace quorix {
 namespace {
 
-constexpr const char* kFieldsQuery =
-    "<iq type='get' to='s' id='KV_1'><query xmlns='jabber:iq:auth'><username>u</username></query></iq>";
 constexpr const char* kDigestLogin =  // SHA-1 of "s1p"
     "<iq type='set' id='kv_login'><query xmlns='jabber:iq:auth'><username>u</username>"
     "<digest>dd13970764febb4c09bdbc8b4b8afe66a4a32c6c</digest><resource>r</resource></query></iq>";

@@ -4,8 +4,6 @@
 namespace quorix {
 namespace {
 
-constexpr const char* kHeader =
-    "<stream:stream to='s' xmlns='jabber:client' xmlns:stream='http://etherx.jabber.org/streams'>";
 constexpr const char* kGoodbye = "<presence type=\"unavailable\"><status/></presence></stream:stream>";
 
 TEST_F(SessionTest, BeginsWithItsDefaults) {

@@ -6,11 +6,7 @@ namespace {
 
 using namespace std::string_literals;
 
-const std::string kHeader =
-    "<stream:stream to='s' xmlns='jabber:client' xmlns:stream='http://etherx.jabber.org/streams'>";
 const std::string kServerHeader = "<stream:stream id='s1' from='s' xmlns='jabber:client'>";
-const std::string kFieldsQuery =
-    "<iq type='get' to='s' id='KV_1'><query xmlns='jabber:iq:auth'><username>u</username></query></iq>";
 
 class Proxy : public SessionTest {
 protected:

@@ -1,8 +1,8 @@
 // Nodes: reading, editing, moving, and how long they live.
 #include <gtest/gtest.h>
 
-#include "quorix/base/AutomationError.h"
 #include "quorix/xml/XmlDocument.h"
+#include "tests/unit/ErrorOf.h"
 
 namespace quorix {
 
@@ -12,16 +12,6 @@ std::shared_ptr<XmlDocument> Loaded(StringView text) {
     auto document = XmlDocument::Create();
     EXPECT_TRUE(document->Load(text));
     return document;
-}
-
-template <class Action>
-std::int32_t ErrorOf(Action action) {
-    try {
-        action();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
 }
 
 TEST(XmlNode, TellsKindsAndNames) {

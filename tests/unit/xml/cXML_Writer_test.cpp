@@ -2,21 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "quorix/base/AutomationError.h"
+#include "tests/unit/ErrorOf.h"
 
 namespace quorix {
 
 namespace {
-
-template <class Action>
-std::int32_t ErrorOf(Action action) {
-    try {
-        action();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 TEST(cXML_Writer, BuildsInTheUsualOrder) {
     cXML_Writer writer;
