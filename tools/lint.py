@@ -54,7 +54,8 @@ def main(folder):
     wanted = {}
     for entry in json.loads(pathlib.Path(folder, "compile_commands.json").read_text()):
         path = pathlib.Path(entry["file"]).relative_to(root)
-        wanted[path] = CACHE / key(path, entry["command"], linter)
+        # Without the tree's place, so that one tree's memory serves another.
+        wanted[path] = CACHE / key(path, entry["command"].replace(str(root), ""), linter)
     waiting = {path: mark for path, mark in wanted.items() if not mark.exists()}
     print(f"{len(wanted)} sources, {len(waiting)} to look at")
     clean = True

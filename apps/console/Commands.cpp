@@ -14,18 +14,6 @@ void Help(Console& console, Arguments /*arguments*/) {
     }
 }
 
-void Msg(Console& console, Arguments arguments) {
-    String to = console.Session().Convert2UTF8(arguments.Word());
-    console.Session().CreateMessage(to, MSG_Chat, arguments.Rest(), {})->SendMessage();
-}
-
-void ShowRoster(Console& console, Arguments /*arguments*/) { console.Session().FetchRoster(); }
-
-void SetPresence(Console& console, Arguments arguments) {
-    console.Session().Status(arguments.Rest());
-    console.Session().SendMyPresence();
-}
-
 void Raw(Console& console, Arguments arguments) {
     console.Session().SendXML(WireFromBytes(Utf8FromText(arguments.Rest())));
 }
@@ -33,12 +21,6 @@ void Raw(Console& console, Arguments arguments) {
 void Wait(Console& console, Arguments arguments) { console.Wait(WireInt16(arguments.Word())); }
 
 void Quit(Console& console, Arguments /*arguments*/) { console.Quit(); }
-
-const std::vector<Command> kChat{
-    {u"/msg", u"JID TEXT", u"sends a message", Msg},
-    {u"/roster", u"", u"fetches and lists the contacts", ShowRoster},
-    {u"/presence", u"[TEXT]", u"tells the contacts that you are there, with a status text", SetPresence},
-};
 
 const std::vector<Command> kProgram{
     {u"/raw", u"XML", u"sends XML as it is", Raw},
@@ -56,7 +38,7 @@ std::vector<Command> Joined(std::initializer_list<std::vector<Command>> parts) {
 }  // namespace
 
 const std::vector<Command>& Commands() {
-    static const std::vector<Command> commands = Joined({kChat, ServiceCommands(), kProgram});
+    static const std::vector<Command> commands = Joined({ChatCommands(), ServiceCommands(), kProgram});
     return commands;
 }
 

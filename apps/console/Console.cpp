@@ -35,6 +35,7 @@ String Arguments::Word() {
 Console::Console(Options options)
     : options_(std::move(options)),
       session_(cSession::Create()),
+      chat_(std::make_shared<ChatDesk>(*this)),
       desk_(std::make_shared<ServiceDesk>(*this)) {}
 Console::~Console() = default;
 
@@ -42,6 +43,7 @@ int Console::Run() {
     terminal_ = std::make_unique<Terminal>([this](const std::string& line) { TakeLine(TextFromUtf8(line)); },
                                            [this] { TakeEnd(); });
     session_->Advise(shared_from_this());
+    session_->Advise(chat_);
     session_->Advise(desk_);
     ApplyOptions();
     Print(Concat({u"Connecting to ", session_->ServerAddress(), u" ..."}));
@@ -144,6 +146,7 @@ void Console::TakeEnd() {
 void Console::OnAuthorized() {
     Print(Concat({u"Logged in as ", Readable(session_->MyJid()), u"/", session_->Resource(), u"."}));
     if (!std::exchange(loggedIn_, true)) terminal_->Resume();
+    session_->FetchRoster();  // only who has it is told of changes, and by some servers of answers
     session_->SendMyPresence();
 }
 
@@ -190,25 +193,6 @@ void Console::OnIncomingXML(StringView XML) {
 
 void Console::OnOutgoingXML(StringView XML) {
     if (options_.xml) Print(Concat({u">> ", Readable(MaskSecrets(XML))}));
-}
-
-// -- Chat --
-
-void Console::OnMessage(const std::shared_ptr<cMessage>& Message) {
-    if (!Message->Body().empty()) Print(Concat({Readable(Message->FromJid()), u": ", Message->Body()}));
-}
-
-void Console::OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem, bool bAvailable,
-                         StringView /*ShowType*/, std::int32_t /*ItemType*/, const NodePtr& /*XMLElement*/) {
-    Print(Concat({u"* ", PresenceItem->JID(), u"/", PresenceItem->Resource(),
-                  bAvailable ? u" is online " : u" is offline ", PresenceItem->Status()}));
-}
-
-void Console::OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
-                           const std::shared_ptr<cPresenceItem>& PresenceItem,
-                           const NodePtr& /*XMLElement*/) {
-    Print(Concat(
-        {PresenceItem ? u"+ " : u"- ", RosterItem->NickName(), u" <", Readable(RosterItem->JID()), u">"}));
 }
 
 }  // namespace quorix::console

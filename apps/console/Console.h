@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "apps/console/ChatDesk.h"
 #include "apps/console/Options.h"
 #include "apps/console/ServiceDesk.h"
 #include "apps/console/Terminal.h"
@@ -43,6 +44,7 @@ public:
     int Run();
 
     cSession& Session() { return *session_; }
+    ChatDesk& Chat() { return *chat_; }
     ServiceDesk& Desk() { return *desk_; }
     void Print(StringView text);
     void Quit();
@@ -60,11 +62,6 @@ public:
                    StringView ErrorDescription) override;
     void OnIncomingXML(StringView XML) override;
     void OnOutgoingXML(StringView XML) override;
-    void OnMessage(const std::shared_ptr<cMessage>& Message) override;
-    void OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem, bool bAvailable, StringView ShowType,
-                    std::int32_t ItemType, const NodePtr& XMLElement) override;
-    void OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
-                      const std::shared_ptr<cPresenceItem>& PresenceItem, const NodePtr& XMLElement) override;
 
 private:
     void ApplyOptions();
@@ -77,6 +74,7 @@ private:
 
     Options options_;
     std::shared_ptr<cSession> session_;
+    std::shared_ptr<ChatDesk> chat_;
     std::shared_ptr<ServiceDesk> desk_;
     std::unique_ptr<Terminal> terminal_;
     String acceptedPeer_;  // the one that the user did not mind
@@ -86,7 +84,8 @@ private:
     int exitCode_ = 0;
 };
 
-// What the services offer. Commands has them too.
+// What chat and the services offer. Commands has them too.
+const std::vector<Command>& ChatCommands();
 const std::vector<Command>& ServiceCommands();
 
 // All commands, in the order in which /help lists them.

@@ -100,7 +100,8 @@ void ServiceDesk::ContinueRegistration(StringView from) {
         agent->SetField(name, Wire(value));
     }
     for (const auto& field : agent->Fields()) {
-        Print({u"  ", Readable(field->Name()), u" = ", Readable(field->Value())});
+        bool isSecret = field->Name() == u"password" || field->Name() == u"key";
+        Print({u"  ", Readable(field->Name()), u" = ", isSecret ? u"***" : Readable(field->Value())});
     }
     if (!wanted.values.empty()) agent->Update();
 }

@@ -30,7 +30,11 @@ public:
         if (watch_ != 0) g_source_remove(std::exchange(watch_, 0U));
     }
 
-    virtual void Print(const std::string& line) { fmt::print("{}\n", line); }
+    // At once, since another program may be waiting for it.
+    virtual void Print(const std::string& line) {
+        fmt::print("{}\n", line);
+        std::fflush(stdout);
+    }
     virtual bool Ask(const std::string& /*question*/) { return false; }
 
 protected:

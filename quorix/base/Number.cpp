@@ -20,7 +20,7 @@ std::optional<Scan> ScanNumber(StringView text) {
     std::string digits = BytesFromWire(Trim(text));
     const char* first = digits.c_str();
     const char* last = first + digits.size();
-    if (*first == '+') ++first;
+    if (*first == '+' && first[1] != '-') ++first;
     double value = 0;
     auto [end, error] = std::from_chars(first, last, value);
     bool spelledOut = !std::isfinite(value);  // "inf" and "nan" are words, not numbers

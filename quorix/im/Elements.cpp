@@ -2,40 +2,13 @@
 
 namespace quorix {
 
-namespace {
-
-// Visits elements in document order until `visit` answers true. The parser bounds the depth.
-template <class Visit>
-bool Walk(const XmlNode& element, Visit& visit) {
-    if (!element) return false;
-    if (visit(element)) return true;
-    for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
-        if (Walk(child, visit)) return true;
-    }
-    return false;
-}
-
-}  // namespace
-
-std::vector<XmlNode> ElementsNamed(const XmlNode& top, StringView name) {
-    std::vector<XmlNode> found;
-    auto collect = [&](const XmlNode& element) {
-        if (element.Is(name)) found.push_back(element);
-        return false;
-    };
-    Walk(top, collect);
-    return found;
-}
-
+// The parser bounds the depth.
 XmlNode FindElement(const XmlNode& top, StringView name, StringView xmlns) {
-    XmlNode found;
-    auto match = [&](const XmlNode& element) {
-        bool matches = element.Is(name) && element.AttributeIs(u"xmlns", xmlns);
-        if (matches) found = element;
-        return matches;
-    };
-    Walk(top, match);
-    return found;
+    if (top.Is(name) && top.AttributeIs(u"xmlns", xmlns)) return top;
+    for (XmlNode child = top.FirstElement(); child; child = child.NextElement()) {
+        if (XmlNode found = FindElement(child, name, xmlns)) return found;
+    }
+    return {};
 }
 
 }  // namespace quorix

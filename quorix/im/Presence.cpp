@@ -5,8 +5,8 @@
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/modUTF_8.h"
-#include "quorix/im/Elements.h"
 #include "quorix/platform/Environment.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 
@@ -46,7 +46,7 @@ void Read(cPresenceItem& item, const cXML_Node& stanza) {
     item.ShowType(static_cast<eShowType>(ShowOf(stanza.GetTag(u"show"), item.ShowType())));
 }
 
-// One presence on its way into the table. `bareJid` is wire text, as the services keep their addresses.
+// One presence on its way into the table. `bareJid` is wire text, as agents and contacts keep theirs.
 struct Arrival {
     const std::shared_ptr<SessionLink>& session;
     PresenceTable& table;
@@ -75,7 +75,7 @@ void Forget(PresenceTable& table, const cPresenceItem& item) {
 void Disappear(const Arrival& arrival) {
     eItemType kind = arrival.session->FindItemType(arrival.bareJid);
     bool isRoom = kind == KV_GroupChatItem;
-    if (isRoom && arrival.session->LeaveRoom(arrival.bareJid, arrival.item->Resource())) return;
+    if (isRoom && arrival.session->LeaveRoom(arrival.item->JID(), arrival.item->Resource())) return;
     if (!isRoom) Forget(arrival.table, *arrival.item);
     arrival.RaisePresence(false, kind);
 }
@@ -137,7 +137,7 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
 
 void ParsePresenceList(SessionLink& session, const Stanza& stanza) {
     session.Raise(&SessionEvents::OnWhoisOnlineStart);
-    for (const XmlNode& presence : ElementsNamed(stanza.root, u"presence")) {
+    for (const XmlNode& presence : Outermost(stanza.root, u"presence")) {
         auto item = std::make_shared<cPresenceItem>();
         item->JID(presence.Attribute(u"from"));
         item->Status(DecodeUTF8(presence.Child(u"status").Text(), true));

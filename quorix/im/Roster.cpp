@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "quorix/im/Elements.h"
 #include "quorix/im/cRosterItem.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 
@@ -13,7 +13,7 @@ void FetchRoster(SessionLink& session) {
 
 void ParseReceiveRoster(SessionLink& session, const cXML_Node& message) {
     const String from = message.Root().Attribute(u"from");
-    for (const XmlNode& element : ElementsNamed(message.Root(), u"item")) {
+    for (const XmlNode& element : Outermost(message.Root(), u"item")) {
         auto item = std::make_shared<cRosterItem>();
         item->JID(message.GetAttrib(u"jid", {element}));
         item->NickName(message.GetAttrib(u"name", {element}));

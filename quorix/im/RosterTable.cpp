@@ -5,7 +5,7 @@
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/modUTF_8.h"
-#include "quorix/im/Elements.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 
@@ -55,7 +55,7 @@ void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const
     if (!stanza.IsResult() && !stanza.IsSet()) return;
     if (!std::exchange(inProgress_, true)) session->Raise(&SessionEvents::OnRosterBegin);
     try {
-        for (const XmlNode& element : ElementsNamed(stanza.root, u"item")) {
+        for (const XmlNode& element : Outermost(stanza.root, u"item")) {
             std::shared_ptr<cRosterItem> item = Apply(session, element);
             String bareJid = DecodeUTF8(ToLower(RemoveResource(item->JID())), true);
             session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid), CopyOf(element));

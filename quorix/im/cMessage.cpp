@@ -44,7 +44,8 @@ std::shared_ptr<cMessage> cMessage::Create(const std::shared_ptr<SessionLink>& s
     node->xml(u"<message id='' type='' to='' from=''></message>");
     // Set, not spliced into the text: a resource such as "Tom's desk" must not break the element.
     node->Root().SetAttribute(u"id", session->GetNextID());
-    node->Root().SetAttribute(u"from", Concat({session->MyJid(), u"/", session->Resource()}));
+    node->Root().SetAttribute(u"from",
+                              Concat({session->MyJid(), u"/", EncodeUTF8(session->Resource(), false)}));
     return std::make_shared<cMessage>(session, std::move(node));
 }
 

@@ -30,9 +30,11 @@ using Context = std::unique_ptr<SSL_CTX, Freeing<SSL_CTX_free>>;
 using Tls = std::unique_ptr<SSL, Freeing<SSL_free>>;
 using Memory = std::unique_ptr<BIO, Freeing<BIO_free_all>>;
 
+// A connection that broke while sending may still hold what the peer said before.
 struct Channel {
     Tls tls;
-    bool ended = false;  // nothing more may be asked of it
+    bool reads = true;
+    bool writes = true;
 };
 
 // The thread's channels. The table is freed with its last channel, so that a socket in a static variable
@@ -126,22 +128,21 @@ std::int32_t Open(Tls tls, Environment& environment, SocketId socket, std::int32
 
 // -- Transfer --
 
-Transfer Outcome(Channel& channel, int result) {
+Transfer Outcome(Channel& channel, bool Channel::*way, int result) {
     if (result > 0) return {result, SOCKERR_None};
     int reason = SSL_get_error(channel.tls.get(), result);
     if (reason == SSL_ERROR_WANT_READ || reason == SSL_ERROR_WANT_WRITE) return {-1, SOCKERR_WouldBlock};
-    channel.ended = true;
+    channel.*way = false;
     if (reason == SSL_ERROR_ZERO_RETURN) return {0, SOCKERR_None};
     return {-1, SOCKERR_Aborted};
 }
 
 template <class Operation>
-Transfer Perform(std::int32_t handle, std::size_t size, Operation operation) {
+Transfer Perform(std::int32_t handle, bool Channel::*way, std::size_t size, Operation operation) {
     Channel* channel = Find(handle);
-    if (channel == nullptr || channel->ended) return {-1, SOCKERR_Aborted};
+    if (channel == nullptr || !(channel->*way)) return {-1, SOCKERR_Aborted};
     ERR_clear_error();
-    int count = static_cast<int>(std::min<std::size_t>(size, INT_MAX));
-    return Outcome(*channel, operation(channel->tls.get(), count));
+    return Outcome(*channel, way, operation(channel->tls.get(), static_cast<int>(size)));
 }
 
 // -- Description --
@@ -190,13 +191,16 @@ std::int32_t ssl_init_server(Environment& environment, SocketId socket, StringVi
     return Open(std::move(tls), environment, socket, milliseconds);
 }
 
+// One record at a time: what would block must come again with as many bytes at least, and OpenSSL begins as
+// many as it can when it is given more.
 Transfer ssl_send(std::int32_t channel, std::string_view bytes) {
-    return Perform(channel, bytes.size(),
+    return Perform(channel, &Channel::writes, std::min<std::size_t>(bytes.size(), SSL3_RT_MAX_PLAIN_LENGTH),
                    [&](SSL* tls, int count) { return SSL_write(tls, bytes.data(), count); });
 }
 
 Transfer ssl_recv(std::int32_t channel, char* buffer, std::size_t capacity) {
-    return Perform(channel, capacity, [&](SSL* tls, int count) { return SSL_read(tls, buffer, count); });
+    return Perform(channel, &Channel::reads, std::min<std::size_t>(capacity, INT_MAX),
+                   [&](SSL* tls, int count) { return SSL_read(tls, buffer, count); });
 }
 
 String ssl_getcipher(std::int32_t channel) {
@@ -218,7 +222,7 @@ void ssl_cleanup(std::int32_t channel) {
     Channel* found = Find(channel);
     if (found == nullptr) return;
     ERR_clear_error();
-    if (!found->ended) SSL_shutdown(found->tls.get());
+    if (found->reads && found->writes) SSL_shutdown(found->tls.get());
     ERR_clear_error();
     Forget(channel);
 }

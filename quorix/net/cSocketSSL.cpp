@@ -1,5 +1,6 @@
 #include "quorix/net/cSocketSSL.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -104,7 +105,7 @@ bool cSocketSSL::ConnectAndWait(Address peer) {
     environment_.SetBlocking(handle_, false);
     std::int32_t error = environment_.Connect(handle_, peer);
     if (error == SOCKERR_WouldBlock) {
-        if (environment_.WaitWritable(handle_, timeOut_) == SOCKERR_TimedOut) {
+        if (environment_.WaitWritable(handle_, std::max(timeOut_, kShortestInterval)) == SOCKERR_TimedOut) {
             Fail(kTimedOut, u"Timeout");
             return false;
         }

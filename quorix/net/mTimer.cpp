@@ -11,14 +11,17 @@ namespace {
 
 constexpr std::int32_t kLeastInterval = 10;
 
-thread_local std::weak_ptr<cHelpEvent> relaySlot;
-thread_local TimerId keepAliveId = 0;
-thread_local TimerId reconnectId = 0;
+struct Slot {
+    TimerId id = 0;
+    const cHelpEvent* owner = nullptr;
+};
 
-std::shared_ptr<TimerTarget> Target() {
-    std::shared_ptr<cHelpEvent> relay = relaySlot.lock();
-    return relay ? relay->GetMe() : nullptr;
-}
+// Plain data: a session may be a static object, which ends after its thread's own.
+thread_local const cHelpEvent* relaySlot = nullptr;
+thread_local Slot keepAlive;
+thread_local Slot reconnect;
+
+std::shared_ptr<TimerTarget> Target() { return relaySlot ? relaySlot->GetMe() : nullptr; }
 
 void OnKeepAlive() {
     if (std::shared_ptr<TimerTarget> target = Target()) target->KeepAliveTick();
@@ -28,32 +31,33 @@ void OnReconnect() {
     if (std::shared_ptr<TimerTarget> target = Target()) target->ReconnectTick();
 }
 
-void Kill(TimerId& slot) {
-    if (TimerId id = std::exchange(slot, 0)) Environment::Current().KillTimer(id);
+void Kill(Slot& slot) {
+    if (TimerId id = std::exchange(slot, {}).id) Environment::Current().KillTimer(id);
 }
 
-void Arm(TimerId& slot, std::int32_t milliseconds, TimerTick tick) {
+void Arm(Slot& slot, const cHelpEvent& owner, std::int32_t milliseconds, TimerTick tick) {
     Kill(slot);
-    slot = Environment::Current().SetTimer(std::max(milliseconds, kLeastInterval), tick);
+    slot = {Environment::Current().SetTimer(std::max(milliseconds, kLeastInterval), tick), &owner};
 }
 
 }  // namespace
 
-void SetRelay(const std::shared_ptr<cHelpEvent>& relay) { relaySlot = relay; }
+void SetRelay(const cHelpEvent& relay) { relaySlot = &relay; }
 
-void Release(const std::shared_ptr<cHelpEvent>& relay) {
-    if (relaySlot.lock() != relay) return;
-    relaySlot.reset();
-    Kill(keepAliveId);
-    Kill(reconnectId);
+void Release(const cHelpEvent& relay) {
+    if (relaySlot == &relay) relaySlot = nullptr;
+    if (keepAlive.owner == &relay) Kill(keepAlive);
+    if (reconnect.owner == &relay) Kill(reconnect);
 }
 
-void StartKeepAlive(std::int32_t milliseconds) {
-    Kill(keepAliveId);
-    if (milliseconds > 0) Arm(keepAliveId, milliseconds, OnKeepAlive);
+void StartKeepAlive(const cHelpEvent& owner, std::int32_t milliseconds) {
+    Kill(keepAlive);
+    if (milliseconds > 0) Arm(keepAlive, owner, milliseconds, OnKeepAlive);
 }
-void StopKeepAlive() { Kill(keepAliveId); }
-void StartReconnect(std::int32_t milliseconds) { Arm(reconnectId, milliseconds, OnReconnect); }
-void StopReconnect() { Kill(reconnectId); }
+void StopKeepAlive() { Kill(keepAlive); }
+void StartReconnect(const cHelpEvent& owner, std::int32_t milliseconds) {
+    Arm(reconnect, owner, milliseconds, OnReconnect);
+}
+void StopReconnect() { Kill(reconnect); }
 
 }  // namespace quorix::mTimer

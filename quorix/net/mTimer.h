@@ -30,16 +30,18 @@ private:
 
 namespace mTimer {
 
-// Ticks go to `relay` from now on.
-void SetRelay(const std::shared_ptr<cHelpEvent>& relay);
+// Ticks go to `relay` from now on. Its session must Release it before it ends.
+void SetRelay(const cHelpEvent& relay);
 
-// Empties the relay slot and kills both timers, if the slot is still `relay`'s.
-void Release(const std::shared_ptr<cHelpEvent>& relay);
+// The session of `relay` ends: kills the timers that it has armed, and empties the relay slot if that is
+// still its own.
+void Release(const cHelpEvent& relay);
 
-// Arming a timer kills the one in its slot. A keep-alive interval of 0 or less is not armed.
-void StartKeepAlive(std::int32_t milliseconds);
+// Arming a timer kills the one in its slot. A keep-alive interval of 0 or less is not armed. `owner` is the
+// relay of the session that arms.
+void StartKeepAlive(const cHelpEvent& owner, std::int32_t milliseconds);
 void StopKeepAlive();
-void StartReconnect(std::int32_t milliseconds);
+void StartReconnect(const cHelpEvent& owner, std::int32_t milliseconds);
 void StopReconnect();
 
 }  // namespace mTimer

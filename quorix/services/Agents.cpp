@@ -4,10 +4,10 @@
 #include <map>
 
 #include "quorix/base/Number.h"
-#include "quorix/services/Outermost.h"
 #include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 

@@ -1,8 +1,8 @@
 #include "quorix/services/Search.h"
 
 #include "quorix/base/modUTF_8.h"
-#include "quorix/services/Outermost.h"
 #include "quorix/services/XDataForm.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 

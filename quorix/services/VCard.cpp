@@ -1,7 +1,7 @@
 #include "quorix/services/VCard.h"
 
 #include <algorithm>
-#include <array>
+#include <vector>
 
 #include "quorix/base/modUTF_8.h"
 
@@ -11,14 +11,6 @@ namespace {
 
 using Getter = String (cVcard::*)() const;
 using Setter = void (cVcard::*)(StringView);
-
-struct Property {
-    Getter get;
-    Setter set;
-};
-
-#define QUORIX_PROPERTY(Name) \
-    Property { &cVcard::Name, &cVcard::Name }
 
 // -- Publishing --
 
@@ -76,80 +68,75 @@ String UpdateBody(const cVcard& card) {
 struct Path {
     StringView element;
     StringView child;
-    Property property;
+    Setter property;
 };
 
 constexpr Path kPaths[] = {
-    {u"FN", u"", QUORIX_PROPERTY(FullName)},        {u"N", u"FAMILY", QUORIX_PROPERTY(LastName)},
-    {u"N", u"GIVEN", QUORIX_PROPERTY(FirstName)},   {u"N", u"MIDDLE", QUORIX_PROPERTY(MiddleName)},
-    {u"NICKNAME", u"", QUORIX_PROPERTY(NickName)},  {u"URL", u"", QUORIX_PROPERTY(WebPage)},
-    {u"BDAY", u"", QUORIX_PROPERTY(BirthDate)},     {u"ORG", u"ORGNAME", QUORIX_PROPERTY(OrgName)},
-    {u"ORG", u"ORGUNIT", QUORIX_PROPERTY(OrgUnit)}, {u"TITLE", u"", QUORIX_PROPERTY(Title)},
-    {u"ROLE", u"", QUORIX_PROPERTY(Role)},          {u"JABBERID", u"", QUORIX_PROPERTY(JabberID)},
-    {u"DESC", u"", QUORIX_PROPERTY(Description)},
+    {u"FN", u"", &cVcard::FullName},        {u"N", u"FAMILY", &cVcard::LastName},
+    {u"N", u"GIVEN", &cVcard::FirstName},   {u"N", u"MIDDLE", &cVcard::MiddleName},
+    {u"NICKNAME", u"", &cVcard::NickName},  {u"URL", u"", &cVcard::WebPage},
+    {u"BDAY", u"", &cVcard::BirthDate},     {u"ORG", u"ORGNAME", &cVcard::OrgName},
+    {u"ORG", u"ORGUNIT", &cVcard::OrgUnit}, {u"TITLE", u"", &cVcard::Title},
+    {u"ROLE", u"", &cVcard::Role},          {u"JABBERID", u"", &cVcard::JabberID},
+    {u"DESC", u"", &cVcard::Description},
 };
 
 struct Numbers {
-    Property phone, fax, message;
+    Setter phone, fax, message;
 };
 
-constexpr Numbers kHomeNumbers{QUORIX_PROPERTY(HomePhone), QUORIX_PROPERTY(HomeFax),
-                               QUORIX_PROPERTY(HomeMessage)};
-constexpr Numbers kWorkNumbers{QUORIX_PROPERTY(BusinessPhone), QUORIX_PROPERTY(BusinessFax),
-                               QUORIX_PROPERTY(BusinessMessage)};
+constexpr Numbers kHomeNumbers{&cVcard::HomePhone, &cVcard::HomeFax, &cVcard::HomeMessage};
+constexpr Numbers kWorkNumbers{&cVcard::BusinessPhone, &cVcard::BusinessFax, &cVcard::BusinessMessage};
 
 constexpr StringView kOtherKinds[] = {u"PAGER", u"CELL", u"VIDEO", u"BBS", u"MODEM", u"ISDN", u"PCS"};
 
 struct Place {
-    Property extended, street, city, region, postalCode, country;
+    Setter extended, street, city, region, postalCode, country;
 };
 
-constexpr Place kHome{QUORIX_PROPERTY(HomeExtAddress), QUORIX_PROPERTY(HomeStreet),
-                      QUORIX_PROPERTY(HomeCity),       QUORIX_PROPERTY(HomeRegion),
-                      QUORIX_PROPERTY(HomePostalCode), QUORIX_PROPERTY(HomeCountry)};
-constexpr Place kWork{QUORIX_PROPERTY(BusinessExtAddress), QUORIX_PROPERTY(BusinessStreet),
-                      QUORIX_PROPERTY(BusinessCity),       QUORIX_PROPERTY(BusinessRegion),
-                      QUORIX_PROPERTY(BusinessPostalCode), QUORIX_PROPERTY(BusinessCountry)};
+constexpr Place kHome{&cVcard::HomeExtAddress, &cVcard::HomeStreet,     &cVcard::HomeCity,
+                      &cVcard::HomeRegion,     &cVcard::HomePostalCode, &cVcard::HomeCountry};
+constexpr Place kWork{&cVcard::BusinessExtAddress, &cVcard::BusinessStreet,     &cVcard::BusinessCity,
+                      &cVcard::BusinessRegion,     &cVcard::BusinessPostalCode, &cVcard::BusinessCountry};
 
-#undef QUORIX_PROPERTY
-
-void FillFirst(cVcard& card, const Property& property, const XmlNode& element) {
-    if ((card.*property.get)().empty()) (card.*property.set)(DecodeUTF8(element.Text(), true));
+void Fill(cVcard& card, Setter property, const XmlNode& element) {
+    String text = element.Text();
+    if (!text.empty()) (card.*property)(DecodeUTF8(text, true));
 }
 
 bool Has(const XmlNode& element, StringView marker) { return static_cast<bool>(element.Child(marker)); }
 bool IsWork(const XmlNode& element) { return Has(element, u"WORK") && !Has(element, u"HOME"); }
 
 // Null for a number of a kind that a card has no property for.
-const Property* NumberProperty(const XmlNode& number) {
+Setter NumberProperty(const XmlNode& number) {
     const Numbers& numbers = IsWork(number) ? kWorkNumbers : kHomeNumbers;
-    if (Has(number, u"VOICE")) return &numbers.phone;
-    if (Has(number, u"FAX")) return &numbers.fax;
-    if (Has(number, u"MSG")) return &numbers.message;
+    if (Has(number, u"VOICE")) return numbers.phone;
+    if (Has(number, u"FAX")) return numbers.fax;
+    if (Has(number, u"MSG")) return numbers.message;
     bool other = std::any_of(std::begin(kOtherKinds), std::end(kOtherKinds),
                              [&](StringView kind) { return Has(number, kind); });
-    return other ? nullptr : &numbers.phone;
+    return other ? nullptr : numbers.phone;
 }
 
 void ReadNumber(cVcard& card, const XmlNode& element) {
-    const Property* property = NumberProperty(element);
-    if (property) FillFirst(card, *property, element.Child(u"NUMBER"));
+    Setter property = NumberProperty(element);
+    if (property) Fill(card, property, element.Child(u"NUMBER"));
 }
 
 void ReadAddress(cVcard& card, const XmlNode& element) {
     const Place& place = IsWork(element) ? kWork : kHome;
-    FillFirst(card, place.extended, element.Child(u"EXTADD"));
-    FillFirst(card, place.street, element.Child(u"STREET"));
-    FillFirst(card, place.city, element.Child(u"LOCALITY"));
-    FillFirst(card, place.region, element.Child(u"REGION"));
-    FillFirst(card, place.postalCode, element.Child(u"PCODE"));
-    FillFirst(card, place.country, element.Child(u"COUNTRY"));
-    FillFirst(card, place.country, element.Child(u"CTRY"));
+    Fill(card, place.extended, element.Child(u"EXTADD"));
+    Fill(card, place.street, element.Child(u"STREET"));
+    Fill(card, place.city, element.Child(u"LOCALITY"));
+    Fill(card, place.region, element.Child(u"REGION"));
+    Fill(card, place.postalCode, element.Child(u"PCODE"));
+    Fill(card, place.country, element.Child(u"CTRY"));
+    Fill(card, place.country, element.Child(u"COUNTRY"));
 }
 
 void ReadEmail(cVcard& card, const XmlNode& element) {
     XmlNode user = element.Child(u"USERID");
-    FillFirst(card, {&cVcard::Email, &cVcard::Email}, user ? user : element);
+    Fill(card, &cVcard::Email, user ? user : element);
 }
 
 void ReadElement(cVcard& card, const XmlNode& element) {
@@ -158,7 +145,7 @@ void ReadElement(cVcard& card, const XmlNode& element) {
     if (element.Is(u"EMAIL")) return ReadEmail(card, element);
     for (const Path& path : kPaths) {
         if (!element.Is(path.element)) continue;
-        FillFirst(card, path.property, path.child.empty() ? element : element.Child(path.child));
+        Fill(card, path.property, path.child.empty() ? element : element.Child(path.child));
     }
 }
 
@@ -177,8 +164,11 @@ void UpdateVcard(SessionLink& link, const std::shared_ptr<cVcard>& card) {
 
 std::shared_ptr<cVcard> ReadVCard(const XmlNode& element) {
     auto card = std::make_shared<cVcard>();
+    std::vector<XmlNode> children;
     for (XmlNode child = element.FirstElement(); child; child = child.NextElement())
-        ReadElement(*card, child);
+        children.push_back(child);
+    // From the last, so that the first one that is not empty stays.
+    for (auto child = children.rbegin(); child != children.rend(); ++child) ReadElement(*card, *child);
     return card;
 }
 

@@ -99,12 +99,13 @@ bool Dispatcher::AccountReply(const Stanza& stanza) {
     bool newUser = stanza.id == kNewUserId;
     bool changePass = stanza.id == kChangePasswordId;
     bool removeAccount = stanza.id == kRemoveAccountId;
-    if (!login && !newUser && !changePass && !removeAccount) return false;
+    bool known = login || newUser || changePass || removeAccount;
+    if (!known || (!stanza.IsResult() && !stanza.IsError())) return false;
     if (stanza.IsError()) {
         IqError(stanza);
         if (!removeAccount) LoginFailure(stanza);
+        return true;
     }
-    if (!stanza.IsResult()) return true;
     if (login) LoginReply(stanza);
     if (newUser) NewUserReply(stanza);
     if (changePass) session_.Raise(&SessionEvents::OnChangedPassword);

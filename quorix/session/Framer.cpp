@@ -20,10 +20,16 @@ void Framer::Append(StringView text) {
     scanner_.Take(text);
 }
 
+// Unlike comments and instructions, a declaration is nothing without its element.
+bool Framer::IsDeclarationAlone() const {
+    constexpr StringView kOpening = u"<?xml";
+    return scanner_.IsEmpty() && StartsWith(text_, kOpening) && IsSpace(text_[kOpening.size()]);
+}
+
 FrameBatch Framer::TakeComplete() {
     if (scanner_.Hopeless()) hopeless_ = true;
     if (hopeless_) text_ = String();
-    if (hopeless_ || !scanner_.Complete()) return {};
+    if (hopeless_ || !scanner_.Complete() || IsDeclarationAlone()) return {};
     bool isDocument = std::exchange(scanner_, StanzaScanner()).IsDocument();
     String text = std::exchange(text_, String());
     auto document = XmlDocument::Create();

@@ -47,6 +47,8 @@ public:
     FrameBatch TakeComplete();
 
 private:
+    bool IsDeclarationAlone() const;
+
     String text_;
     StanzaScanner scanner_;
     bool hopeless_ = false;

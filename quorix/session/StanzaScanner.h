@@ -17,6 +17,9 @@ public:
     bool Complete() const { return state_ == State::Text && depth_ == 0; }
     bool Hopeless() const { return state_ == State::Hopeless; }
 
+    // Neither an element nor text so far.
+    bool IsEmpty() const { return roots_ == 0 && !topText_; }
+
     // Exactly one element stands at the top, and no text beside it: the whole is a document.
     bool IsDocument() const { return roots_ == 1 && !topText_; }
 

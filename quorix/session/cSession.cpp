@@ -23,7 +23,7 @@ constexpr StringView kStreamError = u"<stream:error>";
 String GetStreamID(StringView header) {
     cXML_Node stream;
     stream.xml(Concat({header, u"</stream:stream>"}));
-    return stream.GetAttrib(u"id");
+    return stream.Root().Attribute(u"id");
 }
 
 // Sets a flag while in scope.
@@ -103,15 +103,15 @@ std::shared_ptr<cSession> cSession::Create() {
 }
 
 void cSession::Initialise() {
-    relay_ = std::make_shared<cHelpEvent>(weak_from_this());
-    mTimer::SetRelay(relay_);
+    relay_ = std::make_unique<cHelpEvent>(weak_from_this());
+    mTimer::SetRelay(*relay_);
     socket_ = std::make_shared<cSocketSSL>();
     socketPort_ = std::make_unique<SocketPort>(*this);
     socket_->Advise(std::shared_ptr<SocketEvents>(shared_from_this(), socketPort_.get()));
 }
 
 cSession::~cSession() {
-    mTimer::Release(relay_);
+    if (relay_) mTimer::Release(*relay_);
     if (socket_) socket_->Disconnect();
 }
 
@@ -127,19 +127,18 @@ bool cSession::ProxyUseRemoteDNS() const {
 
 // -- Events --
 
-// When only entries in progress still hold the session, nobody is left to hear it.
+bool cSession::IsAbandoned() const { return weak_from_this().use_count() <= held_; }
+
 void cSession::ForEachSink(const std::function<void(SessionEvents&)>& raise) {
-    if (weak_from_this().use_count() > held_) sinks_.ForEach(raise);
+    if (!IsAbandoned()) sinks_.ForEach(raise);
 }
 
 // -- Connecting --
 
 void cSession::Connect(bool bNewUser) {
     Entry entry(*this);
-    if (socket_->State() != sockClosed) {
-        CloseSocket();
-        active_ = false;
-    }
+    if (socket_->State() != sockClosed) active_ = false;
+    CloseSocket();
     authorized_ = streamOpen_ = false;
     newUser_ = bNewUser;
     connectionWanted_ = true;
@@ -206,13 +205,19 @@ void cSession::CloseSession(StringView code, StringView description) {
         search_.Empty();
         Raise(&SessionEvents::OnDisConnected);
     }
-    if (generation_ == generation) DecideReconnect();
+    if (generation_ == generation) {
+        DecideReconnect();
+    } else if (!connectionWanted_) {
+        CloseSocket();  // a handler has connected anew, and another has changed that
+    }
     if (!delivering_) DrainDeliveries();
 }
 
+// Sending the presence delivers pending messages, among which a connection may come up that a handler began.
 void cSession::SayGoodbye() {
+    std::uint32_t generation = generation_;
     SendPresence({}, KV_UnAvailable, {});
-    SendXML(u"</stream:stream>");
+    if (generation_ == generation) SendXML(u"</stream:stream>");
 }
 
 void cSession::CloseSocket() {
@@ -233,7 +238,7 @@ bool cSession::RetriesLeft() const {
 
 void cSession::DecideReconnect() {
     if (RetriesLeft()) {
-        mTimer::StartReconnect(reconnectInterval_ * 1000);
+        mTimer::StartReconnect(*relay_, reconnectInterval_ * 1000);
         ++attempts_;
     } else {
         mTimer::StopReconnect();
@@ -339,6 +344,7 @@ void cSession::RequestLoginFields() {
 }
 
 void cSession::StartLogin() {
+    if (IsAbandoned()) return;
     cAuth auth;
     auth.SetSession(shared_from_this());
     auth.SendAuth();
@@ -352,7 +358,7 @@ void cSession::CompleteLogin() {
     Raise(&SessionEvents::OnAuthorized);
     if (generation_ != generation || !authorized_) return;
     mTimer::StopReconnect();
-    if (keepAlive_) mTimer::StartKeepAlive(keepAliveInterval_ * kKeepAliveUnit);
+    if (keepAlive_) mTimer::StartKeepAlive(*relay_, keepAliveInterval_ * kKeepAliveUnit);
 }
 
 // -- The outbound path --
@@ -402,7 +408,8 @@ void cSession::ParseReceiveRoster(const NodePtr& message) {
 }
 
 eItemType cSession::FindItemType(StringView jid) {
-    if (rooms_.FindGroupChat(jid) > 0) return KV_GroupChatItem;
+    bool isRoom = rooms_.FindGroupChat(jid) > 0 || rooms_.FindGroupChat(Convert2Unicode(jid)) > 0;
+    if (isRoom) return KV_GroupChatItem;
     String bareJid = RemoveResource(jid);
     if (agents_.Knows(bareJid)) return KV_AgentItem;
     return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;

@@ -215,7 +215,7 @@ public:
     // A contact to fill and Add. It enters the table when the server reports it, not here.
     std::shared_ptr<cRosterItem> CreateRosterItem();
     std::int16_t FindRosterItem(StringView jid) const { return roster_.FindRosterItem(jid); }
-    // OnReceiveRosterItem follows for each contact in a message. Error 91 without one.
+    // Raises OnReceiveRosterItem for each contact in a message. Error 91 for null.
     void ParseReceiveRoster(const NodePtr& message);
 
     // -- Messages --
@@ -310,8 +310,8 @@ public:
 
     // -- SessionLink --
 
-    // A joined room (exactly this JID), else an agent, else a contact (without the resource, ASCII case
-    // aside), else unknown.
+    // `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
+    // contact (without the resource, ASCII case aside), else unknown.
     eItemType FindItemType(StringView jid) override;
     bool LeaveRoom(StringView jid, StringView nickname) override;
     void ForEachSink(const std::function<void(SessionEvents&)>& raise) override;
@@ -325,6 +325,9 @@ private:
 
     cSession();
     void Initialise();
+
+    // Only entries in progress still hold the session: nobody is left to hear it.
+    bool IsAbandoned() const;
 
     void KeepAliveTick() override;
     void ReconnectTick() override;
@@ -399,7 +402,7 @@ private:
     std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
     long held_ = 0;                  // references held by entries in progress
 
-    std::shared_ptr<cHelpEvent> relay_;
+    std::unique_ptr<cHelpEvent> relay_;
     std::shared_ptr<cSocketSSL> socket_;
     std::unique_ptr<SocketPort> socketPort_;
     std::deque<Delivery> deliveries_;

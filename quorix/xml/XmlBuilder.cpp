@@ -87,6 +87,7 @@ xmlSAXHandler XmlBuilder::Handlers() {
 
 void XmlBuilder::Begin() {
     parser_->sax2 = 0;  // structured errors had told the parser that prefixes are to be resolved
+    sharedNames_ = xmlDictSize(parser_->dict);
     if (!declaration_.empty()) Place(NewInstruction(*tree_, "xml", declaration_));
 }
 
@@ -117,6 +118,7 @@ void XmlBuilder::Characters(const xmlChar* text, int size) {
 void XmlBuilder::Place(xmlNode* node) {
     PlaceText();
     LinkLast(parent_, node);
+    if (xmlDictSize(parser_->dict) - sharedNames_ > kMaxXmlNames) Refuse();
 }
 
 void XmlBuilder::PlaceText() {

@@ -38,6 +38,7 @@ private:
     std::string declaration_;
     std::string text_;  // character data comes in pieces
     int depth_ = 0;
+    int sharedNames_ = 0;
     bool enclosed_;
     bool refused_ = false;
 };

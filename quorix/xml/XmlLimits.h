@@ -1,4 +1,4 @@
-// The bounds that protect us from hostile documents. A document that exceeds one of the first two does not
+// The bounds that protect us from hostile documents. A document that exceeds one of the first three does not
 // load.
 #pragma once
 
@@ -11,6 +11,10 @@ inline constexpr int kMaxXmlDepth = 1000;
 
 // Attributes of one element. The parser compares each attribute with all before it.
 inline constexpr int kMaxXmlAttributes = 1000;
+
+// Different names in one document, of elements, attributes and instructions together; names that the thread's
+// documents share already do not count. The parser's collection of names grows slow beyond.
+inline constexpr int kMaxXmlNames = 65536;
 
 // Names that the documents of a thread share, and their bytes, before a new collection of them is begun: a
 // peer can invent names for ever.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iostream>
 #include <thread>
 
 #include "quorix/platform/MessageLoop.h"
@@ -39,13 +40,19 @@ bool Client::LogIn() {
     return Await([&] { return session_->Active(); });
 }
 
+// Asks the condition no more once it has held: it may have changed something.
 bool Client::Await(const std::function<bool()>& condition) const {
     auto end = std::chrono::steady_clock::now() + kPatience;
-    while (!condition() && std::chrono::steady_clock::now() < end) {
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            std::cerr << "Waited in vain. Events so far:\n";
+            for (const std::string& line : events_->lines) std::cerr << "  " << line << "\n";
+            return false;
+        }
         MessageLoop::DoEvents();
         std::this_thread::sleep_for(kPause);
     }
-    return condition();
+    return true;
 }
 
 bool Client::AwaitEvent(const std::string& event, std::size_t count) const {

@@ -1,7 +1,9 @@
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "tests/real/Kinds.h"
 #include "tests/real/Loopback.h"
@@ -10,6 +12,7 @@ namespace quorix::real {
 namespace {
 
 constexpr const char* kPackaged = "/etc/jabberd2/";
+constexpr std::chrono::milliseconds kWordTravels{50};
 constexpr const char* kTables = "/usr/share/doc/jabberd2/db-setup.sqlite.gz";
 
 // "" when there is no such file.
@@ -41,12 +44,28 @@ private:
     std::string text_;
 };
 
+std::size_t Count(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
+    return count;
+}
+
 std::string PortElement(int port) { return "<port>" + std::to_string(port) + "</port>"; }
 
 // Three programs: the router, and the session manager and the clients' side, which both speak to it.
 class Jabberd2 : public RealServer {
 public:
     Jabberd2() : RealServer("jabber", nullptr), router_port_(FreePort()) {}
+
+    // It names a session after the number of its socket. A new connection that has the number of one which is
+    // gone would be taken for it, and ended, when the session manager's word of that end arrives.
+    void AwaitLogouts() override {
+        Await("the end of the sessions", [this] {
+            const std::string log = Contents(File("sm.log"));
+            return Count(log, "session started") == Count(log, "session ended");
+        });
+        std::this_thread::sleep_for(kWordTravels);
+    }
 
 private:
     void Configure() override {

@@ -35,11 +35,14 @@ std::string Contents(const fs::path& file) {
     return text.str();
 }
 
-bool AnswersHeader(int port) {
+// A header alone is answered too early: what follows may be an error while the server's parts find each
+// other.
+bool AnswersQuery(int port) {
     try {
         Connection connection(port);
-        connection.Send(kStreamHeader);
-        return connection.ReceiveUntil("<stream:stream").find(" id=") != std::string::npos;
+        connection.Send(std::string(kStreamHeader) +
+                        "<iq type='get' id='up'><query xmlns='jabber:iq:register'/></iq>");
+        return connection.ReceiveUntil("<iq").find("result") != std::string::npos;
     } catch (const std::runtime_error&) {
         return false;
     }
@@ -73,7 +76,7 @@ void RealServer::Start() {
     GiveToUser();
     try {
         Launch();
-        Await("an answer to a stream header", [this] { return AnswersHeader(port_); });
+        Await("an answer to a query", [this] { return AnswersQuery(port_); });
     } catch (...) {
         processes_.clear();
         throw;

@@ -29,12 +29,15 @@ public:
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
 
-    // Returns when the server answers a stream header; throws std::runtime_error, with what the server wrote,
+    // Returns when the server answers a query; throws std::runtime_error, with what the server wrote,
     // when it ends or 120 s pass before. Nothing happens when it runs already.
     void Start();
 
     // Ends the server without a word to its clients. Started again, it has the same port and accounts.
     void Kill();
+
+    // Returns when the server has forgotten the sessions of clients that are gone.
+    virtual void AwaitLogouts() {}
 
     int Port() const { return port_; }
     int TlsPort() const { return tls_port_; }  // 0 when made without a certificate

@@ -67,6 +67,7 @@ void RealServerTest::SetUp() {
     }
     server_ = &Shared(GetParam());
     server_->Start();
+    server_->AwaitLogouts();
 }
 
 }  // namespace quorix::real

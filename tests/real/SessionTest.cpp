@@ -22,6 +22,7 @@ TEST_P(Session, ReportsAWrongPassword) {
     Client client(Server(), u"bert", u"home");
     ASSERT_TRUE(client.CreateAccount());
     client->Disconnect();
+    Server().AwaitLogouts();
     client.Events().Take();
     client->Password(u"wrong");
     client->Connect();

@@ -57,9 +57,14 @@ Address AddressBy(Query query, SocketId socket) {
     return {ntohl(found.sin_addr.s_addr), ntohs(found.sin_port)};
 }
 
+std::int64_t Now() { return g_get_monotonic_time() / 1000; }
+
+// An interrupted wait goes on for the rest of its time.
 std::int32_t WaitFor(SocketId socket, short events, std::int32_t milliseconds) {
+    std::int64_t deadline = Now() + milliseconds;
     pollfd waiting{socket, events, 0};
-    int ready = Uninterrupted([&] { return poll(&waiting, 1, std::max(milliseconds, 0)); });
+    int ready = Uninterrupted(
+        [&] { return poll(&waiting, 1, static_cast<int>(std::max<std::int64_t>(deadline - Now(), 0))); });
     if (ready < 0) return LastError();
     return ready == 0 ? SOCKERR_TimedOut : SOCKERR_None;
 }
@@ -252,7 +257,7 @@ void PosixEnvironment::KillTimer(TimerId timer) {
     timers_.erase(found);
 }
 
-std::int64_t PosixEnvironment::Milliseconds() { return g_get_monotonic_time() / 1000; }
+std::int64_t PosixEnvironment::Milliseconds() { return Now(); }
 
 void PosixEnvironment::DoEvents() {
     for (int round = 0; round < kRoundsOfDoEvents && g_main_context_iteration(context_, FALSE); ++round) {

@@ -10,6 +10,7 @@ std::int32_t SocketErrorFromErrno(int number) {
     switch (number) {
         case EINTR: return 10004;
         case EBADF: return 10009;
+        case EPERM:  // a firewall's rule
         case EACCES: return 10013;
         case EFAULT: return 10014;
         case EINVAL: return 10022;
@@ -36,6 +37,7 @@ std::int32_t SocketErrorFromErrno(int number) {
         case ECONNABORTED: return 10053;
         case EPIPE:  // what a write to a reset connection gives, where other systems repeat the reset
         case ECONNRESET: return 10054;
+        case ENOMEM:
         case ENOBUFS: return 10055;
         case EISCONN: return 10056;
         case ENOTCONN: return 10057;

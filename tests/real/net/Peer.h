@@ -16,7 +16,6 @@ public:
 
     int Port() const { return port_; }
     void Signal(int number) const { process_.Signal(number); }
-    void Kill() { process_.Kill(); }
 
 private:
     int port_;

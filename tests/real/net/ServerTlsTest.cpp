@@ -53,6 +53,7 @@ protected:
         *witness = Witness();
         session = NewSession(witness, server->TlsPort());
         session->UseSSL(true);
+        session->Socket()->TimeOut(30000);  // a busy machine's server takes its time
         session->Socket()->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
         session->Connect();
         EXPECT_TRUE(session->IsConnected());
@@ -118,6 +119,7 @@ TEST_P(ServerBehindAPutProxy, LogsInAndServes) {
     session->FetchRoster();
     EXPECT_TRUE(RunUntil([&] { return witness->rosters == 1; }));
     session->Disconnect();
+    EXPECT_TRUE(RunUntil([&] { return proxy->LastBody() == "</stream:stream>"; }));
 }
 
 QUORIX_ON_EVERY_SERVER(ServerBehindAPutProxy);

@@ -25,6 +25,7 @@ protected:
     std::shared_ptr<SocketRecorder> Client(const Peer& server) {
         auto made = SocketRecorder::Create();
         made->socket->SSLEnable(true);
+        made->socket->TimeOut(30000);  // a busy machine's server takes its time
         made->socket->SSLCAFile(TextFromUtf8(authority.SaveCertificate(folder.Path())));
         made->socket->RemoteHost(u"localhost");
         made->socket->RemotePort(server.Port());
@@ -69,33 +70,28 @@ TEST_F(TlsPeers, AnOlderVersionIsRefused) {
     EXPECT_EQ(client->log, kHandshakeFailed);
 }
 
-TEST_F(TlsPeers, AreJudgedByTheirCertificates) {
-    CertificateWishes expired;
-    expired.validFromDay = -9;
-    expired.validUntilDay = -1;
-    CertificateWishes otherName;
-    otherName.alternativeNames = "DNS:elsewhere.example";
-    std::vector<std::pair<Identity, int>> rows;
-    rows.emplace_back(IssuedBy(authority, expired), 10);
-    rows.emplace_back(IssuedBy(authority, otherName), 62);
-    rows.emplace_back(SelfSigned({}), 18);
-    for (auto& [identity, verdict] : rows) {
-        auto server = Server(identity);
-        auto client = Client(*server);
-        client->socket->Connect();
-        EXPECT_EQ(client->socket->State(), sockConnected);
-        EXPECT_EQ(client->socket->SSLTrusted(), verdict);
+// Some ciphers of TLS 1.2 encrypt several records at a time, and what was begun must be gone on with.
+TEST_F(TlsPeers, ALongTextWaitsForAStoppedServerUnderAnyCipher) {
+    std::string text;
+    std::string reversed;
+    for (int i = 0; text.size() < 8'000'000; ++i) {
+        std::string line = std::string(2000, '.') + std::to_string(i);
+        text += line + '\n';
+        reversed += std::string(line.rbegin(), line.rend()) + '\n';
     }
-}
-
-TEST_F(TlsPeers, AStoppedServerDoesNotHangTheCaller) {
-    auto server = Server(good);
-    server->Signal(SIGSTOP);
-    auto client = Client(*server);
-    client->socket->TimeOut(300);
-    client->socket->Connect();
-    EXPECT_EQ(client->log, kHandshakeFailed);
-    EXPECT_EQ(client->socket->State(), sockClosed);
+    const std::vector<std::vector<std::string>> rows = {
+        {"-tls1_3"}, {"-tls1_2", "-no_etm", "-cipher", "ECDHE-ECDSA-AES128-SHA"}};
+    for (const auto& options : rows) {
+        auto server = Server(good, options);
+        auto client = Client(*server);
+        client->on["data"] = [&] { client->log.clear(); };
+        client->socket->Connect();
+        server->Signal(SIGSTOP);
+        client->socket->SendBytes(text);
+        server->Signal(SIGCONT);
+        EXPECT_TRUE(RunUntil([&] { return client->received.size() == text.size(); }, 60)) << options[0];
+        EXPECT_TRUE(client->received == reversed) << options[0];
+    }
 }
 
 class TlsServer : public TlsPeers {

@@ -47,7 +47,7 @@ TEST(Number, FromTheWireNeverFails) {
     EXPECT_EQ(WireInt16(u" -5 apples"), -5);
     EXPECT_EQ(WireInt16(u"32767"), 32767);
     EXPECT_EQ(WireInt32(u"1e3"), 1000);
-    for (StringView nothing : {u"", u"abc", u"32768", u"-40000", u"inf", u"nan", u"1e999", u"--1"}) {
+    for (StringView nothing : {u"", u"abc", u"32768", u"-40000", u"inf", u"nan", u"1e999", u"--1", u"+-1"}) {
         EXPECT_EQ(WireInt16(nothing), 0) << Utf8FromText(nothing);
     }
     EXPECT_EQ(WireInt32(u"2147483648"), 0);

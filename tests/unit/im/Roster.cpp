@@ -2,20 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "quorix/base/AutomationError.h"
+#include "tests/unit/ErrorOf.h"
 #include "tests/unit/im/FakeSession.h"
 
 namespace quorix::test {
 namespace {
-
-std::int32_t ErrorOf(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 Lines GroupsOf(const cRosterItem& item) {
     Lines groups;
@@ -182,6 +173,12 @@ TEST_F(RosterTest, ThousandsOfGroupsAndItemsWithoutAnAddressAreTaken) {
     for (int round = 0; round < 2; ++round) Push(Concat({u"<item>", groups, u"</item>"}));
     ASSERT_EQ(session->roster.Count(), 1);
     EXPECT_EQ(Contact(u"")->Groups().Count(), 10000);
+}
+
+TEST_F(RosterTest, AnItemInsideAnItemIsPartOfIt) {
+    Push(u"<item jid='a@b'><item jid='no@b'/></item><deep><item jid='c@d'/></deep>");
+    EXPECT_EQ(session->TakeEvents(),
+              (Lines{"OnRosterBegin", "OnRosterItem a@b 0", "OnRosterItem c@d 0", "OnRosterEnd"}));
 }
 
 TEST_F(RosterTest, AHandlerMayChangeTheTableItIsToldOf) {

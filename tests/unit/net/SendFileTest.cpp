@@ -47,16 +47,6 @@ TEST_F(SendFile, EndsWhenAHandlerDisconnects) {
     EXPECT_EQ(environment.Peer().Heard(), contents.substr(0, 5000));
 }
 
-TEST_F(SendFile, WaitsInTheQueueLikeAnythingElse) {
-    environment.BlockWrites(true);
-    client->socket->SendFile(path.u16string());
-    client->socket->SendData(u"behind");
-    environment.BlockWrites(false);
-    environment.DoEvents();
-    EXPECT_EQ(environment.Peer().Heard(), contents + "behind");
-    EXPECT_EQ(client->log, Log{"sent"});
-}
-
 TEST_F(SendFile, AFileThatCannotBeOpenedIsError53) {
     for (const std::filesystem::path& wrong : {folder.Path() / "missing", folder.Path()}) {
         try {

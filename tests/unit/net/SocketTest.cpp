@@ -81,6 +81,21 @@ INSTANTIATE_TEST_SUITE_P(
                 sockConnecting}),
     [](const auto& row) { return row.param.name; });
 
+TEST_F(Socket, ATimeOutBelowTheShortestIntervalCountsAsThat) {
+    environment.HoldConnections(true);
+    for (bool secure : {false, true}) {
+        auto client = SocketRecorder::Create();
+        client->socket->SSLEnable(secure);
+        client->socket->RemoteHost(u"chat.example");
+        client->socket->TimeOut(-1);
+        std::int64_t start = environment.Milliseconds();
+        client->on["error"] = [&] { EXPECT_EQ(environment.Milliseconds() - start, kShortestInterval); };
+        client->socket->Connect();
+        environment.Advance(100);
+        EXPECT_EQ(client->log, Log{"error:0:Timeout"});
+    }
+}
+
 TEST_F(Socket, AFailingSystemCallIsReportedWithItsText) {
     struct Row {
         Call call;
@@ -120,31 +135,21 @@ TEST_F(Socket, OneNotificationIsReadInBlocksOf2000UntilNothingIsLeft) {
 
 TEST_F(Socket, WhatIsNotTakenWaitsInOrderAndIsReportedWhenItHasGone) {
     auto client = Connected();
-    environment.LimitWrites(3);
-    client->socket->SendData(u"whole");
+    std::string numbers;
+    for (int i = 0; i < 40000; ++i) numbers += std::to_string(i) + ',';
+    environment.LimitWrites(7001);
+    client->socket->SendBytes(numbers);
     environment.BlockWrites(true);
     client->socket->SendData(u"one ");
-    client->socket->SendBytes("two ");
+    client->socket->SendBytes(numbers);
     environment.DoEvents();
-    EXPECT_EQ(environment.Peer().TakeHeard(), "whole");
+    EXPECT_EQ(environment.Peer().TakeHeard(), numbers);
     EXPECT_EQ(client->log, Log());
     environment.BlockWrites(false);
     client->socket->SendData(u"three");
     environment.DoEvents();
-    EXPECT_EQ(environment.Peer().TakeHeard(), "one two three");
+    EXPECT_EQ(environment.Peer().TakeHeard(), "one " + numbers + "three");
     EXPECT_EQ(client->log, Log{"sent"});
-}
-
-TEST_F(Socket, AnyAmountWaitsAndKeepsItsOrder) {
-    auto client = Connected();
-    std::string text;
-    for (int i = 0; i < 40000; ++i) text += std::to_string(i) + ',';
-    environment.LimitWrites(7001);
-    environment.BlockWrites(true);
-    client->socket->SendBytes(text);
-    environment.BlockWrites(false);
-    environment.DoEvents();
-    EXPECT_EQ(environment.Peer().Heard(), text);
 }
 
 TEST_F(Socket, ASocketThatTakesDataAgainButNotAllHasNotCompleted) {
@@ -211,26 +216,18 @@ TEST_F(Socket, MarkedAsClosedItIsStillReallyClosedByDisconnect) {
     EXPECT_EQ(environment.Peer().Heard(), "");
 }
 
-TEST_F(Socket, DisconnectingInAHandlerEndsTheReading) {
-    auto client = Connected();
+TEST_F(Socket, AHandlerThatDisconnectsOrConnectsAgainLeavesTheOldConnectionBehind) {
     environment.LimitReads(2);
-    client->on["data"] = [&] { client->socket->Disconnect(); };
-    environment.Peer().Say("abcd");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, Log{"data:ab"});
-    EXPECT_EQ(environment.OpenSockets(), 0U);
-}
-
-TEST_F(Socket, ConnectingAgainInAHandlerLeavesTheOldConnectionBehind) {
-    auto client = Connected();
-    environment.LimitReads(2);
-    client->on["data"] = [&] { client->socket->Connect(); };
-    environment.Peer().Say("abcd");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, (Log{"data:ab", "connect", "sent"}));
-    EXPECT_EQ(environment.PeerCount(), 2U);
-    EXPECT_TRUE(environment.Peer(0).ClientClosed());
-    EXPECT_FALSE(environment.Peer(1).ClientClosed());
+    for (bool again : {false, true}) {
+        auto client = Connected();
+        std::size_t former = environment.PeerCount() - 1;
+        client->on["data"] = [&] { again ? client->socket->Connect() : client->socket->Disconnect(); };
+        environment.Peer().Say("abcd");
+        environment.DoEvents();
+        EXPECT_EQ(client->log, again ? (Log{"data:ab", "connect", "sent"}) : Log{"data:ab"});
+        EXPECT_TRUE(environment.Peer(former).ClientClosed());
+        EXPECT_EQ(environment.OpenSockets(), again ? 1U : 0U);
+    }
 }
 
 TEST_F(Socket, ConnectingAgainInTheErrorHandlerIsNotUndone) {
@@ -270,15 +267,6 @@ TEST_F(Socket, WhatAHandlerThrowsStopsNothing) {
     environment.Peer().Say("abcd");
     environment.DoEvents();
     EXPECT_EQ(client->log, (Log{"data:ab", "data:cd"}));
-}
-
-TEST_F(Socket, WithoutAReceiverEventsGoNowhere) {
-    auto client = Connected();
-    auto socket = client->socket;
-    client.reset();
-    environment.Peer().Say("abc");
-    environment.DoEvents();
-    EXPECT_EQ(socket->State(), sockConnected);
 }
 
 TEST_F(Socket, ANotificationForAHandleThatNobodyOwnsIsDropped) {
@@ -365,13 +353,9 @@ TEST_F(Socket, AHostNameWithANulIsNoHost) {
 
 TEST(SocketErrorTextTable, KnowsItsNumbersInTheirOwnSpelling) {
     EXPECT_EQ(SocketErrorText(10004), u"Interrupted system call.");
-    EXPECT_EQ(SocketErrorText(10013), u"Permission Denied.");
-    EXPECT_EQ(SocketErrorText(10053), u"Software caused connection abort.");
     EXPECT_EQ(SocketErrorText(10093), u"Winsock not Initized.");
     EXPECT_EQ(SocketErrorText(11004), u"Valid name, no data record of requested type.");
-    for (std::int32_t unlisted : {0, 100, 10005, 10090, 11005, -1}) {
-        EXPECT_EQ(SocketErrorText(unlisted), u"") << unlisted;
-    }
+    for (std::int32_t unlisted : {0, 10005, 11005}) EXPECT_EQ(SocketErrorText(unlisted), u"") << unlisted;
 }
 
 }  // namespace

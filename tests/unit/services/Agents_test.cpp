@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "quorix/services/Agents.h"
+#include "tests/unit/ErrorOf.h"
 #include "tests/unit/services/FakeLink.h"
 #include "tests/unit/services/ServiceLog.h"
 
@@ -55,11 +56,6 @@ TEST_F(AgentsTest, ANameThatIsTakenIsPassedOverAndTheListGoesOn) {
 TEST_F(AgentsTest, AnAgentInsideAnAgentIsPartOfIt) {
     Handle(u"<iq><query><agent jid='a'><agent jid='b'><name>B</name></agent></agent></query></iq>");
     EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentEnd"}));
-}
-
-TEST_F(AgentsTest, AnErrorHasBeginAndEndOnly) {
-    Handle(u"<iq type='error' id='fullagents'><query xmlns='jabber:iq:agents'/><error code='503'/></iq>");
-    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentEnd"}));
 }
 
 TEST_F(AgentsTest, RequestsAreWrittenExactly) {
@@ -134,25 +130,16 @@ TEST_F(AgentsTest, FieldsAreFoundExactlyAndRegisteredInAnyCase) {
     EXPECT_EQ(jud->FindAttrib(u"y"), 0);
 }
 
-int NumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
-
 TEST_F(AgentsTest, ImpossibleRequestsHaveTheirNumbers) {
     auto jud = Jud();
     jud->AddField(u"a", u"1");
-    EXPECT_EQ(NumberOf([&] { jud->AddField(u"a", u"2"); }), ERR_KeyInUse);
-    EXPECT_EQ(NumberOf([&] { jud->SetField(u"b", u"2"); }), ERR_Subscript);
-    EXPECT_EQ(NumberOf([] { cAgentItem().Search(); }), ERR_ObjectNotSet);
+    EXPECT_EQ(ErrorOf([&] { jud->AddField(u"a", u"2"); }), ERR_KeyInUse);
+    EXPECT_EQ(ErrorOf([&] { jud->SetField(u"b", u"2"); }), ERR_Subscript);
+    EXPECT_EQ(ErrorOf([] { cAgentItem().Search(); }), ERR_ObjectNotSet);
     link.reset();
     for (auto send : {&cAgentItem::GetSearchFields, &cAgentItem::Search, &cAgentItem::QueryGateway,
                       &cAgentItem::Update, &cAgentItem::Delete}) {
-        EXPECT_EQ(NumberOf([&] { (*jud.*send)(); }), ERR_ObjectNotSet);
+        EXPECT_EQ(ErrorOf([&] { (*jud.*send)(); }), ERR_ObjectNotSet);
     }
 }
 
@@ -193,14 +180,6 @@ TEST_F(AgentsTest, AnAgentReadsFromTheXmlItWasGiven) {
     EXPECT_EQ(agent.xml(), u"<agent jid=\"x\"><deep><name>no</name></deep></agent>");
     agent.xml(u"<agent");
     EXPECT_EQ(agent.xml(), u"");
-}
-
-TEST_F(AgentsTest, AGatewaySaysWhatItNeeds) {
-    HandleGateway(
-        *link, StanzaOf(u"<iq type='result'><query xmlns='jabber:iq:gateway'><desc>UIN</desc></query></iq>"));
-    HandleGateway(
-        *link, StanzaOf(u"<iq type='error'><query xmlns='jabber:iq:gateway'><desc>no</desc></query></iq>"));
-    EXPECT_EQ(log->Take(), (Lines{"GatewayInfo iq UIN"}));
 }
 
 }  // namespace

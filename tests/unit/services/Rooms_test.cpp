@@ -54,28 +54,19 @@ TEST(Rooms, OnlyTheOwnNicknameInAKnownRoomLeavesIt) {
     EXPECT_EQ(rooms.Items().Count(), 0);
 }
 
-struct ShowCase {
-    eShowType show;
-    const char16_t* status;
-    const char* sent;
-};
-
-class RoomPresence : public ::testing::TestWithParam<ShowCase> {};
-
-TEST_P(RoomPresence, AlwaysWritesTheShowPair) {
+TEST(Rooms, PresenceInARoomAlwaysHasAShowElement) {
+    const std::tuple<eShowType, StringView, std::string> cases[] = {
+        {KV_Away, u"", "<show>away</show>"},
+        {KV_chat, u"", "<show>chat</show>"},
+        {KV_DND, u"<", "<show>dnd</show><status><</status>"},
+        {KV_ExtendedAway, u"", "<show></show>"},
+        {KV_None, u"s", "<show></show><status>s</status>"}};
     FakeLink link;
-    SendGroupChatPresence(link, u"r@c", GetParam().show, GetParam().status);
-    EXPECT_EQ(link.TakeSent(), GetParam().sent);
+    for (const auto& [show, status, content] : cases) {
+        SendGroupChatPresence(link, u"r@c", show, status);
+        EXPECT_EQ(link.TakeSent(), "<presence to='r@c'>" + content + "</presence>");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, RoomPresence,
-    ::testing::Values(
-        ShowCase{KV_Away, u"", "<presence to='r@c'><show>away</show></presence>"},
-        ShowCase{KV_chat, u"", "<presence to='r@c'><show>chat</show></presence>"},
-        ShowCase{KV_DND, u"<", "<presence to='r@c'><show>dnd</show><status><</status></presence>"},
-        ShowCase{KV_ExtendedAway, u"", "<presence to='r@c'><show></show></presence>"},
-        ShowCase{KV_None, u"s", "<presence to='r@c'><show></show><status>s</status></presence>"}));
 
 TEST(Rooms, ANewNicknameIsAskedForAndKept) {
     FakeLink link;
@@ -170,31 +161,19 @@ TEST_F(RoomReplies, AHandlerMayReplaceTheStanzaThatItIsGiven) {
     EXPECT_EQ(saboteur->items, 2);
 }
 
-struct AddressCase {
-    const char16_t* from;
-    const char16_t* room;
-    const char16_t* server;
-};
-
-class ConferenceAddress : public ::testing::TestWithParam<AddressCase> {};
-
-TEST_P(ConferenceAddress, IsSplitAtTheSign) {
-    auto log = std::make_shared<ServiceLog>();
-    FakeLink link(log);
-    HandleConference(link, StanzaOf(Concat({u"<iq type='result' from='", GetParam().from,
-                                            u"'><query><name>N</name><nick>me</nick></query></iq>"})));
-    EXPECT_EQ(log->room->JID(), GetParam().from);
-    EXPECT_EQ(log->room->ChatRoom(), GetParam().room);
-    EXPECT_EQ(log->room->Server(), GetParam().server);
-    EXPECT_EQ(log->room->RoomName() + log->room->NickName(), u"Nme");
-    EXPECT_FALSE(log->room->NeedPassword());
-}
-
-INSTANTIATE_TEST_SUITE_P(Forms, ConferenceAddress,
-                         ::testing::Values(AddressCase{u"r@c", u"r", u"c"}, AddressCase{u"c", u"", u"c"},
-                                           AddressCase{u"r@c/n@x", u"r", u"c"}, AddressCase{u"", u"", u""}));
-
-TEST_F(RoomReplies, ASecretMeansAPasswordAndOnlyResultsCount) {
+TEST_F(RoomReplies, AConferenceTellsOfARoomWhoseAddressIsSplitAtTheSign) {
+    const std::tuple<StringView, StringView, StringView> cases[] = {
+        {u"r@c", u"r", u"c"}, {u"c", u"", u"c"}, {u"r@c/n@x", u"r", u"c"}, {u"", u"", u""}};
+    for (const auto& [from, chatRoom, server] : cases) {
+        HandleConference(link, StanzaOf(Concat({u"<iq type='result' from='", from,
+                                                u"'><query><name>N</name><nick>me</nick></query></iq>"})));
+        EXPECT_EQ(log->room->JID(), from);
+        EXPECT_EQ(log->room->ChatRoom(), chatRoom);
+        EXPECT_EQ(log->room->Server(), server);
+        EXPECT_EQ(log->room->RoomName() + log->room->NickName(), u"Nme");
+        EXPECT_FALSE(log->room->NeedPassword());
+    }
+    log->Take();
     HandleConference(link, StanzaOf(u"<iq type='result' from='r@c'><query><secret/></query></iq>"));
     EXPECT_TRUE(log->room->NeedPassword());
     HandleConference(link, StanzaOf(u"<iq type='set' from='r@c'><query/></iq>"));

@@ -17,7 +17,8 @@ namespace quorix::tests {
 
 class ServiceLog : public SessionEvents {
 public:
-    std::vector<std::string> Take() { return std::exchange(lines_, {}); }
+    std::vector<std::string> lines;
+    std::vector<std::string> Take() { return std::exchange(lines, {}); }
 
     void OnAgentBegin() override { Write({u"AgentBegin"}); }
     void OnAgentItem(const std::shared_ptr<cAgentItem>& agent, const NodePtr& node) override {
@@ -83,9 +84,7 @@ public:
     std::shared_ptr<cGroupChat> room;
 
 private:
-    void Write(std::initializer_list<StringView> parts) { lines_.push_back(Utf8FromText(Concat(parts))); }
-
-    std::vector<std::string> lines_;
+    void Write(std::initializer_list<StringView> parts) { lines.push_back(Utf8FromText(Concat(parts))); }
 };
 
 using Lines = std::vector<std::string>;

@@ -13,6 +13,13 @@ TEST_F(SessionTest, TakesTheStreamIdAndDropsWhatFollowsTheHeader) {
     EXPECT_EQ(events->Count("OnMessage"), 0U);
 }
 
+TEST_F(SessionTest, TakesNoIdButTheHeadersOwn) {
+    session->Connect();
+    env.DoEvents();
+    Say("<stream:stream from='s'><stream:features id='other'/>");
+    EXPECT_EQ(session->SessionID(), u"");
+}
+
 // What arrives in these pieces is reported in these stanzas.
 struct Framing {
     const char* name;
@@ -43,6 +50,9 @@ INSTANTIATE_TEST_SUITE_P(
         Framing{"text between stanzas is passed on", {"<a/>x &amp; y<b/>"}, {"<a/>", "x &amp; y", "<b/>"}},
         Framing{"a lone text too", {"hello"}, {"hello"}},
         Framing{"a reference in pieces", {"a &am", "p; b"}, {"a &amp; b"}},
+        Framing{"a declaration waits for its element",
+                {"<?xml version='1.0'?>", "<a/>"},
+                {"<?xml version='1.0'?><a/>"}},
         Framing{"character data holds markup", {"<a><![CDATA[</a>]]", "></a>"}, {"<a><![CDATA[</a>]]></a>"}},
         Framing{"undeclared prefixes",
                 {"<stream:features><x/></stream:features>"},

@@ -89,7 +89,7 @@ TEST_F(SessionTest, ReconnectsEachIntervalAfterALoss) {
     EXPECT_EQ(env.RunningTimers(), 1U) << "the new socket's connect timer alone";
 }
 
-// A loss counts one, and so does each attempt: with 4 allowed, the loss leaves three attempts.
+// A loss counts one, and so does each attempt; the tick that finds the limit reached makes the last one.
 TEST_F(SessionTest, GivesUpWhenLossAndAttemptsTogetherReachTheLimit) {
     LogIn();
     session->ReconnectAttempts(4);
@@ -112,6 +112,7 @@ TEST_F(SessionTest, ArmsNoTimerWhenTheAttemptsAreUsedUp) {
 
 TEST_F(SessionTest, SendsWhiteSpaceEverySixtyFourSecondsOnceLoggedIn) {
     LogIn();
+    LogIn();  // a second login leaves one timer
     env.Advance(63999);
     EXPECT_EQ(Heard(), "");
     env.Advance(1);
@@ -131,6 +132,35 @@ TEST_F(SessionTest, TimersReachTheNewestSessionAndNoneThatHasEnded) {
     EXPECT_TRUE(events->lines.empty());
 }
 
+TEST_F(SessionTest, EndsWithItsTimersAlsoWhenAnotherSessionHasTakenItsPlace) {
+    LogIn();
+    env.Peer().Close();
+    env.DoEvents();
+    session = cSession::Create();
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+// At the end of the process, behind the thread's own data.
+TEST(Session, MayBeAStaticObject) {
+    static std::shared_ptr<cSession> session;
+    session = cSession::Create();
+    EXPECT_FALSE(session->IsConnected());
+}
+
+TEST_F(SessionTest, TicksNeverForAKeepAliveBelowOneAndEachTenMillisecondsForAReconnectOfZero) {
+    session->KeepAliveInterval(-1);
+    session->ReconnectInterval(0);
+    LogIn();
+    env.Advance(100000);
+    EXPECT_EQ(Heard(), "");
+    env.Peer().Close();
+    env.DoEvents();
+    env.Advance(9);
+    EXPECT_EQ(env.PeerCount(), 1U);
+    env.Advance(1);
+    EXPECT_EQ(env.PeerCount(), 2U);
+}
+
 TEST_F(SessionTest, ForgetsAStaleClosingTagWithTheConnection) {
     LogIn();
     Say("</stream:stream>");
@@ -142,15 +172,21 @@ TEST_F(SessionTest, ForgetsAStaleClosingTagWithTheConnection) {
 }
 
 TEST_F(SessionTest, DropsBytesOfAConnectionThatAHandlerHasClosed) {
-    LogIn();
-    events->hook = [&](const std::string& event) {
-        if (event == "OnIQ") session->Connect();
-    };
-    env.Peer().Say("<iq type='get' id='1'><query xmlns='x'/></iq>");
-    env.Peer().Say("<iq type='get' id='2'><query xmlns='x'/></iq>");
-    env.DoEvents();
-    EXPECT_EQ(events->incoming.size(), 1U);
-    EXPECT_EQ(session->SessionID(), u"s1") << "nothing was taken for the new stream's header";
+    for (bool arrived : {false, true}) {
+        LogIn();
+        events->hook = [&](const std::string& event) {
+            if (event != "OnIQ") return;
+            if (arrived) env.DoEvents();
+            session->Socket()->Disconnect();
+            session->Connect();
+        };
+        env.Peer().Say("<iq type='get' id='1'/>");
+        env.Peer().Say("<iq type='get' id='2'/>");
+        env.DoEvents();
+        EXPECT_EQ(events->incoming.size(), 1U) << arrived;
+        EXPECT_EQ(session->SessionID(), u"s1") << "nothing was taken for the new stream's header";
+        events->hook = nullptr;
+    }
 }
 
 TEST_F(SessionTest, FinishesTheChunkAfterAHandlerHasDisconnectedButNotAfterANewConnection) {
@@ -170,16 +206,58 @@ TEST_F(SessionTest, FinishesTheChunkAfterAHandlerHasDisconnectedButNotAfterANewC
     EXPECT_EQ(events->lines, Lines{"OnIQ"});
 }
 
+TEST_F(SessionTest, WhatArrivesWhileAHandlerSendsPresenceWaitsItsTurn) {
+    LogIn();
+    events->onMessage = [&](const std::shared_ptr<cMessage>& message) {
+        if (message->Body() != u"1") return;
+        env.Peer().Say("<message><body>3</body></message>");
+        session->SendPresence(u"a@b", KV_Available, u"");
+        events->lines.emplace_back("sent");
+    };
+    Say("<message><body>1</body></message><message><body>2</body></message>");
+    env.DoEvents();
+    EXPECT_EQ(events->lines, (Lines{"OnMessage 1", "sent", "OnMessage 2", "OnMessage 3"}));
+}
+
 TEST_F(SessionTest, LeavesTheReconnectDecisionToAHandlerThatHasConnected) {
+    for (const std::string where : {"OnError", "OnDisConnected"}) {
+        LogIn();
+        std::size_t peers = env.PeerCount() + 1;
+        events->hook = [&](const std::string& event) {
+            if (event == where) session->Connect();
+        };
+        Say("<stream:error>gone</stream:error>");
+        EXPECT_EQ(events->lines, (Lines{"OnError s 0 INVALID XML STREAM", "OnDisConnected"})) << where;
+        EXPECT_EQ(env.PeerCount(), peers) << where;
+        env.Advance(61000);
+        EXPECT_EQ(env.PeerCount(), peers) << "no reconnect timer was left running";
+        events->hook = nullptr;
+    }
+}
+
+TEST_F(SessionTest, ClosesWhatAHandlerOfTheClosingHasOpenedAndThenNoLongerWants) {
     LogIn();
     events->hook = [&](const std::string& event) {
-        if (event == "OnDisConnected") session->Connect();
+        if (event != "OnDisConnected") return;
+        session->Connect();
+        session->Disconnect();
     };
     env.Peer().Close();
     env.DoEvents();
-    EXPECT_EQ(env.PeerCount(), 2U);
-    env.Advance(61000);
-    EXPECT_EQ(env.PeerCount(), 2U) << "no reconnect timer was left running";
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    EXPECT_EQ(env.OpenSockets(), 0U);
+    EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, SaysGoodbyeToNoConnectionThatAHandlerHasBegunMeanwhile) {
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnOutgoingXML" && env.PeerCount() == 1) session->Connect();
+    };
+    session->Disconnect();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
+    EXPECT_EQ(Heard(), kHeader);
 }
 
 TEST_F(SessionTest, RaisesOneDisconnectionForADisconnectInsideIt) {
@@ -211,6 +289,19 @@ TEST_F(SessionTest, OutlivesTheLastReferenceUntilItsEntryEndsButRaisesNothingMor
     EXPECT_EQ(env.OpenSockets(), 0U);
     EXPECT_EQ(env.OpenWindows(), 0U);
     EXPECT_EQ(env.RunningTimers(), 0U);
+}
+
+TEST_F(SessionTest, SendsNoPasswordOnceNobodyHoldsIt) {
+    session->AuthType(KV_PlainAuth);
+    session->Connect();
+    env.DoEvents();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnIncomingXML") session.reset();
+    };
+    env.Peer().Say("<stream:stream id='s1'>");
+    env.DoEvents();
+    EXPECT_EQ(env.Peer().Heard(), kHeader);
+    EXPECT_EQ(events->outgoing, Lines{kHeader});
 }
 
 TEST_F(SessionTest, GoesOnAfterAHandlerHasThrown) {

@@ -1,4 +1,4 @@
-#include "quorix/services/Outermost.h"
+#include "quorix/xml/Outermost.h"
 
 namespace quorix {
 
