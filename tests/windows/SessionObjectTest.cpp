@@ -27,6 +27,7 @@ TEST(SessionObject, AnswersWhatCannotBeDoneWithItsError) {
         {"publishing no card", session.Try(kCall, L"UpdateVcard", {Nothing()}), S_OK},
         {"disconnecting twice", session.Try(kCall, L"Disconnect"), S_OK},
         {"joining no room", session.Try(kCall, L"SendGroupChatRequest", {Nothing(), Of(true)}), kErrors + 91},
+        {"contacts of no message", session.Try(kCall, L"ParseReceiveRoster", {Nothing()}), kErrors + 91},
         {"a namespace without a colon", session.Try(kCall, L"StorePrivateData", {Of(L"a"), Of(L"b")}),
          kErrors + 5},
         {"reading what was never set", session.Try(kGet, L"ProxyUseRemoteDNS"), kErrors + 13},
