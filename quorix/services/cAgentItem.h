@@ -81,7 +81,8 @@ public:
     AttribList& Attribs() { return attribs_; }
     const AttribList& Attribs() const { return attribs_; }
 
-    // The data form of the registration, without fields when there is none. Never null unless set so.
+    // The data form of the registration, without fields when there is none. Each reply appends its fields, so
+    // set a new one before asking again. Never null unless set so.
     const std::shared_ptr<cXData>& xData() const { return xData_; }
     void xData(std::shared_ptr<cXData> value) { xData_ = std::move(value); }
 
