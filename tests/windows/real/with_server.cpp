@@ -1,5 +1,4 @@
-// with_server KIND COMMAND [ARGUMENT...]: runs a command beside a real server on loopback, both on this
-// system.
+// with_server COMMAND [ARGUMENT...]: runs a command beside ejabberd on loopback, both on this system.
 //
 // In the arguments @port@ is the server's port, @tls@ its port for TLS, and @control@ one where the command
 // can send a line: "kill" ends the server without a word to its clients, "start" starts it again; the answer
@@ -114,16 +113,9 @@ pid_t Spawn(std::vector<std::string>& command) {
     return pid;
 }
 
-ServerKind KindNamed(const std::string& name) {
-    for (ServerKind kind : {ServerKind::ejabberd, ServerKind::prosody, ServerKind::jabberd2}) {
-        if (name == Name(kind)) return kind;
-    }
-    throw std::runtime_error("no such server: " + name);
-}
-
-int Run(ServerKind kind, std::vector<std::string> command) {
+int Run(std::vector<std::string> command) {
     const TemporaryCertificate certificate;
-    const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
+    const std::unique_ptr<RealServer> server = MakeServer(ServerKind::ejabberd, &certificate.Files());
     server->Start();
     const Control control;
     for (std::string& argument : command) {
@@ -142,15 +134,14 @@ int Run(ServerKind kind, std::vector<std::string> command) {
 
 int main(int count, char** values) {
     using namespace quorix::real;
-    if (count < 3) return 2;
+    if (count < 2) return 2;
     try {
-        const ServerKind kind = KindNamed(values[1]);
-        const std::string missing = WhyMissing(kind);
+        const std::string missing = WhyMissing(ServerKind::ejabberd);
         if (!missing.empty()) {
             std::printf("skipped: %s\n", missing.c_str());
             return std::getenv("CI") != nullptr ? 1 : 77;
         }
-        return Run(kind, std::vector<std::string>(values + 2, values + count));
+        return Run(std::vector<std::string>(values + 1, values + count));
     } catch (const std::exception& error) {
         std::printf("%s\n", error.what());
         return 1;
