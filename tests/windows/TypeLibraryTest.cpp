@@ -16,11 +16,12 @@ namespace {
 
 using windowstest::ForEachFunction;
 using windowstest::NameOf;
+using windowstest::Utf8;
 
 // One member in words, so that a difference reads well.
-std::string Signature(const std::wstring& name, WORD kind, unsigned parameters, unsigned optional) {
-    return std::string(name.begin(), name.end()) + " kind " + std::to_string(kind) + " parameters " +
-           std::to_string(parameters) + " optional " + std::to_string(optional);
+std::string Signature(const std::string& name, WORD kind, unsigned parameters, unsigned optional) {
+    return name + " kind " + std::to_string(kind) + " parameters " + std::to_string(parameters) +
+           " optional " + std::to_string(optional);
 }
 
 unsigned OptionalCount(const FUNCDESC& function) {
@@ -45,7 +46,7 @@ std::set<std::string> DeclaredIn(ITypeInfo& info) {
 std::set<std::string> BoundIn(const ClassTable& table) {
     std::set<std::string> all;
     for (const Member& member : table.Members()) {
-        all.insert(Signature(member.name, member.kind, member.arguments, member.optional));
+        all.insert(Signature(Utf8(member.name), member.kind, member.arguments, member.optional));
     }
     return all;
 }
@@ -53,7 +54,7 @@ std::set<std::string> BoundIn(const ClassTable& table) {
 TEST(TypeLibrary, DeclaresForEachClassExactlyTheMembersThatItsTableBinds) {
     const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
     for (const ClassTable* table : Classes()) {
-        SCOPED_TRACE(std::string(table->Name(), table->Name() + wcslen(table->Name())));
+        SCOPED_TRACE(Utf8(table->Name()));
         const Declaration declared = FindDeclaration(*library.Get(), table->Name());
         EXPECT_EQ(DeclaredIn(*declared.interfaceInfo.Get()), BoundIn(*table));
         EXPECT_EQ(BoundIn(*table).size(), table->Members().size()) << "a member stands twice in the table";
@@ -61,109 +62,58 @@ TEST(TypeLibrary, DeclaresForEachClassExactlyTheMembersThatItsTableBinds) {
     }
 }
 
-TEST(TypeLibrary, HasATableForEachClass) {
-    std::set<std::wstring> declared;
-    std::set<std::wstring> bound;
-    const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
-    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-        TYPEKIND kind = TKIND_MAX;
-        ComPtr<ITypeInfo> info;
-        library->GetTypeInfoType(i, &kind);
-        library->GetTypeInfo(i, &info);
-        if (kind == TKIND_COCLASS) declared.insert(NameOf(*info.Get(), MEMBERID_NIL));
-    }
-    for (const ClassTable* table : Classes()) bound.insert(table->Name());
-    EXPECT_EQ(declared, bound);
-}
-
-TEST(TypeLibrary, LetsClientsCreateExactlyTheClassesThatTheTablesCreate) {
-    const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
-    for (const ClassTable* table : Classes()) {
-        TYPEATTR* type = nullptr;
-        const Declaration declared = FindDeclaration(*library.Get(), table->Name());
-        declared.classInfo->GetTypeAttr(&type);
-        EXPECT_EQ((type->wTypeFlags & TYPEFLAG_FCANCREATE) != 0, static_cast<bool>(table->Create()))
-            << std::string(table->Name(), table->Name() + wcslen(table->Name()));
-        declared.classInfo->ReleaseTypeAttr(type);
-    }
-}
-
-using Constants = std::map<std::string, std::int32_t>;
-
-std::string Ascii(const std::wstring& text) { return {text.begin(), text.end()}; }
-
-std::map<std::string, Constants> DeclaredEnumerations() {
-    std::map<std::string, Constants> all;
+// Calls `visit` with each type of the library and what it is.
+template <class Visit>
+void ForEachType(Visit visit) {
     const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
     for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
         ComPtr<ITypeInfo> info;
         TYPEATTR* type = nullptr;
         library->GetTypeInfo(i, &info);
         info->GetTypeAttr(&type);
-        for (UINT v = 0; type->typekind == TKIND_ENUM && v < type->cVars; ++v) {
-            VARDESC* constant = nullptr;
-            info->GetVarDesc(v, &constant);
-            all[Ascii(NameOf(*info.Get(), MEMBERID_NIL))][Ascii(NameOf(*info.Get(), constant->memid))] =
-                constant->lpvarValue->lVal;
-            info->ReleaseVarDesc(constant);
-        }
+        visit(*info.Get(), static_cast<const TYPEATTR&>(*type));
         info->ReleaseTypeAttr(type);
     }
-    return all;
+}
+
+TEST(TypeLibrary, HasATableForEachClassAndCreatesTheSameOnes) {
+    std::map<std::string, bool> declared;
+    std::map<std::string, bool> bound;
+    ForEachType([&](ITypeInfo& info, const TYPEATTR& type) {
+        if (type.typekind != TKIND_COCLASS) return;
+        declared[NameOf(info, MEMBERID_NIL)] = (type.wTypeFlags & TYPEFLAG_FCANCREATE) != 0;
+    });
+    for (const ClassTable* table : Classes()) bound[Utf8(table->Name())] = static_cast<bool>(table->Create());
+    EXPECT_EQ(declared, bound);
 }
 
 TEST(TypeLibrary, DeclaresTheEnumerationsWithTheLibrarysOwnValues) {
-    std::map<std::string, Constants> expected;
-#define QUORIX_CONSTANT(enumeration, name) expected[#enumeration][#name] = enumeration::name
-    QUORIX_CONSTANT(eAuthType, KV_AutoAuth);
-    QUORIX_CONSTANT(eAuthType, KV_ZeroKAuth);
-    QUORIX_CONSTANT(eAuthType, KV_DigestAuth);
-    QUORIX_CONSTANT(eAuthType, KV_PlainAuth);
-    QUORIX_CONSTANT(eProxyType, KV_NoProxy);
-    QUORIX_CONSTANT(eProxyType, KV_HTTPProxy);
-    QUORIX_CONSTANT(eProxyType, KV_SOCKS4Proxy);
-    QUORIX_CONSTANT(eProxyType, KV_SOCKS5Proxy);
-    QUORIX_CONSTANT(eProxy_Authentication, KV_SocksNoAuth);
-    QUORIX_CONSTANT(eProxy_Authentication, KV_SocksUserPass);
-    QUORIX_CONSTANT(sockType, sockClosed);
-    QUORIX_CONSTANT(sockType, sockListening);
-    QUORIX_CONSTANT(sockType, sockConnecting);
-    QUORIX_CONSTANT(sockType, sockConnected);
-    QUORIX_CONSTANT(eSubType, KV_Available);
-    QUORIX_CONSTANT(eSubType, KV_UnAvailable);
-    QUORIX_CONSTANT(eSubType, KV_Subscribe);
-    QUORIX_CONSTANT(eSubType, KV_UnSubscribe);
-    QUORIX_CONSTANT(eSubType, KV_Subscribe_Accept);
-    QUORIX_CONSTANT(eSubType, KV_Subscribe_Deny);
-    QUORIX_CONSTANT(eSubType, KV_Invisible);
-    QUORIX_CONSTANT(eShowType, KV_None);
-    QUORIX_CONSTANT(eShowType, KV_chat);
-    QUORIX_CONSTANT(eShowType, KV_Away);
-    QUORIX_CONSTANT(eShowType, KV_ExtendedAway);
-    QUORIX_CONSTANT(eShowType, KV_DND);
-    QUORIX_CONSTANT(eSubscriptionType, KV_Empty);
-    QUORIX_CONSTANT(eSubscriptionType, KV_To);
-    QUORIX_CONSTANT(eSubscriptionType, KV_From);
-    QUORIX_CONSTANT(eSubscriptionType, KV_Both);
-    QUORIX_CONSTANT(eSubscriptionType, KV_Remove);
-    QUORIX_CONSTANT(eMsgType, MSG_Normal);
-    QUORIX_CONSTANT(eMsgType, MSG_Chat);
-    QUORIX_CONSTANT(eMsgType, MSG_Headline);
-    QUORIX_CONSTANT(eMsgType, MSG_GroupChat);
-    QUORIX_CONSTANT(eMsgType, MSG_UnKnown);
-    QUORIX_CONSTANT(eEvent, KV_Offline);
-    QUORIX_CONSTANT(eEvent, KV_Composing);
-    QUORIX_CONSTANT(eEvent, KV_Displayed);
-    QUORIX_CONSTANT(eEvent, KV_Delivered);
-    QUORIX_CONSTANT(eEvent, KV_Cancelled);
-    QUORIX_CONSTANT(eItemType, KV_RosterItem);
-    QUORIX_CONSTANT(eItemType, KV_AgentItem);
-    QUORIX_CONSTANT(eItemType, KV_GroupChatItem);
-    QUORIX_CONSTANT(eItemType, KV_Unknown);
-    QUORIX_CONSTANT(eServerType, KV_Public);
-    QUORIX_CONSTANT(eServerType, KV_Private);
-#undef QUORIX_CONSTANT
-    EXPECT_EQ(DeclaredEnumerations(), expected);
+    using Values = std::map<std::string, std::vector<std::int32_t>>;
+    const Values expected = {
+        {"eAuthType", {KV_AutoAuth, KV_ZeroKAuth, KV_DigestAuth, KV_PlainAuth}},
+        {"eProxyType", {KV_NoProxy, KV_HTTPProxy, KV_SOCKS4Proxy, KV_SOCKS5Proxy}},
+        {"eProxy_Authentication", {KV_SocksNoAuth, KV_SocksUserPass}},
+        {"sockType", {sockClosed, sockListening, sockConnecting, sockConnected}},
+        {"eSubType",
+         {KV_Available, KV_UnAvailable, KV_Subscribe, KV_UnSubscribe, KV_Subscribe_Accept, KV_Subscribe_Deny,
+          KV_Invisible}},
+        {"eShowType", {KV_None, KV_chat, KV_Away, KV_ExtendedAway, KV_DND}},
+        {"eSubscriptionType", {KV_Empty, KV_To, KV_From, KV_Both, KV_Remove}},
+        {"eMsgType", {MSG_Normal, MSG_Chat, MSG_Headline, MSG_GroupChat, MSG_UnKnown}},
+        {"eEvent", {KV_Offline, KV_Composing, KV_Displayed, KV_Delivered, KV_Cancelled}},
+        {"eItemType", {KV_RosterItem, KV_AgentItem, KV_GroupChatItem, KV_Unknown}},
+        {"eServerType", {KV_Public, KV_Private}},
+    };
+    Values declared;
+    ForEachType([&](ITypeInfo& info, const TYPEATTR& type) {
+        for (UINT v = 0; type.typekind == TKIND_ENUM && v < type.cVars; ++v) {
+            VARDESC* constant = nullptr;
+            info.GetVarDesc(v, &constant);
+            declared[NameOf(info, MEMBERID_NIL)].push_back(constant->lpvarValue->lVal);
+            info.ReleaseVarDesc(constant);
+        }
+    });
+    EXPECT_EQ(declared, expected);
 }
 
 }  // namespace

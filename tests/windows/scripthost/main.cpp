@@ -1,34 +1,25 @@
-// scripthost SCRIPT [ARGUMENT...]: runs a .vbs or .js file.
+// scripthost SCRIPT [ARGUMENT...]: runs a .vbs or .js file, and connects events as the system's own host
+// does.
 //
 // The exit code is the script's own (WScript.Quit), 2 when an error ended it or one of its event handlers.
+#include <activscp.h>
+
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
-#include "tests/windows/scripthost/Host.h"
-
-std::atomic<long>& quorix::automation::LoadCount() {
-    static std::atomic<long> count{0};
-    return count;
-}
+#include "quorix/base/WireText.h"
+#include "tests/windows/scripthost/WScript.h"
 
 namespace scripthost {
-
-void Print(const std::wstring& text) {
-    std::string bytes(text.size() * 3, '\0');
-    bytes.resize(static_cast<std::size_t>(
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
-                            static_cast<int>(bytes.size()), nullptr, nullptr)));
-    fwrite(bytes.data(), 1, bytes.size(), stdout);
-    fflush(stdout);
-}
-
 namespace {
 
-class Site : public Unknown<IActiveScriptSite> {
+using quorix::automation::Adopt;
+
+class Site : public quorix::automation::Unknown<IActiveScriptSite> {
 public:
     explicit Site(ComPtr<WScript> host) : host_(std::move(host)) {}
-    bool Failed() const { return failed_; }
 
     STDMETHODIMP GetLCID(LCID*) override { return E_NOTIMPL; }
     STDMETHODIMP GetItemInfo(LPCOLESTR, DWORD wanted, IUnknown** item, ITypeInfo** type) override {
@@ -43,76 +34,58 @@ public:
     STDMETHODIMP OnLeaveScript() override { return S_OK; }
 
     STDMETHODIMP OnScriptError(IActiveScriptError* error) override {
-        if (host_->HasQuit()) return S_OK;
-        failed_ = true;
         EXCEPINFO what = {};
         DWORD context = 0;
         ULONG line = 0;
         LONG column = 0;
         error->GetSourcePosition(&context, &line, &column);
         error->GetExceptionInfo(&what);
-        wchar_t code[16];
-        swprintf(code, 16, L"%08lX", static_cast<unsigned long>(what.scode));
-        Print(L"script error in line " + std::to_wstring(line + 1) + L": " + code + L" " +
-              (what.bstrDescription != nullptr ? what.bstrDescription : L"") + L"\n");
+        ReportError("line " + std::to_string(line + 1), what);
         return S_OK;
     }
 
 private:
     ComPtr<WScript> host_;
-    bool failed_ = false;
 };
 
-std::wstring ReadFile(const wchar_t* path) {
-    std::ifstream file(std::string(path, path + wcslen(path)), std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-    std::wstring text(bytes.size(), L'\0');
-    text.resize(
-        static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()),
-                                                     text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-bool Ends(const std::wstring& text, const std::wstring& end) {
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
-int Run(const wchar_t* path, std::vector<std::wstring> arguments) {
-    const std::wstring text = ReadFile(path);
+int Run(const std::string& path, std::vector<std::wstring> arguments) {
+    std::ifstream file(path, std::ios::binary);
+    const quorix::String text = quorix::TextFromUtf8(std::string((std::istreambuf_iterator<char>(file)), {}));
     CLSID language;
     ComPtr<IActiveScript> engine;
     ComPtr<IActiveScriptParse> parser;
-    if (text.empty() || FAILED(CLSIDFromProgID(Ends(path, L".js") ? L"JScript" : L"VBScript", &language)) ||
+    if (text.empty() ||
+        FAILED(CLSIDFromProgID(path.ends_with(".js") ? L"JScript" : L"VBScript", &language)) ||
         FAILED(CoCreateInstance(language, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&engine))) ||
         FAILED(engine.As(&parser))) {
-        Print(L"cannot run the script\n");
+        printf("cannot run the script\n");
         return 2;
     }
-    const ComPtr<WScript> host = Adopt<WScript>(new WScript(std::move(arguments)));
-    const ComPtr<Site> site = Adopt<Site>(new Site(host));
+    const ComPtr<WScript> host = Adopt(new WScript(std::move(arguments)));
+    const ComPtr<Site> site = Adopt(new Site(host));
     engine->SetScriptSite(site.Get());
     parser->InitNew();
     engine->AddNamedItem(L"WScript", SCRIPTITEM_ISVISIBLE);
     ComPtr<IDispatch> script;
     engine->GetScriptDispatch(nullptr, &script);
-    host->Script(script);
+    host->Script(std::move(script));
     engine->SetScriptState(SCRIPTSTATE_CONNECTED);
-    const HRESULT outcome = parser->ParseScriptText(text.c_str(), nullptr, nullptr, nullptr, 0, 0,
-                                                    SCRIPTTEXT_ISVISIBLE, nullptr, nullptr);
+    const HRESULT outcome = parser->ParseScriptText(quorix::automation::Wide(text.c_str()), nullptr, nullptr,
+                                                    nullptr, 0, 0, SCRIPTTEXT_ISVISIBLE, nullptr, nullptr);
     host->DisconnectAll();
-    script.Reset();
     engine->Close();
-    if (site->Failed() || HandlerFailed() || (FAILED(outcome) && !host->HasQuit())) return 2;
-    return host->ExitCode();
+    return HasFailed() || FAILED(outcome) ? 2 : host->ExitCode();
 }
 
 }  // namespace
 }  // namespace scripthost
 
-int wmain(int count, wchar_t** values) {
+int main(int count, char** values) {
     if (count < 2) return 2;
+    std::vector<std::wstring> arguments;
+    for (int i = 2; i < count; ++i) arguments.emplace_back(values[i], values[i] + strlen(values[i]));
     CoInitialize(nullptr);
-    const int code = scripthost::Run(values[1], std::vector<std::wstring>(values + 2, values + count));
+    const int code = scripthost::Run(values[1], std::move(arguments));
     CoUninitialize();
     return code;
 }

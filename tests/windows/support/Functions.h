@@ -5,14 +5,16 @@
 
 #include <string>
 
+#include "tests/windows/support/Late.h"
+
 namespace windowstest {
 
-inline std::wstring NameOf(ITypeInfo& info, MEMBERID id) {
-    BSTR name = nullptr;
-    info.GetDocumentation(id, &name, nullptr, nullptr, nullptr);
-    std::wstring out = name != nullptr ? name : L"";
-    SysFreeString(name);
-    return out;
+// The name of a member, or with MEMBERID_NIL that of the type.
+inline std::string NameOf(ITypeInfo& info, MEMBERID id) {
+    Variant name;
+    info.GetDocumentation(id, &name.bstrVal, nullptr, nullptr, nullptr);
+    name.vt = VT_BSTR;
+    return Words(name);
 }
 
 // The members of IDispatch itself are listed among those of a dispatch interface, under numbers of their own.

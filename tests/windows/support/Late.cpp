@@ -11,8 +11,6 @@ using namespace quorix::automation;
 
 namespace {
 
-std::string Utf8(const wchar_t* text) { return quorix::Utf8FromText(Narrow(text)); }
-
 void Require(const Answer& answer, const wchar_t* name) {
     if (SUCCEEDED(answer.code)) return;
     char code[32];
@@ -22,6 +20,12 @@ void Require(const Answer& answer, const wchar_t* name) {
 }
 
 }  // namespace
+
+std::string Utf8(const wchar_t* text) { return quorix::Utf8FromText(Narrow(text)); }
+std::wstring WideOf(const VARIANT& value) {
+    const Variant text = Coerce(value, VT_BSTR);
+    return {text.bstrVal, SysStringLen(text.bstrVal)};
+}
 
 Variant Of(const wchar_t* text) { return StringVariant(Narrow(text)); }
 Variant Of(int number) { return Int32Variant(number); }
@@ -44,7 +48,7 @@ std::string Words(const VARIANT& value) {
     if (direct.vt == VT_NULL) return "Null";
     if (direct.vt == VT_DISPATCH || direct.vt == VT_UNKNOWN) return direct.punkVal ? "Object" : "Nothing";
     if (direct.vt == (VT_ARRAY | VT_UI1)) return BytesOf(direct);
-    return Utf8(Coerce(direct, VT_BSTR).bstrVal);
+    return Utf8(WideOf(direct).c_str());
 }
 
 Late::Late(const VARIANT& object) {

@@ -7,6 +7,7 @@
 
 #include "quorix/automation/TypeLibrary.h"
 #include "quorix/automation/Unknown.h"
+#include "tests/windows/support/Pump.h"
 
 namespace windowstest {
 
@@ -28,6 +29,9 @@ struct Answer {
     std::wstring text;
     unsigned badArgument = ~0U;
 };
+
+std::string Utf8(const wchar_t* text);
+std::wstring WideOf(const VARIANT& value);  // as a text
 
 // The value in words, for comparing: texts as they are, numbers in decimal, "True", "Nothing", "Object".
 std::string Words(const VARIANT& value);
@@ -64,21 +68,5 @@ public:
 private:
     ComPtr<IDispatch> object_;
 };
-
-// How long anything may take on a machine that is busy with other things, in milliseconds.
-inline constexpr int kPatience = 60000;
-
-// Delivers messages until `done`, or until that takes too long; tells whether `done` came.
-template <class Done>
-bool PumpUntil(Done done) {
-    const ULONGLONG end = GetTickCount64() + kPatience;
-    while (!done()) {
-        if (GetTickCount64() > end) return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-    }
-    return true;
-}
 
 }  // namespace windowstest

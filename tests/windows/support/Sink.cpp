@@ -18,7 +18,7 @@ HRESULT Sink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARI
         values[id].emplace_back(parameters->rgvarg[i]);
     }
     const auto action = at.find(id);
-    return action != at.end() ? action->second() : S_OK;
+    return action != at.end() ? action->second(*parameters) : S_OK;
 }
 
 GUID DefaultEventsOf(const Late& source) {
@@ -29,6 +29,19 @@ GUID DefaultEventsOf(const Late& source) {
         throw std::runtime_error("no default events");
     }
     return id;
+}
+
+ComPtr<ITypeInfo> DefaultEventsInfoOf(const Late& source) {
+    ComPtr<IProvideClassInfo2> provider;
+    ComPtr<ITypeInfo> coclass, events;
+    ComPtr<ITypeLib> library;
+    UINT index = 0;
+    if (FAILED(source->QueryInterface(IID_PPV_ARGS(&provider))) || FAILED(provider->GetClassInfo(&coclass)) ||
+        FAILED(coclass->GetContainingTypeLib(&library, &index)) ||
+        FAILED(library->GetTypeInfoOfGuid(DefaultEventsOf(source), &events))) {
+        throw std::runtime_error("the events are not described");
+    }
+    return events;
 }
 
 ComPtr<IConnectionPoint> ConnectionPointOf(const Late& source) {

@@ -1,10 +1,11 @@
-// An event sink that writes down what it is told.
+// An event sink that writes down what it is told, and its connection.
 #pragma once
 
 #include <ocidl.h>
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,36 +13,41 @@
 
 namespace windowstest {
 
-class Sink : public quorix::automation::Unknown<IDispatch> {
+// An object that others call and that describes nothing.
+class Called : public quorix::automation::Unknown<IDispatch> {
 public:
-    // Knows IDispatch only, as a script's sink; or, with `eventsId`, the event interface itself.
-    explicit Sink(const GUID& eventsId = GUID_NULL) : eventsId_(eventsId) {}
-
-    // The events so far: their numbers, and for each the last arguments in words and their types.
-    std::vector<DISPID> events;
-    std::map<DISPID, std::vector<std::string>> arguments;
-    std::map<DISPID, std::vector<VARTYPE>> types;
-    std::map<DISPID, std::vector<Variant>> values;
-
-    // Done at that event; its result is the sink's answer.
-    std::map<DISPID, std::function<HRESULT()>> at;
-    DWORD thread = 0;
-
-    bool Saw(DISPID event) const { return arguments.find(event) != arguments.end(); }
-
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
     }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+};
+
+class Sink : public Called {
+public:
+    // Knows IDispatch only, as a script's sink; or, with `eventsId`, the event interface itself.
+    explicit Sink(const GUID& eventsId = GUID_NULL) : eventsId_(eventsId) {}
+
+    // The events so far: their numbers, and for each the last arguments, in words too, and their types.
+    std::vector<DISPID> events;
+    std::map<DISPID, std::vector<std::string>> arguments;
+    std::map<DISPID, std::vector<VARTYPE>> types;
+    std::map<DISPID, std::vector<Variant>> values;
+
+    // Done at that event, with what the source passed; its result is the sink's answer.
+    std::map<DISPID, std::function<HRESULT(DISPPARAMS&)>> at;
+    DWORD thread = 0;
+
+    bool Saw(DISPID event) const { return arguments.find(event) != arguments.end(); }
+
     STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                         UINT*) override;
 
 protected:
     void* Interface(REFIID id) override {
         return !IsEqualIID(eventsId_, GUID_NULL) && IsEqualIID(id, eventsId_) ? static_cast<IDispatch*>(this)
-                                                                              : Unknown::Interface(id);
+                                                                              : Called::Interface(id);
     }
 
 private:
@@ -65,7 +71,9 @@ private:
     DWORD cookie_ = 0;
 };
 
+// The events that the class of `source` declares as its default: their id, description and connection point.
 GUID DefaultEventsOf(const Late& source);
+ComPtr<ITypeInfo> DefaultEventsInfoOf(const Late& source);
 ComPtr<IConnectionPoint> ConnectionPointOf(const Late& source);
 
 }  // namespace windowstest
