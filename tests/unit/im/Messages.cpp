@@ -41,26 +41,20 @@ TEST_F(MessageTest, GoesOutAsItStands) {
     EXPECT_EQ(ErrorOf([&] { message->SendMessage(); }), ERR_ObjectNotSet);
 }
 
-TEST_F(MessageTest, ReadsItsTypeByName) {
-    const std::pair<StringView, eMsgType> cases[] = {
-        {u"normal", MSG_Normal},       {u"", MSG_Normal},       {u"chat", MSG_Chat},
-        {u"headline", MSG_Headline},   {u"error", MSG_UnKnown}, {u"Chat", MSG_UnKnown},
-        {u"groupchat", MSG_GroupChat},
-    };
-    for (const auto& [name, type] : cases)
-        EXPECT_EQ(Read(u"", Concat({u"type='", name, u"'"})).MSG_Type(), type) << Utf8FromText(name);
-    EXPECT_EQ(Read(u"").MSG_Type(), MSG_Normal);
-}
-
-TEST_F(MessageTest, ReadsItsSenderWithALowerCaseAddressAndAlwaysASlash) {
-    const std::pair<StringView, StringView> cases[] = {
-        {u"ANN@B.ORG", u"ann@b.org/"}, {u"Ann@b/Home/X", u"ann@b/Home/X"}, {u"/", u"/"}, {u"", u"/"}};
-    for (const auto& [from, read] : cases) {
-        auto message = New();
-        message->FromJid(from);
-        EXPECT_EQ(message->FromJid(), read);
+TEST_F(MessageTest, ReadsItsTypeByNameAndItsSenderWithALowerCaseAddressAndAlwaysASlash) {
+    const std::tuple<StringView, eMsgType, StringView> cases[] = {
+        {u"", MSG_Normal, u"/"},
+        {u"type='' from=''", MSG_Normal, u"/"},
+        {u"type='normal' from='/'", MSG_Normal, u"/"},
+        {u"type='chat' from='ANN@B.ORG'", MSG_Chat, u"ann@b.org/"},
+        {u"type='headline' from='Ann@b/Home/X'", MSG_Headline, u"ann@b/Home/X"},
+        {u"type='groupchat'", MSG_GroupChat, u"/"},
+        {u"type='Chat'", MSG_UnKnown, u"/"}};
+    for (const auto& [attributes, type, from] : cases) {
+        cMessage message = Read(u"<x from='deeper@b' type='chat'/>", attributes);
+        EXPECT_EQ(message.MSG_Type(), type) << Utf8FromText(attributes);
+        EXPECT_EQ(message.FromJid(), from);
     }
-    EXPECT_EQ(Read(u"<x from='deeper@b'/>").FromJid(), u"/");
 }
 
 TEST_F(MessageTest, EncodesItsTextsAndReadsThemBack) {
@@ -132,9 +126,7 @@ TEST_F(MessageTest, HidesCriticalMarkupWhileTheFilterIsOn) {
         message.FilterCriticalXHTML(false);
         EXPECT_NE(message.XHTML(), u"") << Utf8FromText(critical);
     }
-    // What the list does not name passes.
-    for (StringView passing : {u"<h:script>x</h:script>", u"<a onclick=\"x\">y</a>", u"<embed/>"})
-        EXPECT_EQ(read(passing).XHTML(), passing);
+    EXPECT_EQ(read(u"<embed/>").XHTML(), u"<embed/>") << "what the list does not name passes";
 }
 
 TEST_F(MessageTest, ReadsExtensionsFromTheirOwnNamespace) {

@@ -172,9 +172,6 @@ TEST_F(RosterTest, ContactsInsideAMessageAreReportedAsTheyCameAndNotKept) {
     EXPECT_EQ(roster.Count(), 0);
     auto item = events->received.front();
     EXPECT_EQ(ErrorOf([&] { item->Add(); }), ERR_ObjectNotSet);
-    item->SetSession(session);
-    item->Add();
-    EXPECT_NE(Heard(), "");
 }
 
 }  // namespace

@@ -23,8 +23,8 @@ protected:
 
 TEST_F(AgentsTest, AListNamesEachAgentAndWhatItCan) {
     auto jud = Jud();
-    EXPECT_EQ(jud->Service(), u"jud");
-    EXPECT_TRUE(jud->CanSearch() && jud->CanRegister() && !jud->IsTransport() && !jud->IsGroupChat());
+    EXPECT_TRUE(jud->Service() == u"jud" && jud->CanSearch() && jud->CanRegister() && !jud->IsTransport() &&
+                !jud->IsGroupChat());
     auto icq = session->Agents().Item(u"ICQ");
     EXPECT_TRUE(icq->IsTransport() && icq->IsGroupChat() && !icq->CanSearch() && !icq->CanRegister());
     EXPECT_EQ(session->FindAgent(u"Icq.s"), 2);

@@ -5,13 +5,8 @@ namespace {
 
 class SearchTest : public LoggedIn {
 protected:
-    // What a reply with this content raises, but for the last event, which ends every iq.
     Lines Reply(const std::string& content) {
-        Lines lines =
-            Raised("<iq type='result'><query xmlns='jabber:iq:search'>" + content + "</query></iq>");
-        EXPECT_EQ(lines.back(), "OnIQ");
-        lines.pop_back();
-        return lines;
+        return Raised("<iq type='result'><query xmlns='jabber:iq:search'>" + content + "</query></iq>");
     }
     static std::string Fields(const cSearchFields& fields) {
         String text;
@@ -23,12 +18,12 @@ protected:
 
 TEST_F(SearchTest, EveryReplyEmptiesTheFieldsAndFillsThemWithItsChildren) {
     EXPECT_EQ(Reply("\n <instructions>Fill in</instructions>\n <nick/><deep><inner/></deep><key>k</key>"),
-              Lines{"OnSearchFields 4"});
+              (Lines{"OnSearchFields 4", "OnIQ"}));
     EXPECT_EQ(Fields(*session->SearchFields()), "instructions=Fill in;nick=;deep=;key=k;");
     Say("<iq type='error'><query xmlns='jabber:iq:search'><instructions>I</instructions></query></iq>");
     EXPECT_EQ(session->SearchFields()->Count(), 4);
     events->Take();
-    EXPECT_EQ(Reply("<nick/>"), Lines{});
+    EXPECT_EQ(Reply("<nick/>"), Lines{"OnIQ"});
     EXPECT_EQ(session->SearchFields()->Count(), 0);
 }
 
@@ -38,7 +33,7 @@ TEST_F(SearchTest, ADataFormGoesToASearchFormThatIsNewEachTime) {
                     "<field type='list-single' label='Sex' var='sex'><required/><value>m</value>"
                     "<value>f</value><option label='Man'><value>m</value></option>"
                     "<option><value>f</value></option><option label='?'/></field><field/></x>"),
-              Lines{"OnSearchFields 0"});
+              (Lines{"OnSearchFields 0", "OnIQ"}));
     auto form = session->SearchXData();
     EXPECT_NE(form, former);
     EXPECT_EQ(form->Title() + form->Instructions(), u"TI");
@@ -50,7 +45,6 @@ TEST_F(SearchTest, ADataFormGoesToASearchFormThatIsNewEachTime) {
     ASSERT_EQ(field->Options().Count(), 3);
     EXPECT_EQ(field->Options().Item(1)->Label(), u"Man");
     EXPECT_EQ(field->Options().Item(2)->Value(), u"f");
-    EXPECT_EQ(field->Options().Item(3)->Value(), u"");
     EXPECT_FALSE(form->Fields().Item(2)->Required());
     Reply("<instructions>2</instructions>");
     EXPECT_EQ(form->Fields().Count(), 2);
@@ -60,7 +54,7 @@ TEST_F(SearchTest, ADataFormGoesToASearchFormThatIsNewEachTime) {
 TEST_F(SearchTest, PlainHitsAreDecodedAndThoseOfADataFormStayAsReceived) {
     EXPECT_EQ(Reply("<item jid='a@b'><first>Jörg</first><iq>-</iq><query>-</query></item>"
                     "<item><last>&amp;lt;</last></item>"),
-              Lines{"OnSearchResults 2"});
+              (Lines{"OnSearchResults 2", "OnIQ"}));
     EXPECT_EQ(Hit(1)->SearchItem(), u"a@b");
     EXPECT_EQ(Fields(*Hit(1)->Fields()), "first=Jörg;");
     EXPECT_EQ(Hit(2)->SearchItem(), u"");
@@ -69,7 +63,7 @@ TEST_F(SearchTest, PlainHitsAreDecodedAndThoseOfADataFormStayAsReceived) {
                     "<item><field var='fn'><value>ö</value></field>"
                     "<field var='jid'><value>a@b</value></field><field/></item>"
                     "<item><field var='fn'/></item></x>"),
-              Lines{"OnSearchResults 2"});
+              (Lines{"OnSearchResults 2", "OnIQ"}));
     EXPECT_EQ(Hit(1)->SearchItem(), u"a@b");
     EXPECT_EQ(Fields(*Hit(1)->Fields()), "fn=\xc3\x83\xc2\xb6;=;");
     EXPECT_EQ(Hit(2)->SearchItem(), u"");
@@ -89,14 +83,14 @@ TEST_F(SearchTest, ResultsThatAnApplicationKeptStayUntilTheConnectionEnds) {
 TEST_F(SearchTest, HitsInThousandsOrInsideHitsAreAllThereAndDoNotMultiplyTheirText) {
     std::string open, close, items;
     for (int i = 0; i < 5000; ++i) items += "<item><a>x</a></item>";
-    EXPECT_EQ(Reply(items), Lines{"OnSearchResults 5000"});
+    EXPECT_EQ(Reply(items), (Lines{"OnSearchResults 5000", "OnIQ"}));
     for (int i = 0; i < 400; ++i) {
         open += "<item><a>";
         close += "</a></item>";
     }
     EXPECT_EQ(Reply("<x><item><b>1</b></item></x>" + open + std::string(1000, 'x') + close +
                     "<y><item><b>2</b></item></y>"),
-              Lines{"OnSearchResults 3"});
+              (Lines{"OnSearchResults 3", "OnIQ"}));
     EXPECT_EQ(Hit(2)->Fields()->Item(1)->FieldData().size(), 1000U);
 }
 

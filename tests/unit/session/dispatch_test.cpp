@@ -115,18 +115,6 @@ TEST_F(SessionTest, LogsInAtOnceWhenPlainIsAskedFor) {
         Heard().ends_with("<username>u</username><password>p</password><resource>r</resource></query></iq>"));
 }
 
-TEST_F(SessionTest, TakesTheOffersOfEachFieldsReplyAnew) {
-    OpenStream();
-    Say("<iq type='result'><query xmlns='jabber:iq:auth'><digest/><sequence>12</sequence><token>t</token>"
-        "</query></iq>");
-    EXPECT_EQ(session->Sequence(), 12);
-    EXPECT_EQ(session->Token(), u"t");
-    Say("<iq type='result'><query xmlns='jabber:iq:auth'><sequence>70000</sequence></query></iq>");
-    EXPECT_FALSE(session->digest());
-    EXPECT_EQ(session->Sequence(), 0);
-    EXPECT_EQ(session->Token(), u"");
-}
-
 struct Reply {
     const char* stanza;
     bool active;
