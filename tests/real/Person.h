@@ -2,7 +2,6 @@
 #pragma once
 
 #include "tests/real/Client.h"
-#include "tests/unit/im/EventLog.h"
 
 namespace quorix::real {
 
@@ -44,7 +43,8 @@ public:
     }
 
     const String jid;
-    const std::shared_ptr<test::EventLog> log = std::make_shared<test::EventLog>();
+    // What has not been seen yet; Events() keeps everything.
+    const std::shared_ptr<EventRecorder> log = std::make_shared<EventRecorder>();
 
 private:
     // jabberd2 names a session after the number of its socket, and ends a new one now and then when it means

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "tests/real/Person.h"
-#include "tests/unit/services/ServiceLog.h"
 
 namespace quorix::real {
 namespace {
@@ -13,13 +12,10 @@ using ::testing::ContainsRegex;
 
 class User : public Person {
 public:
-    User(const RealServer& server, StringView name) : Person(server, name, u"home") {
-        (*this)->Advise(services);
-    }
+    User(const RealServer& server, StringView name) : Person(server, name, u"home") {}
 
-    // An event of the services that begins so.
     bool Told(const std::string& start) const {
-        return Await([&] { return Find(services->lines, start) != services->lines.end(); });
+        return Await([&] { return HasSeen(start); });
     }
     bool Hears(const std::string& part) const {
         return Await([&] {
@@ -28,8 +24,6 @@ public:
         });
     }
     String FullJid() const { return jid + u"/home"; }
-
-    const std::shared_ptr<tests::ServiceLog> services = std::make_shared<tests::ServiceLog>();
 };
 
 class Services : public RealServerTest {
@@ -75,14 +69,14 @@ TEST_P(Services, TellVersionTimeAndLastActivity) {
     User user(Server(), u"curious");
     ASSERT_TRUE(user.Join());
     user->SendVersionRequest(u"localhost");
-    EXPECT_TRUE(user.Told("VersionResult localhost "));
+    EXPECT_TRUE(user.Told("OnVersionResult localhost "));
     // Prosody knows it of accounts, the others of themselves; and it alone tells the time in the old way.
     bool isProsody = GetParam() == ServerKind::prosody;
     user->SendLastSeenRequest(isProsody ? user.jid : String(u"localhost"));
-    EXPECT_TRUE(user.Told("LastSeenResult iq "));
+    EXPECT_TRUE(user.Told("OnLastSeenResult iq "));
     std::size_t errors = user.Events().Count("OnIQError");
     user->SendTimeRequest(u"localhost");
-    EXPECT_TRUE(isProsody ? user.Told("TimeResult localhost ") : user.AwaitEvent("OnIQError", errors + 1));
+    EXPECT_TRUE(isProsody ? user.Told("OnTimeResult localhost ") : user.AwaitEvent("OnIQError", errors + 1));
 }
 
 TEST_P(Services, CarryQuestionsAndOffersBetweenClients) {
@@ -91,14 +85,14 @@ TEST_P(Services, CarryQuestionsAndOffersBetweenClients) {
     ASSERT_TRUE(asker.Join() && asked.Join());
 
     asker->SendVersionRequest(asked.FullJid());
-    ASSERT_TRUE(asked.Told("VersionRequest asker@localhost/home "));
+    ASSERT_TRUE(asked.Told("OnVersionRequest asker@localhost/home "));
     asked->SendVersionResponse(asker.FullJid(), u"Name", u"1", u"OS");
-    EXPECT_TRUE(asker.Told("VersionResult asked@localhost/home Name 1 OS"));
+    EXPECT_TRUE(asker.Told("OnVersionResult asked@localhost/home Name 1 OS"));
 
     asker->SendOOBRequest(asked.FullJid(), u"caf\u00e9", u"http://localhost/file");
-    ASSERT_TRUE(asked.Told("OOBRequest asker@localhost"));
+    ASSERT_TRUE(asked.Told("OnOOBRequest asker@localhost"));
     asked->SendOOBComplete(asker.FullJid());
-    EXPECT_TRUE(asker.Told("OOBResult asked@localhost"));
+    EXPECT_TRUE(asker.Told("OnOOBResult asked@localhost"));
 }
 
 TEST_P(Services, KeepPrivateData) {
@@ -125,14 +119,14 @@ TEST_P(Services, PublishACardAndShowItToOthers) {
     reader->SendVCardRequest(owner.jid);
     // Of these, jabberd2 alone knows VCARD in upper case; and it keeps one number and no markers.
     bool isJabberd2 = GetParam() == ServerKind::jabberd2;
-    EXPECT_TRUE(isJabberd2 ? reader.Told("VCardResult owner@localhost") : reader.AwaitEvent("OnIQError"));
-    reader.services->Take();
+    EXPECT_TRUE(isJabberd2 ? reader.Told("OnVCardResult owner@localhost") : reader.AwaitEvent("OnIQError"));
+    reader.log->Take();
     reader->SendXML(u"<iq type='get' id='c' to='owner@localhost'><vCard xmlns='vcard-temp'/></iq>");
-    ASSERT_TRUE(reader.Told("VCardResult owner@localhost"));
-    EXPECT_EQ(reader.services->vcard->FullName(), u"Zo\u00eb & Co <x>");
-    EXPECT_EQ(reader.services->vcard->HomeCity(), u"K\u00f6ln");
+    ASSERT_TRUE(reader.Told("OnVCardResult owner@localhost"));
+    EXPECT_EQ(reader.log->vcard->FullName(), u"Zo\u00eb & Co <x>");
+    EXPECT_EQ(reader.log->vcard->HomeCity(), u"K\u00f6ln");
     if (!isJabberd2) {
-        EXPECT_EQ(reader.services->vcard->BusinessPhone(), u"123");
+        EXPECT_EQ(reader.log->vcard->BusinessPhone(), u"123");
     }
 }
 
@@ -141,7 +135,7 @@ TEST_P(Services, ListAgentsOrRefuse) {
     ASSERT_TRUE(user.Join());
     std::size_t errors = user.Events().Count("OnIQError");
     user->FetchAgents();
-    EXPECT_TRUE(user.Told("AgentEnd"));
+    EXPECT_TRUE(user.Told("OnAgentEnd"));
     EXPECT_EQ(user.Events().Count("OnIQError") > errors, GetParam() != ServerKind::jabberd2);
 }
 
@@ -158,7 +152,7 @@ TEST_P(EjabberdServices, FindPublishedPeople) {
     ASSERT_TRUE(user.AwaitEvent("OnIQResult"));
 
     user->SendXML(u"<iq type='get' id='f' to='vjud.localhost'><query xmlns='jabber:iq:search'/></iq>");
-    ASSERT_TRUE(user.Told("SearchFields "));
+    ASSERT_TRUE(user.Told("OnSearchFields "));
     EXPECT_NE(user->SearchXData()->Title(), u"");
     std::vector<String> vars;
     for (const auto& field : user->SearchXData()->Fields()) vars.push_back(field->Var());
@@ -167,7 +161,7 @@ TEST_P(EjabberdServices, FindPublishedPeople) {
     user->SendXML(
         u"<iq type='set' id='s' to='vjud.localhost'><query xmlns='jabber:iq:search'><x xmlns='jabber:x:data' "
         u"type='submit'><field var='fn'><value>Needle Haystack</value></field></x></query></iq>");
-    ASSERT_TRUE(user.Told("SearchResults "));
+    ASSERT_TRUE(user.Told("OnSearchResults "));
     EXPECT_EQ(user->Searchresults()->Item(1)->SearchItem(), user.jid);
     EXPECT_EQ(user->SearchFields()->Count(), 0);
 }

@@ -46,11 +46,11 @@ TEST_P(Session, ExchangesPresenceAndAMessageInAnyLanguage) {
     EXPECT_TRUE(dirk.Await([&] { return dirk->FindPresence(u"carla@localhost", u"home", true) > 0; }));
     EXPECT_TRUE(carla.Await([&] { return carla->FindPresence(u"dirk@localhost", u"work", true) > 0; }));
 
-    std::shared_ptr<cMessage> heard;
-    dirk.Events().onMessage = [&](const std::shared_ptr<cMessage>& message) { heard = message; };
+    const auto& messages = dirk.Events().messages;
     carla->CreateMessage(u"dirk@localhost/work", MSG_Chat, u"a<b & \"Grüße\" Привет 中", u"été")
         ->SendMessage();
-    ASSERT_TRUE(dirk.Await([&] { return heard != nullptr; }));
+    ASSERT_TRUE(dirk.Await([&] { return !messages.empty(); }));
+    const auto heard = messages.back();
     EXPECT_EQ(heard->Body(), u"a<b & \"Grüße\" Привет 中");
     EXPECT_EQ(heard->Subject(), u"été");
     EXPECT_EQ(heard->FromJid(), u"carla@localhost/home");

@@ -1,158 +1,88 @@
-#include <gtest/gtest.h>
+#include "tests/unit/session/SessionFixture.h"
 
-#include "quorix/services/Agents.h"
-#include "tests/unit/ErrorOf.h"
-#include "tests/unit/services/FakeLink.h"
-#include "tests/unit/services/ServiceLog.h"
-
-namespace quorix::tests {
+namespace quorix {
 namespace {
 
-constexpr StringView kTwoAgents =
-    u"<iq type='result' id='fullagents' from='srv'><query xmlns='jabber:iq:agents'>"
-    u"<agent jid='users.srv'><name>Users</name><service>jud</service><search/><register/></agent>"
-    u"<agent jid='Icq.srv'><name>ICQ</name><service>icq</service><transport/><groupchat/></agent>"
-    u"</query></iq>";
-
-class AgentsTest : public ::testing::Test {
+class AgentsTest : public LoggedIn {
 protected:
-    void Handle(StringView xml) { agents.HandleList(link, StanzaOf(xml)); }
-    std::shared_ptr<cAgentItem> Jud() {
-        Handle(kTwoAgents);
-        log->Take();
-        return agents.Items().Item(1);
+    Lines List(const std::string& agents) {
+        return Raised("<iq type='result' id='fullagents'><query xmlns='jabber:iq:agents'>" + agents +
+                      "</query></iq>");
     }
-
-    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
-    std::shared_ptr<FakeLink> link = std::make_shared<FakeLink>(log);
-    std::shared_ptr<cSearchFields> searchFields = std::make_shared<cSearchFields>();
-    Agents agents{searchFields};
+    void Form(const std::string& content, const std::string& from = "users.s") {
+        Say("<iq type='result' from='" + from + "'><query xmlns='jabber:iq:register'>" + content +
+            "</query></iq>");
+    }
+    std::shared_ptr<cAgentItem> Jud() {
+        List(
+            "<agent jid='users.s'><name>Users</name><service>jud</service><search/><register/></agent>"
+            "<agent jid='Icq.s'><name>ICQ</name><service>icq</service><transport/><groupchat/></agent>");
+        return session->Agents().Item(u"Users");
+    }
 };
 
-TEST_F(AgentsTest, AListRaisesEachAgentBetweenBeginAndEnd) {
-    Handle(kTwoAgents);
-    EXPECT_EQ(log->Take(),
-              (Lines{"AgentBegin", "AgentItem users.srv agent", "AgentItem Icq.srv agent", "AgentEnd"}));
-    auto jud = agents.Items().Item(u"Users");
-    EXPECT_EQ(jud->Service(), u"jud");
-    EXPECT_TRUE(jud->CanSearch() && jud->CanRegister() && !jud->IsTransport() && !jud->IsGroupChat());
-    auto icq = agents.Items().Item(u"ICQ");
+TEST_F(AgentsTest, AListNamesEachAgentAndWhatItCan) {
+    auto jud = Jud();
+    EXPECT_TRUE(jud->Service() == u"jud" && jud->CanSearch() && jud->CanRegister() && !jud->IsTransport() &&
+                !jud->IsGroupChat());
+    auto icq = session->Agents().Item(u"ICQ");
     EXPECT_TRUE(icq->IsTransport() && icq->IsGroupChat() && !icq->CanSearch() && !icq->CanRegister());
-    EXPECT_EQ(agents.FindAgent(u"Icq.srv"), 2);
-    EXPECT_EQ(agents.FindAgent(u"icq.srv"), 0);
-    EXPECT_TRUE(agents.Knows(u"icq.SRV"));
-    EXPECT_FALSE(agents.Knows(u"icq"));
+    EXPECT_EQ(session->FindAgent(u"Icq.s"), 2);
+    EXPECT_EQ(session->FindAgent(u"icq.s"), 0);
 }
 
-TEST_F(AgentsTest, ANameThatIsTakenIsPassedOverAndTheListGoesOn) {
-    Handle(u"<iq><query><agent jid='a'/><agent jid='b'/><agent jid='c'><name>C</name></agent></query></iq>");
-    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentItem c agent", "AgentEnd"}));
-    Handle(u"<iq><query><agent jid='c2'><name>C</name></agent></query></iq>");
-    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentEnd"}));
-    EXPECT_EQ(agents.Items().Count(), 2);
-    EXPECT_EQ(agents.Items().Item(u"C")->JID(), u"c");
+TEST_F(AgentsTest, AnAddressStandsForARoomAnAgentOrAContact) {
+    Jud();
+    Join(u"lobby@c", u"me");
+    Say("<iq type='set'><query xmlns='jabber:iq:roster'><item jid='Bob@s'/><item jid='icq.s'/></query></iq>");
+    const std::pair<StringView, eItemType> cases[] = {
+        {u"lobby@c", KV_GroupChatItem},      {u"lobby@c/me", KV_Unknown},    {u"Lobby@c", KV_Unknown},
+        {u"iCQ.s/registered", KV_AgentItem}, {u"bob@S/home", KV_RosterItem}, {u"", KV_Unknown}};
+    for (const auto& [jid, type] : cases) EXPECT_EQ(session->FindItemType(jid), type) << Utf8FromText(jid);
 }
 
-TEST_F(AgentsTest, AnAgentInsideAnAgentIsPartOfIt) {
-    Handle(u"<iq><query><agent jid='a'><agent jid='b'><name>B</name></agent></agent></query></iq>");
-    EXPECT_EQ(log->Take(), (Lines{"AgentBegin", "AgentItem a agent", "AgentEnd"}));
+TEST_F(AgentsTest, ANameThatIsTakenOrInsideAnotherAgentIsPassedOver) {
+    EXPECT_EQ(List("<agent jid='a'/><agent jid='b'/><agent jid='c'><name>C</name><agent jid='d'/></agent>"),
+              (Lines{"OnAgentBegin", "OnAgentItem a agent", "OnAgentItem c agent", "OnAgentEnd", "OnIQ"}));
+    EXPECT_EQ(List("<agent jid='c2'><name>C</name></agent>"), (Lines{"OnAgentBegin", "OnAgentEnd", "OnIQ"}));
+    EXPECT_EQ(session->Agents().Item(u"C")->JID(), u"c");
 }
 
-TEST_F(AgentsTest, RequestsAreWrittenExactly) {
+TEST_F(AgentsTest, ItsRequestsHoldTheFieldsThatAreValues) {
     auto jud = Jud();
-    FetchAgents(*link);
-    EXPECT_EQ(link->TakeSent(),
-              "<iq id='fullagents' to='srv' type='get'><query xmlns='jabber:iq:agents'/></iq>");
-    GetAgentRegister(*link, u"j", u"i");
-    EXPECT_EQ(link->TakeSent(),
-              "<iq type='get' id='i' to='j'><query xmlns='jabber:iq:register'></query></iq>");
     jud->QueryGateway();
-    EXPECT_EQ(link->TakeSent(),
-              "<iq type='get' to='users.srv'><query xmlns='jabber:iq:gateway'></query></iq>");
-    EXPECT_EQ(link->ids, 0);
+    EXPECT_EQ(Heard(), "<iq type='get' to='users.s'><query xmlns='jabber:iq:gateway'></query></iq>");
     jud->GetSearchFields();
-    EXPECT_EQ(link->TakeSent(),
-              R"(<iq type="get" id="KV_1" to="users.srv"><query xmlns="jabber:iq:search"/></iq>)");
+    EXPECT_EQ(Heard(), R"(<iq type="get" id="KV_2" to="users.s"><query xmlns="jabber:iq:search"/></iq>)");
+    session->SearchFields()->Add(u"nick", u"bob");
+    session->SearchFields()->Add(u"first", u"");
+    session->SearchFields()->Add(u"last", u"B &amp; B");
+    jud->Search();
+    EXPECT_EQ(Heard(), R"(<iq type="set" id="KV_3" to="users.s"><query xmlns="jabber:iq:search">)"
+                       "<nick>bob</nick><last>B &amp; B</last></query></iq>");
+    for (StringView name : {u"register", u"search", u"instructions", u"service", u"Service", u"key"})
+        jud->AddField(name, u"v");
+    jud->Update();
+    EXPECT_EQ(Heard(), R"(<iq type="set" id="KV_4" to="users.s"><query xmlns="jabber:iq:register">)"
+                       "<Service>v</Service><key>v</key></query></iq>");
     jud->Delete();
-    EXPECT_EQ(link->TakeSent(),
-              R"(<iq id="KV_2" type="set"><query xmlns="jabber:iq:roster"><item jid="users.srv/registered" )"
-              R"(name="users.srv/registered" subscription="remove"/></query></iq>)");
-}
-
-TEST_F(AgentsTest, SearchSendsTheFilledFieldsInOrder) {
-    auto jud = Jud();
-    searchFields->Add(u"nick", u"bob");
-    searchFields->Add(u"first", u"");
-    searchFields->Add(u"last", u"B &amp; B");
-    jud->Search();
-    EXPECT_EQ(link->TakeSent(),
-              R"(<iq type="set" id="KV_1" to="users.srv"><query xmlns="jabber:iq:search"><nick>bob</nick>)"
-              R"(<last>B &amp; B</last></query></iq>)");
-}
-
-TEST_F(AgentsTest, ARequestThatItsValuesBreakIsSentEmpty) {
-    auto jud = Jud();
-    searchFields->Add(u"nick", u"a<b");
-    jud->Search();
+    EXPECT_EQ(Heard(),
+              R"(<iq id="KV_5" type="set"><query xmlns="jabber:iq:roster"><item jid="users.s/registered" )"
+              R"(name="users.s/registered" subscription="remove"/></query></iq>)");
     jud->AddField(u"email", u"a&b");
     jud->Update();
-    EXPECT_EQ(link->sent, (Lines{"", ""}));
-}
-
-TEST_F(AgentsTest, UpdateLeavesOutTheFourNamesThatAreNoValues) {
-    auto jud = Jud();
-    for (StringView name : {u"register", u"search", u"instructions", u"service", u"Service", u"key"}) {
-        jud->AddField(name, u"v");
-    }
-    jud->Update();
-    EXPECT_EQ(
-        link->TakeSent(),
-        R"(<iq type="set" id="KV_1" to="users.srv"><query xmlns="jabber:iq:register"><Service>v</Service>)"
-        R"(<key>v</key></query></iq>)");
-}
-
-TEST_F(AgentsTest, FieldsAreFoundExactlyAndRegisteredInAnyCase) {
-    auto jud = Jud();
-    jud->AddField(u"a", u"1");
-    jud->AddField(u"B", u"2");
-    EXPECT_EQ(jud->FindField(u"B"), 2);
-    EXPECT_EQ(jud->FindField(u"b"), 0);
-    jud->SetField(u"B", u"3");
-    EXPECT_EQ(jud->GetField(u"B"), u"3");
-    EXPECT_EQ(jud->GetField(u"c"), u"");
-    jud->Fields().Item(u"B")->Name(u"a");
-    EXPECT_EQ(jud->GetField(u"a"), u"3");
-    EXPECT_FALSE(jud->Registered());
-    jud->AddField(u"REGISTERED", u"");
-    EXPECT_TRUE(jud->Registered());
-    jud->AddAttrib(u"x", u"9");
-    EXPECT_EQ(jud->FindAttrib(u"x"), 1);
-    EXPECT_EQ(jud->FindAttrib(u"y"), 0);
-}
-
-TEST_F(AgentsTest, ImpossibleRequestsHaveTheirNumbers) {
-    auto jud = Jud();
-    jud->AddField(u"a", u"1");
-    EXPECT_EQ(ErrorOf([&] { jud->AddField(u"a", u"2"); }), ERR_KeyInUse);
-    EXPECT_EQ(ErrorOf([&] { jud->SetField(u"b", u"2"); }), ERR_Subscript);
-    EXPECT_EQ(ErrorOf([] { cAgentItem().Search(); }), ERR_ObjectNotSet);
-    link.reset();
-    for (auto send : {&cAgentItem::GetSearchFields, &cAgentItem::Search, &cAgentItem::QueryGateway,
-                      &cAgentItem::Update, &cAgentItem::Delete}) {
-        EXPECT_EQ(ErrorOf([&] { (*jud.*send)(); }), ERR_ObjectNotSet);
-    }
+    EXPECT_EQ(Heard(), "") << "a request that its values break";
 }
 
 TEST_F(AgentsTest, ARegistrationFormFillsTheLastAgentOfThatJid) {
-    Handle(
-        u"<iq><query><agent jid='t'><name>1</name></agent><agent "
-        u"jid='t'><name>2</name></agent></query></iq>");
-    agents.HandleRegistrationForm(
-        StanzaOf(u"<iq type='result' from='t'><query xmlns='jabber:iq:register'><registered/>"
-                 u"<username>bob</username><username>eve</username>"
-                 u"<x xmlns='jabber:x:data'><title>T</title><field var='v'/></x></query></iq>"));
-    EXPECT_EQ(agents.Items().Item(1)->Fields().Count(), 0);
-    auto agent = agents.Items().Item(2);
+    List("<agent jid='t'><name>1</name></agent><agent jid='t'><name>2</name></agent>");
+    Form(
+        "<registered/><username>bob</username><username>eve</username>"
+        "<x xmlns='jabber:x:data'><title>T</title><field var='v'/></x>",
+        "t");
+    Form("<key>k</key>", "nobody");
+    EXPECT_EQ(session->Agents().Item(1)->Fields().Count(), 0);
+    auto agent = session->Agents().Item(2);
     EXPECT_EQ(agent->Fields().Count(), 2);
     EXPECT_TRUE(agent->Registered());
     EXPECT_EQ(agent->GetField(u"username"), u"eve");
@@ -160,27 +90,18 @@ TEST_F(AgentsTest, ARegistrationFormFillsTheLastAgentOfThatJid) {
     EXPECT_EQ(agent->xData()->Fields().Item(1)->Var(), u"v");
 }
 
-TEST_F(AgentsTest, AFormInAHostileShapeChangesNothingElse) {
-    Handle(kTwoAgents);
-    for (StringView xml :
-         {u"<iq type='result' from='users.srv'/>", u"<iq type='result' from='users.srv'><x/></iq>",
-          u"<iq type='result' from='nobody'><query><key>k</key></query></iq>",
-          u"<iq type='result'><query><key>k</key></query></iq>"}) {
-        agents.HandleRegistrationForm(StanzaOf(xml));
-    }
-    for (const auto& agent : agents.Items()) EXPECT_EQ(agent->Fields().Count(), 0);
-}
-
-TEST_F(AgentsTest, AnAgentReadsFromTheXmlItWasGiven) {
-    cAgentItem agent;
-    EXPECT_EQ(agent.JID(), u"");
-    agent.xml(u"<agent jid='x'><deep><name>no</name></deep></agent>");
-    EXPECT_EQ(agent.JID(), u"x");
-    EXPECT_EQ(agent.Name(), u"");
-    EXPECT_EQ(agent.xml(), u"<agent jid=\"x\"><deep><name>no</name></deep></agent>");
-    agent.xml(u"<agent");
-    EXPECT_EQ(agent.xml(), u"");
+TEST_F(AgentsTest, AHandlerMayDropTheSessionInTheMiddleOfAList) {
+    auto agent = Jud();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnAgentItem") session.reset();
+    };
+    env.Peer().Say(
+        "<iq type='result' id='fullagents'><query xmlns='jabber:iq:agents'><agent jid='a'>"
+        "<name>A</name></agent><agent jid='b'><name>B</name></agent></query></iq>");
+    env.DoEvents();
+    EXPECT_EQ(events->Take(), (Lines{"OnAgentBegin", "OnAgentItem a agent"}));
+    EXPECT_EQ(ErrorOf([&] { agent->QueryGateway(); }), ERR_ObjectNotSet);
 }
 
 }  // namespace
-}  // namespace quorix::tests
+}  // namespace quorix

@@ -1,50 +1,42 @@
-#include <gtest/gtest.h>
+#include "tests/unit/session/SessionFixture.h"
 
-#include "quorix/services/Search.h"
-#include "tests/unit/services/FakeLink.h"
-#include "tests/unit/services/ServiceLog.h"
-
-namespace quorix::tests {
+namespace quorix {
 namespace {
 
-class SearchTest : public ::testing::Test {
+class SearchTest : public LoggedIn {
 protected:
-    Lines Handle(StringView query) {
-        search.Handle(link, StanzaOf(Concat({u"<iq type='result'>", query, u"</iq>"})));
-        return log->Take();
+    Lines Reply(const std::string& content) {
+        return Raised("<iq type='result'><query xmlns='jabber:iq:search'>" + content + "</query></iq>");
     }
     static std::string Fields(const cSearchFields& fields) {
         String text;
         for (const auto& field : fields) text += field->FieldName() + u"=" + field->FieldData() + u";";
         return Utf8FromText(text);
     }
-
-    std::shared_ptr<ServiceLog> log = std::make_shared<ServiceLog>();
-    FakeLink link{log};
-    Search search;
+    std::shared_ptr<cSearchResult> Hit(std::int32_t index) { return session->Searchresults()->Item(index); }
 };
 
-TEST_F(SearchTest, TheChildrenOfTheQueryBecomeFields) {
-    EXPECT_EQ(Handle(u"<query xmlns='jabber:iq:search'>\n <instructions>Fill in</instructions>\n"
-                     u" <nick/><deep><inner/></deep><key>k</key></query>"),
-              (Lines{"SearchFields 4"}));
-    EXPECT_EQ(Fields(*search.SearchFields()), "instructions=Fill in;nick=;deep=;key=k;");
-    EXPECT_EQ(search.SearchXData()->Fields().Count(), 0);
+TEST_F(SearchTest, EveryReplyEmptiesTheFieldsAndFillsThemWithItsChildren) {
+    EXPECT_EQ(Reply("\n <instructions>Fill in</instructions>\n <nick/><deep><inner/></deep><key>k</key>"),
+              (Lines{"OnSearchFields 4", "OnIQ"}));
+    EXPECT_EQ(Fields(*session->SearchFields()), "instructions=Fill in;nick=;deep=;key=k;");
+    Say("<iq type='error'><query xmlns='jabber:iq:search'><instructions>I</instructions></query></iq>");
+    EXPECT_EQ(session->SearchFields()->Count(), 4);
+    events->Take();
+    EXPECT_EQ(Reply("<nick/>"), Lines{"OnIQ"});
+    EXPECT_EQ(session->SearchFields()->Count(), 0);
 }
 
-TEST_F(SearchTest, ADataFormGoesToTheSearchForm) {
-    auto former = search.SearchXData();
-    EXPECT_EQ(
-        Handle(u"<query xmlns='jabber:iq:search'><x xmlns='jabber:x:data'><title>T</title>"
-               u"<instructions>I</instructions>"
-               u"<field type='list-single' label='Sex' var='sex'><required/><value>m</value><value>f</value>"
-               u"<option label='Man'><value>m</value></option><option><value>f</value></option>"
-               u"<option label='?'/></field><field/></x></query>"),
-        (Lines{"SearchFields 0"}));
-    auto form = search.SearchXData();
+TEST_F(SearchTest, ADataFormGoesToASearchFormThatIsNewEachTime) {
+    auto former = session->SearchXData();
+    EXPECT_EQ(Reply("<x xmlns='jabber:x:data'><title>T</title><instructions>I</instructions>"
+                    "<field type='list-single' label='Sex' var='sex'><required/><value>m</value>"
+                    "<value>f</value><option label='Man'><value>m</value></option>"
+                    "<option><value>f</value></option><option label='?'/></field><field/></x>"),
+              (Lines{"OnSearchFields 0", "OnIQ"}));
+    auto form = session->SearchXData();
     EXPECT_NE(form, former);
-    EXPECT_EQ(form->Title(), u"T");
-    EXPECT_EQ(form->Instructions(), u"I");
+    EXPECT_EQ(form->Title() + form->Instructions(), u"TI");
     ASSERT_EQ(form->Fields().Count(), 2);
     auto field = form->Fields().Item(1);
     EXPECT_TRUE(field->Required());
@@ -53,101 +45,54 @@ TEST_F(SearchTest, ADataFormGoesToTheSearchForm) {
     ASSERT_EQ(field->Options().Count(), 3);
     EXPECT_EQ(field->Options().Item(1)->Label(), u"Man");
     EXPECT_EQ(field->Options().Item(2)->Value(), u"f");
-    EXPECT_EQ(field->Options().Item(3)->Value(), u"");
     EXPECT_FALSE(form->Fields().Item(2)->Required());
-    EXPECT_EQ(form->Fields().Item(2)->Var(), u"");
+    Reply("<instructions>2</instructions>");
+    EXPECT_EQ(form->Fields().Count(), 2);
+    EXPECT_EQ(session->SearchXData()->Fields().Count(), 0);
 }
 
-TEST_F(SearchTest, AFormOfTheSameSessionIsNewEachTime) {
-    Handle(u"<query><instructions>1</instructions><x><field var='a'/></x></query>");
-    auto kept = search.SearchXData();
-    Handle(u"<query><instructions>2</instructions></query>");
-    EXPECT_EQ(kept->Fields().Count(), 1);
-    EXPECT_EQ(search.SearchXData()->Fields().Count(), 0);
-}
-
-TEST_F(SearchTest, PlainHitsAreDecoded) {
-    EXPECT_EQ(
-        Handle(u"<query xmlns='jabber:iq:search'><item jid='a@b'><first>J\u00c3\u00b6rg</first><iq>-</iq>"
-               u"<query>-</query></item><item><last>&amp;lt;</last></item></query>"),
-        (Lines{"SearchResults 2"}));
-    auto hits = search.Searchresults();
-    EXPECT_EQ(hits->Item(1)->SearchItem(), u"a@b");
-    EXPECT_EQ(Fields(*hits->Item(1)->Fields()), "first=J\xc3\xb6rg;");
-    EXPECT_EQ(hits->Item(2)->SearchItem(), u"");
-    EXPECT_EQ(Fields(*hits->Item(2)->Fields()), "last=<;");
-}
-
-TEST_F(SearchTest, HitsOfADataFormStayAsReceived) {
-    EXPECT_EQ(Handle(u"<query><x xmlns='jabber:x:data'><reported><field var='jid'/></reported>"
-                     u"<item><field var='fn'><value>\u00c3\u00b6</value></field>"
-                     u"<field var='jid'><value>a@b</value></field><field/></item>"
-                     u"<item><field var='fn'/></item></x></query>"),
-              (Lines{"SearchResults 2"}));
-    auto hits = search.Searchresults();
-    EXPECT_EQ(hits->Item(1)->SearchItem(), u"a@b");
-    EXPECT_EQ(Fields(*hits->Item(1)->Fields()), "fn=\xc3\x83\xc2\xb6;=;");
-    EXPECT_EQ(hits->Item(2)->SearchItem(), u"");
-}
-
-TEST_F(SearchTest, EveryResultEmptiesTheFieldsAndAnErrorDoesNot) {
-    Handle(u"<query><instructions>I</instructions></query>");
-    search.Handle(link, StanzaOf(u"<iq type='error'><query><instructions>I</instructions></query></iq>"));
-    EXPECT_EQ(search.SearchFields()->Count(), 1);
-    EXPECT_EQ(Handle(u"<query><nick/></query>"), Lines{});
-    EXPECT_EQ(search.SearchFields()->Count(), 0);
+TEST_F(SearchTest, PlainHitsAreDecodedAndThoseOfADataFormStayAsReceived) {
+    EXPECT_EQ(Reply("<item jid='a@b'><first>Jörg</first><iq>-</iq><query>-</query></item>"
+                    "<item><last>&amp;lt;</last></item>"),
+              (Lines{"OnSearchResults 2", "OnIQ"}));
+    EXPECT_EQ(Hit(1)->SearchItem(), u"a@b");
+    EXPECT_EQ(Fields(*Hit(1)->Fields()), "first=Jörg;");
+    EXPECT_EQ(Hit(2)->SearchItem(), u"");
+    EXPECT_EQ(Fields(*Hit(2)->Fields()), "last=<;");
+    EXPECT_EQ(Reply("<x xmlns='jabber:x:data'><reported><field var='jid'/></reported>"
+                    "<item><field var='fn'><value>ö</value></field>"
+                    "<field var='jid'><value>a@b</value></field><field/></item>"
+                    "<item><field var='fn'/></item></x>"),
+              (Lines{"OnSearchResults 2", "OnIQ"}));
+    EXPECT_EQ(Hit(1)->SearchItem(), u"a@b");
+    EXPECT_EQ(Fields(*Hit(1)->Fields()), "fn=\xc3\x83\xc2\xb6;=;");
+    EXPECT_EQ(Hit(2)->SearchItem(), u"");
 }
 
 TEST_F(SearchTest, ResultsThatAnApplicationKeptStayUntilTheConnectionEnds) {
-    Handle(u"<query><item jid='1'><a>x</a></item></query>");
-    auto kept = search.Searchresults();
-    Handle(u"<query><item jid='2'><a>x</a></item><item jid='3'/></query>");
-    EXPECT_EQ(kept->Count(), 1);
-    auto current = search.Searchresults();
-    search.Empty();
+    Reply("<item jid='1'><a>x</a></item>");
+    auto kept = session->Searchresults();
+    Reply("<item jid='2'><a>x</a></item><item jid='3'/>");
+    auto current = session->Searchresults();
+    session->Disconnect();
     EXPECT_EQ(kept->Count(), 1);
     EXPECT_EQ(current->Count(), 0);
-    EXPECT_EQ(search.Searchresults(), current);
+    EXPECT_EQ(session->Searchresults(), current);
 }
 
-TEST_F(SearchTest, ThousandsOfHitsWithoutAnAddressAreAllThere) {
-    String items;
-    for (int i = 0; i < 5000; ++i) items += u"<item><a>x</a></item>";
-    EXPECT_EQ(Handle(Concat({u"<query>", items, u"</query>"})), (Lines{"SearchResults 5000"}));
-    EXPECT_EQ(search.Searchresults()->Item(5000)->SearchItem(), u"");
-}
-
-TEST_F(SearchTest, HitsInsideHitsDoNotMultiplyTheirText) {
-    String open, close;
+TEST_F(SearchTest, HitsInThousandsOrInsideHitsAreAllThereAndDoNotMultiplyTheirText) {
+    std::string open, close, items;
+    for (int i = 0; i < 5000; ++i) items += "<item><a>x</a></item>";
+    EXPECT_EQ(Reply(items), (Lines{"OnSearchResults 5000", "OnIQ"}));
     for (int i = 0; i < 400; ++i) {
-        open += u"<item><a>";
-        close += u"</a></item>";
+        open += "<item><a>";
+        close += "</a></item>";
     }
-    String text(1000, u'x');
-    EXPECT_EQ(Handle(Concat({u"<query><x><item><b>1</b></item></x>", open, text, close,
-                             u"<y><item><b>2</b></item></y></query>"})),
-              (Lines{"SearchResults 3"}));
-    EXPECT_EQ(search.Searchresults()->Item(2)->Fields()->Item(1)->FieldData().size(), 1000U);
-}
-
-TEST_F(SearchTest, AKeyIsUsedUnlessItIsEmpty) {
-    cSearchFields fields;
-    fields.Add(u"a", u"1", u"k");
-    fields.Add(u"b", u"2", u"");
-    fields.Add(u"c", u"3", u"");
-    EXPECT_THROW(fields.Add(u"d", u"4", u"k"), AutomationError);
-    EXPECT_EQ(fields.Item(u"k")->FieldData(), u"1");
-    fields.Remove(u"k");
-    fields.Remove(1);
-    EXPECT_EQ(Fields(fields), "c=3;");
-    cSearchResults results;
-    auto hit = results.Add(u"j", u"k");
-    EXPECT_EQ(results.Item(u"k"), hit);
-    results.Add(u"j", u"");
-    results.Remove(u"k");
-    EXPECT_EQ(results.Count(), 1);
-    EXPECT_THROW(results.Item(u""), AutomationError);
+    EXPECT_EQ(Reply("<x><item><b>1</b></item></x>" + open + std::string(1000, 'x') + close +
+                    "<y><item><b>2</b></item></y>"),
+              (Lines{"OnSearchResults 3", "OnIQ"}));
+    EXPECT_EQ(Hit(2)->Fields()->Item(1)->FieldData().size(), 1000U);
 }
 
 }  // namespace
-}  // namespace quorix::tests
+}  // namespace quorix

@@ -16,8 +16,13 @@ void SessionTest::Say(std::string_view bytes) {
     env.DoEvents();
 }
 
-void SessionTest::OpenStream() {
-    session->Connect();
+Lines SessionTest::Raised(std::string_view bytes) {
+    Say(bytes);
+    return events->Take();
+}
+
+void SessionTest::OpenStream(bool newUser) {
+    session->Connect(newUser);
     env.DoEvents();
     Say("<stream:stream id='s1' from='s' xmlns='jabber:client'>");
 }
@@ -27,6 +32,14 @@ void SessionTest::LogIn() {
     Say("<iq type='result' id='kv_login'/>");
     Heard();
     *events = EventRecorder();
+}
+
+std::shared_ptr<cGroupChat> SessionTest::Join(StringView jid, StringView nickname) {
+    auto room = std::make_shared<cGroupChat>();
+    room->JID(jid);
+    room->NickName(nickname);
+    session->SendGroupChatRequest(room, true);
+    return room;
 }
 
 }  // namespace quorix

@@ -7,6 +7,17 @@ namespace {
 using namespace std::string_literals;
 
 const std::string kServerHeader = "<stream:stream id='s1' from='s' xmlns='jabber:client'>";
+const std::string kGreeting = "\5\1\0"s;
+const std::string kByAddress = "\5\1\0\1\xC0\0\2\7\x14\x66"s;
+const std::string kByName = "\5\1\0\3\1s\x14\x66"s;
+const std::string kMethod = "\5\0"s;
+const std::string kGranted = "\5\0\0\1\0\0\0\0\0\0"s;
+
+std::string Put(const std::string& text) {
+    return "PUT http://s:5222/ HTTP/1.1\r\nUser-Agent: QuoriXServer\r\nHost: s:5222"
+           "\r\nContent-Type: multipart/byteranges\r\nCache-Control: no-cache\r\nContent-length:" +
+           std::to_string(text.size()) + "\r\nProxy-Connection: Keep-Alive\r\n\r\n" + text + "\r\n";
+}
 
 class Proxy : public SessionTest {
 protected:
@@ -21,16 +32,7 @@ protected:
     }
 };
 
-class HttpProxy : public Proxy {
-protected:
-    static std::string Put(const std::string& text) {
-        return "PUT http://s:5222/ HTTP/1.1\r\nUser-Agent: QuoriXServer\r\nHost: s:5222"
-               "\r\nContent-Type: multipart/byteranges\r\nCache-Control: no-cache\r\nContent-length:" +
-               std::to_string(text.size()) + "\r\nProxy-Connection: Keep-Alive\r\n\r\n" + text + "\r\n";
-    }
-};
-
-TEST_F(HttpProxy, GetsEachTextInARequestOfItsOwn) {
+TEST_F(Proxy, OfHttpGetsEachTextInARequestOfItsOwn) {
     ConnectThrough(KV_HTTPProxy);
     EXPECT_EQ(env.Peer().Destination().ip, 0xC0000201);
     EXPECT_EQ(env.Peer().Destination().port, 1080);
@@ -42,7 +44,7 @@ TEST_F(HttpProxy, GetsEachTextInARequestOfItsOwn) {
     EXPECT_EQ(events->outgoing, (Lines{kHeader, kFieldsQuery, "  \t  "}));
 }
 
-TEST_F(HttpProxy, ItsResponsesAreDroppedWithAllThatIsInTheirChunk) {
+TEST_F(Proxy, OfHttpHasItsResponsesDroppedWithAllThatIsInTheirChunk) {
     ConnectThrough(KV_HTTPProxy);
     Say("HTTP/1.1 200 OK\r\n\r\n" + kServerHeader);
     Say("hTTp/1.0 200 OK\r\n");
@@ -55,16 +57,7 @@ TEST_F(HttpProxy, ItsResponsesAreDroppedWithAllThatIsInTheirChunk) {
     EXPECT_EQ(events->incoming, (Lines{kServerHeader, "<presence from='a@s'/>", "<presence from='b@s'/>"}));
 }
 
-class SocksProxy : public Proxy {
-protected:
-    const std::string kGreeting = "\5\1\0"s;
-    const std::string kByAddress = "\5\1\0\1\xC0\0\2\7\x14\x66"s;
-    const std::string kByName = "\5\1\0\3\1s\x14\x66"s;
-    const std::string kMethod = "\5\0"s;
-    const std::string kGranted = "\5\0\0\1\0\0\0\0\0\0"s;
-};
-
-TEST_F(SocksProxy, OpensTheTunnelBeforeTheStream) {
+TEST_F(Proxy, OfSocksOpensTheTunnelBeforeTheStream) {
     ConnectThrough(KV_SOCKS5Proxy);
     EXPECT_EQ(env.Peer().Destination().port, 1080);
     EXPECT_EQ(Heard(), kGreeting);
@@ -78,7 +71,7 @@ TEST_F(SocksProxy, OpensTheTunnelBeforeTheStream) {
     EXPECT_EQ(events->incoming, Lines{kServerHeader});
 }
 
-TEST_F(SocksProxy, LogsInAndLetsTheProxyLookUpTheServer) {
+TEST_F(Proxy, OfSocksTakesTheLoginAndLooksUpTheServer) {
     session->ProxyAuthentication(KV_SocksUserPass);
     session->ProxyUsername(u"joe");
     session->ProxyPassword(u"pw");
@@ -94,7 +87,7 @@ TEST_F(SocksProxy, LogsInAndLetsTheProxyLookUpTheServer) {
     EXPECT_EQ(Heard(), kHeader);
 }
 
-TEST_F(SocksProxy, AServerWithoutAnAddressIsReported) {
+TEST_F(Proxy, OfSocksReportsAServerWithoutAnAddress) {
     ConnectThrough(KV_SOCKS5Proxy);
     env.RemoveHost("s");
     Heard();
@@ -104,7 +97,7 @@ TEST_F(SocksProxy, AServerWithoutAnAddressIsReported) {
 }
 
 // However it goes wrong, nothing is reported but the end of the connection, and the next one begins anew.
-TEST_F(SocksProxy, ARefusalIsSilenceUntilTheProxyCloses) {
+TEST_F(Proxy, OfSocksRefusesInSilenceUntilTheProxyCloses) {
     for (const std::string& refusal : {"\5\1\0\1\0\0\0\0\0\0"s, "\5"s, "\0"s, "HTTP/1.1 400\r\n\r\n"s, ""s}) {
         ConnectThrough(KV_SOCKS5Proxy);
         Say(kMethod);
