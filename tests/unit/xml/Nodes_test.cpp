@@ -27,47 +27,14 @@ TEST(XmlNode, TellsKindsAndNames) {
     EXPECT_EQ(node.Text(), u"td");
 }
 
-TEST(XmlNode, NamesAndValuesCompareExactlyBeyondAscii) {
-    auto document = Loaded(u"<\u00e9t\u00e9 n\u00f6='\U0001F600'/>");
-    XmlNode root = document->Root();
-    EXPECT_TRUE(root.Is(u"\u00e9t\u00e9"));
-    EXPECT_FALSE(root.Is(u"\u00e9t") || root.Is(u"\u00e9t\u00e9s") || root.Is(u"\u00c9t\u00e9"));
-    EXPECT_TRUE(root.AttributeIs(u"n\u00f6", u"\U0001F600"));
-    EXPECT_FALSE(root.AttributeIs(u"n\u00f6", u"\xd83d"));
-}
-
-TEST(XmlNode, ReadsAttributesInSourceOrder) {
-    auto document = Loaded(u"<a xmlns='jabber:x' type='' id='7'/>");
-    XmlNode root = document->Root();
-    std::vector<std::pair<String, String>> expected = {
-        {u"xmlns", u"jabber:x"}, {u"type", u""}, {u"id", u"7"}};
-    EXPECT_EQ(root.Attributes(), expected);
-    EXPECT_EQ(root.Attribute(u"id"), u"7");
-    EXPECT_TRUE(root.HasAttribute(u"type") && root.AttributeIs(u"type", u""));
-    EXPECT_FALSE(root.HasAttribute(u"i") || root.AttributeIs(u"absent", u""));
-}
-
-TEST(XmlNode, WalksItsRelatives) {
-    auto document = Loaded(u"<a>t<b/><!--c--><c><d/></c></a>");
-    XmlNode a = document->Root();
-    XmlNode c = a.Child(u"c");
-    EXPECT_TRUE(a.FirstElement().Is(u"b"));
-    EXPECT_TRUE(a.FirstElement().NextElement() == c);
-    EXPECT_FALSE(a.Child(u"d") || a.Parent() || a.NextSibling() || c.NextElement());
-    EXPECT_TRUE(c.FirstChild().Parent() == c && c.Parent() == a);
-}
-
 TEST(XmlNode, EmptyHandleReadsAsNothingAndRefusesChanges) {
     XmlNode none;
     EXPECT_EQ(none.Child(u"a").FirstElement().NextSibling().Text() + none.Name() + none.Xml() +
                   none.Attribute(u"a"),
               u"");
-    EXPECT_FALSE(none.IsElement() || none.IsText() || none.Is(u"") || none.HasAttribute(u"a") ||
-                 none.Parent());
+    EXPECT_FALSE(none.Parent() || none.Is(u""));
     EXPECT_TRUE(none.Attributes().empty() && none.Select(u"//a").empty());
-    EXPECT_EQ(ErrorOf([&] { none.Text(u"x"); }), 91);
     EXPECT_EQ(ErrorOf([&] { none.SetAttribute(u"a", u"x"); }), 91);
-    EXPECT_EQ(ErrorOf([&] { none.AppendElement(u"a"); }), 91);
     EXPECT_EQ(ErrorOf([&] { XmlDocument::Detach(none); }), 91);
 }
 
@@ -75,40 +42,44 @@ TEST(XmlNode, EditsInPlace) {
     auto document = Loaded(u"<a b='1' c='2'><d><e/>t</d></a>");
     XmlNode a = document->Root();
     a.SetAttribute(u"b", u"<\"&\u00e9");
-    a.SetAttribute(u"xmlns:n", u"");
-    a.RemoveAttribute(u"c");
     a.RemoveAttribute(u"c");
     a.Child(u"d").Text(u"<new>");
-    a.AppendElement(u"n:f");
-    EXPECT_EQ(document->Xml(), u"<a b=\"&lt;&quot;&amp;\u00e9\" xmlns:n=\"\"><d>&lt;new&gt;</d><n:f/></a>");
-    a.Text(u"");
-    EXPECT_EQ(a.Xml(), u"<a b=\"&lt;&quot;&amp;\u00e9\" xmlns:n=\"\"/>");
+    a.AppendElement(u"n:f").Text(StringView(u"x\0y\xd800z", 5));  // what XML has no place for is replaced
+    EXPECT_EQ(document->Xml(),
+              u"<a b=\"&lt;&quot;&amp;\u00e9\"><d>&lt;new&gt;</d><n:f>x\xfffdy\xfffdz</n:f></a>");
 }
 
-TEST(XmlNode, ValuesWithoutAPlaceInXmlBecomeReplacementCharacters) {
-    auto document = Loaded(u"<a/>");
-    document->Root().Text(StringView(u"x\0y\xd800z", 5));
-    EXPECT_EQ(document->Root().Text(), u"x\xfffdy\xfffdz");
-}
-
-TEST(XmlNode, WrongArgumentsRaiseTheirErrorsAndChangeNothing) {
+TEST(XmlNode, RefusesNamesAndPlacesThatNoTreeHas) {
     auto document = Loaded(u"<a><b><c/></b>t</a>");
     XmlNode a = document->Root();
     XmlNode b = a.Child(u"b");
-    for (StringView name :
-         {StringView(u""), StringView(u"1"), StringView(u"x y"), StringView(u"<"), StringView(u"a\0", 2)}) {
+    for (StringView name : {StringView(u""), StringView(u"x y"), StringView(u"<"), StringView(u"a\0", 2)}) {
         EXPECT_EQ(ErrorOf([&] { a.AppendElement(name); }), 5);
         EXPECT_EQ(ErrorOf([&] { a.SetAttribute(name, u""); }), 5);
-        EXPECT_EQ(ErrorOf([&] { document->CreateElement(name); }), 5);
     }
     EXPECT_EQ(ErrorOf([&] { b.Child(u"c").AppendChild(a); }), 5);
     EXPECT_EQ(ErrorOf([&] { b.AppendChild(b); }), 5);
     EXPECT_EQ(ErrorOf([&] { a.AppendChild(a.SelectSingle(u"/")); }), 5);
-    EXPECT_EQ(ErrorOf([&] { a.AppendChild(XmlNode()); }), 91);
-    EXPECT_EQ(ErrorOf([&] { b.NextSibling().AppendChild(b); }), 91);
-    EXPECT_EQ(ErrorOf([&] { a.RemoveChild(b.Child(u"c")); }), 5);
-    EXPECT_EQ(ErrorOf([&] { document->Root(b.NextSibling()); }), 5);
     EXPECT_EQ(document->Xml(), u"<a><b><c/></b>t</a>");
+}
+
+TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
+    auto document = Loaded(u"<a x='1'><b i='1'><c>t</c></b></a>");
+    XmlNode attribute = document->Root().SelectSingle(u"@x");
+    document->Root().RemoveAttribute(u"x");
+    XmlNode unplaced = document->CreateElement(u"u");
+    XmlNode b = document->Root().Child(u"b");
+    XmlNode c = b.Child(u"c");
+    document->Root().Text(u"gone");
+    EXPECT_EQ(document->Xml(), u"<a>gone</a>");
+    EXPECT_FALSE(b.Parent());
+
+    ASSERT_TRUE(document->Load(u"<other/>"));
+    EXPECT_EQ(b.Xml(), u"<b i=\"1\"><c>t</c></b>");
+    document.reset();
+    b = XmlNode();
+    EXPECT_EQ(c.Parent().Attribute(u"i") + attribute.Text() + unplaced.Xml(), u"11<u/>");
+    EXPECT_FALSE(attribute.NextSibling() || unplaced.NextSibling());
 }
 
 TEST(XmlNode, AppendChildMovesAlsoAcrossDocuments) {
@@ -127,47 +98,6 @@ TEST(XmlNode, AppendChildMovesAlsoAcrossDocuments) {
     b.AppendChild(to->Root().Child(u"k"));
     EXPECT_EQ(built->Xml(), u"<w><b y=\"2\">t<k/></b></w>");
     EXPECT_EQ(to->Xml(), u"<z><?i d?></z>");
-}
-
-TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
-    auto document = Loaded(u"<a><b i='1'><c>t</c></b></a>");
-    XmlNode b = document->Root().Child(u"b");
-    XmlNode c = b.Child(u"c");
-    document->Root().Text(u"gone");
-    EXPECT_EQ(document->Xml(), u"<a>gone</a>");
-    EXPECT_FALSE(b.Parent());
-    EXPECT_TRUE(c.Parent() == b);
-
-    ASSERT_TRUE(document->Load(u"<other/>"));
-    EXPECT_EQ(b.Xml(), u"<b i=\"1\"><c>t</c></b>");
-    document.reset();
-    EXPECT_EQ(c.Parent().Attribute(u"i"), u"1");
-
-    XmlNode again = c;
-    b = again = again;
-    EXPECT_EQ(b.Text(), u"t");
-}
-
-TEST(XmlNode, RemovedAttributeAndUnplacedElementStayReadable) {
-    auto document = Loaded(u"<a b='1'/>");
-    XmlNode attribute = document->Root().SelectSingle(u"@b");
-    EXPECT_EQ(attribute.Name() + attribute.Text() + attribute.Xml(), u"b1b=\"1\"");
-    document->Root().RemoveAttribute(u"b");
-    XmlNode unplaced = document->CreateElement(u"u");
-    document->CreateElement(u"unseen");
-    EXPECT_EQ(document->Xml(), u"<a/>");
-    document.reset();
-    EXPECT_EQ(attribute.Text() + unplaced.Xml(), u"1<u/>");
-    EXPECT_FALSE(attribute.NextSibling() || unplaced.NextSibling());
-}
-
-TEST(XmlDocument, RootReplacesTheDocumentElementInItsPlace) {
-    auto document = Loaded(u"<?xml version='1.0'?><a><b/></a><!--c-->");
-    XmlNode a = document->Root();
-    document->Root(a.Child(u"b"));
-    document->Root(document->Root());
-    EXPECT_EQ(document->Xml(), u"<?xml version='1.0'?><b/><!--c-->");
-    EXPECT_EQ(a.Xml(), u"<a/>");
 }
 
 TEST(XmlDetach, TakesTheSubtreeAndItsHandlesAlong) {
