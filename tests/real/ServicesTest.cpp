@@ -13,7 +13,7 @@ using ::testing::ContainsRegex;
 
 class User : public Person {
 public:
-    User(const RealServer& server, StringView name) : Person(server, name, u"home") {
+    User(const RealServer& server, StringView name) : Person(server.Port(), name, u"home") {
         (*this)->Advise(services);
     }
 
@@ -22,10 +22,7 @@ public:
         return Await([&] { return Find(services->lines, start) != services->lines.end(); });
     }
     bool Hears(const std::string& part) const {
-        return Await([&] {
-            return std::any_of(Events().incoming.begin(), Events().incoming.end(),
-                               [&](const std::string& xml) { return xml.find(part) != std::string::npos; });
-        });
+        return Await([&] { return Holds(Events().incoming, part); });
     }
     String FullJid() const { return jid + u"/home"; }
 

@@ -10,7 +10,7 @@
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
 #include "quorix/platform/posix/SocketError.h"
-#include "tests/real/net/RunUntil.h"
+#include "tests/real/RunUntil.h"
 #include "tests/unit/net/SocketRecorder.h"
 
 namespace quorix::real {
@@ -50,26 +50,22 @@ double CpuSeconds() {
     return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
-// Lets the loop run for a while and returns the processor time it took.
-double CostOfWaiting() {
-    double before = CpuSeconds();
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
-    RunUntil([&] { return std::chrono::steady_clock::now() > end; });
-    return CpuSeconds() - before;
-}
-
-TEST_F(Loopback, CarriesBytesBothWaysAndClosesInOrder) {
+TEST_F(Loopback, CarriesBytesBothWaysAlsoForAPumpInsideAHandlerAndCloses) {
     Establish();
     EXPECT_EQ(client->socket->RemoteHost(), u"127.0.0.1");
     EXPECT_EQ(client->socket->RemotePort(), listener->socket->LocalPort());
     EXPECT_EQ(client->socket->LocalIP(), u"127.0.0.1");
-    client->socket->SendData(u"ping");
-    ASSERT_TRUE(RunUntil([&] { return !server->log.empty(); }));
-    server->socket->SendData(u"pong");
-    server->socket->Disconnect();
+    server->on["data"] = [&] {
+        if (server->received != "question") return;
+        server->socket->SendData(u"answer");
+        EXPECT_TRUE(RunUntil([&] { return server->received == "question!"; }));
+        server->socket->Disconnect();
+    };
+    client->on["data"] = [&] { client->socket->SendData(u"!"); };
+    client->socket->SendData(u"question");
     ASSERT_TRUE(RunUntil([&] { return client->log.size() >= 2; }));
-    EXPECT_EQ(server->log, Log{"data:ping"});
-    EXPECT_EQ(client->log, (Log{"data:pong", "closed"}));
+    EXPECT_EQ(server->log, (Log{"data:question", "data:!"}));
+    EXPECT_EQ(client->log, (Log{"data:answer", "closed"}));
 }
 
 TEST_F(Loopback, RefusalsAndUnknownHostsAreReportedThroughTheLoop) {
@@ -81,28 +77,6 @@ TEST_F(Loopback, RefusalsAndUnknownHostsAreReportedThroughTheLoop) {
     client->socket->RemoteHost(u"no-such-host.invalid");
     client->socket->Connect();
     EXPECT_EQ(client->log, Log{"error:100:No valid Hostaddress"});
-}
-
-// A full backlog leaves further connections without an answer.
-TEST_F(Loopback, APeerThatDoesNotAnswerIsATimeout) {
-    for (bool secure : {false, true}) {
-        auto full = SocketRecorder::Create();
-        full->socket->Listen();
-        std::vector<std::shared_ptr<SocketRecorder>> waiting;
-        for (int i = 0; i < 8; ++i) {
-            waiting.push_back(SocketRecorder::Create());
-            waiting.back()->socket->RemoteHost(u"127.0.0.1");
-            waiting.back()->socket->RemotePort(full->socket->LocalPort());
-            waiting.back()->socket->Connect();
-        }
-        client->socket->RemotePort(full->socket->LocalPort());
-        client->socket->SSLEnable(secure);
-        client->socket->TimeOut(200);
-        client->socket->Connect();
-        ASSERT_TRUE(RunUntil([&] { return !client->log.empty(); }));
-        EXPECT_EQ(client->TakeLog(), Log{"error:0:Timeout"}) << secure;
-        EXPECT_EQ(client->socket->State(), sockClosed);
-    }
 }
 
 // As a profiler's timer does it: a wait that began anew after each signal would never end.
@@ -151,7 +125,9 @@ TEST_F(Loopback, WhatNobodyServesCostsNoTime) {
     ignored->socket->Connect();
     server->socket->Disconnect();  // a closed connection is kept open on this side
     ASSERT_TRUE(RunUntil([&] { return client->log == Log{"closed"} && !ignored->log.empty(); }));
-    EXPECT_LT(CostOfWaiting(), 0.1);
+    double before = CpuSeconds();
+    RunUntil([] { return false; }, 1);
+    EXPECT_LT(CpuSeconds() - before, 0.3);
     EXPECT_EQ(std::count(listener->log.begin(), listener->log.end(), "request"), 2);
 }
 
@@ -168,18 +144,6 @@ TEST_F(Loopback, ALateByteFindsNoSocketUnderTheSameNumber) {
     ASSERT_TRUE(RunUntil([&] { return next->log.size() >= 2; }));
     EXPECT_EQ(next->log, (Log{"connect", "sent"}));
     EXPECT_EQ(client->log, Log());
-}
-
-TEST_F(Loopback, APumpInsideAHandlerDelivers) {
-    Establish();
-    server->on["data"] = [&] {
-        if (server->received != "question") return;
-        server->socket->SendData(u"answer");
-        EXPECT_TRUE(RunUntil([&] { return server->received == "question!"; }));
-    };
-    client->on["data"] = [&] { client->socket->SendData(u"!"); };
-    client->socket->SendData(u"question");
-    ASSERT_TRUE(RunUntil([&] { return server->received == "question!"; }));
 }
 
 TEST_F(Loopback, DescriptorZeroIsNeverASocket) {
@@ -202,16 +166,6 @@ TEST(SystemLoop, AQuitBeforeTheLoopRunsCounts) {
     MessageLoop::Run();
     bool ticked = false;
     EXPECT_TRUE(RunUntil([&] { return std::exchange(ticked, true); }));
-}
-
-TEST(SystemLoop, ATimerTicksUntilItIsKilled) {
-    static int ticks = 0;
-    TimerId timer = Environment::Current().SetTimer(0, [] { ++ticks; });
-    EXPECT_TRUE(RunUntil([] { return ticks >= 3; }));
-    Environment::Current().KillTimer(timer);
-    int before = ticks;
-    CostOfWaiting();
-    EXPECT_EQ(ticks, before);
 }
 
 // A static socket is closed after the thread's own data are gone.
