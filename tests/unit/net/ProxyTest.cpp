@@ -18,19 +18,18 @@ constexpr eProxy_Authentication kUserPass = KV_SocksUserPass;
 constexpr auto kOther = static_cast<eProxy_Authentication>(7);
 
 std::optional<std::uint32_t> Known(StringView) { return 0xC0000207; }
-std::optional<std::uint32_t> Unknown(StringView) { return {}; }
 
 Socks5Request Request(eProxy_Authentication authentication, bool remoteDns) {
     return {authentication, u"joe", u"p\u00E9", u"chat.example", 0x1466, remoteDns};
 }
 
-// What each reply was answered with; "!" marks the one that began the stream, "?" an unknown host.
+// What each reply was answered with; "!" marks the one that began the stream.
 std::string Play(Socks5Exchange& exchange, const Socks5Request& request,
-                 const std::vector<std::string>& replies, const Socks5Exchange::Resolver& resolve = Known) {
+                 const std::vector<std::string>& replies) {
     std::string answers;
     for (const std::string& reply : replies) {
-        Socks5Answer answer = exchange.Take(reply, request, resolve);
-        answers += answer.bytes + (answer.negotiated ? "!" : "") + (answer.unknownHost ? "?" : "") + "|";
+        Socks5Answer answer = exchange.Take(reply, request, Known);
+        answers += answer.bytes + (answer.negotiated ? "!" : "") + "|";
         EXPECT_EQ(exchange.IsNegotiated(), answer.negotiated);
     }
     return answers;
@@ -62,14 +61,6 @@ TEST(Socks5, AnswersEachReplyOfTheProxyHoweverItIsCut) {
         exchange.Greeting(row.request.authentication);
         EXPECT_EQ(Play(exchange, row.request, row.replies), row.answers) << row.what;
     }
-}
-
-TEST(Socks5, AnUnknownHostLeavesItWhereItIs) {
-    Socks5Exchange exchange;
-    exchange.Greeting(kNone);
-    Socks5Request request = Request(kNone, false);
-    EXPECT_EQ(Play(exchange, request, {"\5\0"s}, Unknown), "?|");
-    EXPECT_EQ(Play(exchange, request, {"\5\0"s}), kConnectByAddress + "|");
 }
 
 TEST(Socks5, TextsOfUpTo255CharactersFit) {
