@@ -1,5 +1,4 @@
-// The services on servers that people run. None of them answers browsing or conference queries any more, and
-// only jabberd2 lists agents.
+// The services on servers that people run. None of them answers browsing or conference queries any more.
 #include <gmock/gmock.h>
 
 #include "tests/real/Person.h"
@@ -131,15 +130,6 @@ TEST_P(Services, PublishACardAndShowItToOthers) {
     if (!isJabberd2) {
         EXPECT_EQ(reader.services->vcard->BusinessPhone(), u"123");
     }
-}
-
-TEST_P(Services, ListAgentsOrRefuse) {
-    User user(Server(), u"nostalgic");
-    ASSERT_TRUE(user.Join());
-    std::size_t errors = user.Events().Count("OnIQError");
-    user->FetchAgents();
-    EXPECT_TRUE(user.Told("AgentEnd"));
-    EXPECT_EQ(user.Events().Count("OnIQError") > errors, GetParam() != ServerKind::jabberd2);
 }
 
 // Only ejabberd has a directory of its users, and still understands the oldest form of entering a room: a

@@ -122,31 +122,9 @@ TEST_F(Loopback, ALateByteFindsNoSocketUnderTheSameNumber) {
     EXPECT_EQ(client->log, Log());
 }
 
-TEST_F(Loopback, DescriptorZeroIsNeverASocket) {
-    int input = dup(STDIN_FILENO);
-    close(STDIN_FILENO);
-    NewSocket made = Environment::Current().CreateSocket();
-    EXPECT_GT(made.id, 0);
-    Environment::Current().Close(made.id);
-    if (input >= 0) dup2(input, STDIN_FILENO);
-    if (input > 0) close(input);
-}
-
 TEST(SystemErrors, WhatNetworksForbidHasANumber) {
     EXPECT_EQ(SocketErrorFromErrno(EPERM), 10013);  // a firewall's word
     EXPECT_EQ(SocketErrorFromErrno(ENOMEM), 10055);
-}
-
-// A static socket is closed after the thread's own data are gone.
-TEST(SystemLoopDeathTest, ASocketInAStaticVariableIsClosedInPeace) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            static auto socket = std::make_shared<cSocketSSL>();
-            socket->Listen();
-            exit(0);
-        },
-        ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

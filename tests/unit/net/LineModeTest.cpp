@@ -42,18 +42,6 @@ TEST_F(LineMode, CutsWhatArrives) {
     }
 }
 
-TEST_F(LineMode, AHandlerMayPumpMessagesWithoutChangingTheOrder) {
-    auto client = Connected(u"\n");
-    client->on["line"] = [&] {
-        if (client->log.size() > 1) return;
-        environment.Peer().Say("c\nd");
-        environment.DoEvents();
-    };
-    environment.Peer().Say("a\nb\nb");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, (Log{"line:a", "line:b", "line:bc", "data:d"}));
-}
-
 TEST_F(LineMode, ANewConnectionBeginsWithNothingPending) {
     auto client = Connected(u"\n");
     client->on["line"] = [&] { client->socket->Connect(); };

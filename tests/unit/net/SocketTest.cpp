@@ -76,15 +76,6 @@ TEST_F(Socket, AConnectionThatFailsIsReportedOnceAndLeavesNothingOpen) {
     }
 }
 
-TEST_F(Socket, OneNotificationIsReadInBlocksOf2000UntilNothingIsLeft) {
-    auto client = Connected();
-    std::vector<std::size_t> sizes;
-    client->on["data"] = [&] { sizes.push_back(client->log.back().size() - 5); };
-    environment.Peer().Say(std::string(4500, 'x'));
-    environment.DoEvents();
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{2000, 2000, 500}));
-}
-
 TEST_F(Socket, WhatIsNotTakenWaitsInOrderAndIsReportedWhenItHasGone) {
     auto client = Connected();
     std::string numbers;
@@ -121,16 +112,6 @@ TEST_F(Socket, ASendThatFailsForGoodDropsTheQueueAndTheClosingReportsIt) {
     environment.DoEvents();
     EXPECT_EQ(environment.Peer().Heard(), "");
     EXPECT_EQ(client->log, (Log{"closed", "sent"}));
-}
-
-TEST_F(Socket, MarkedAsClosedItIsStillReallyClosedByDisconnect) {
-    auto client = Connected();
-    client->socket->State(sockClosed);
-    client->socket->SendData(u"lost");
-    EXPECT_FALSE(environment.Peer().ClientClosed());
-    client->socket->Disconnect();
-    EXPECT_TRUE(environment.Peer().ClientClosed());
-    EXPECT_EQ(environment.Peer().Heard(), "");
 }
 
 TEST_F(Socket, AHandlerThatDisconnectsOrConnectsAgainLeavesTheOldConnectionBehind) {

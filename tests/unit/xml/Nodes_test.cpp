@@ -55,18 +55,6 @@ TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
     EXPECT_FALSE(attribute.NextSibling() || unplaced.NextSibling());
 }
 
-TEST(XmlNode, RefusesNamesAndPlacesThatNoTreeHas) {
-    auto document = Loaded(u"<a><b><c/></b>t</a>");
-    XmlNode a = document->Root();
-    for (StringView name : {StringView(u""), StringView(u"x y"), StringView(u"<"), StringView(u"a\0", 2)}) {
-        EXPECT_EQ(ErrorOf([&] { a.AppendElement(name); }), 5);
-        EXPECT_EQ(ErrorOf([&] { a.SetAttribute(name, u""); }), 5);
-    }
-    EXPECT_EQ(ErrorOf([&] { a.Child(u"b").Child(u"c").AppendChild(a); }), 5);
-    EXPECT_EQ(ErrorOf([&] { a.AppendChild(a); }), 5);
-    EXPECT_EQ(document->Xml(), u"<a><b><c/></b>t</a>");
-}
-
 TEST(XmlNode, MovesAcrossDocumentsWithItsSubtreeAndHandles) {
     auto from = XmlDocument::Create();
     ASSERT_TRUE(from->LoadContent(u"<a i='1'><b>t</b></a> text <c/>"));
