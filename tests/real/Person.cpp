@@ -1,6 +1,5 @@
 #include "tests/real/Person.h"
 
-#include <algorithm>
 #include <iostream>
 
 #include "tests/real/RunUntil.h"

@@ -1,6 +1,8 @@
 // Somebody with a session on a server, a record of its events, and a loop that waits for them.
 #pragma once
 
+#include <algorithm>
+
 #include "quorix/session/cSession.h"
 #include "testkit/EventRecorder.h"
 #include "tests/real/Servers.h"

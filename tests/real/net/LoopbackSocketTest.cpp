@@ -1,10 +1,6 @@
 // The socket on the system's own sockets and message loop.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/time.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <ctime>
 
 #include "quorix/net/mSocketSSL.h"
@@ -59,25 +55,6 @@ TEST_F(Loopback, CarriesBytesBothWaysAlsoForAPumpInsideAHandlerAndCloses) {
     ASSERT_TRUE(RunUntil([&] { return client->log.size() >= 2; }));
     EXPECT_EQ(server->log, (Log{"data:question", "data:!"}));
     EXPECT_EQ(client->log, (Log{"data:answer", "closed"}));
-}
-
-// As a profiler's timer does it: a wait that began anew after each signal would never end.
-TEST_F(Loopback, SignalsDoNotProlongTheTimeOut) {
-    constexpr itimerval kOften{{0, 20000}, {0, 20000}};
-    static volatile std::sig_atomic_t left = 500;
-    const auto former = std::signal(SIGALRM, [](int) {
-        left = left - 1;
-        if (left == 0) abort();
-    });
-    setitimer(ITIMER_REAL, &kOften, nullptr);
-    listener->on.clear();  // the system connects, and nobody shakes hands
-    client->socket->SSLEnable(true);
-    client->socket->TimeOut(300);
-    client->socket->Connect();
-    EXPECT_EQ(client->log, Log{"error:10053:Software caused connection abort."});
-    constexpr itimerval kNever{};
-    setitimer(ITIMER_REAL, &kNever, nullptr);
-    std::signal(SIGALRM, former);
 }
 
 TEST_F(Loopback, AResetIsAClosing) {

@@ -146,15 +146,6 @@ TEST_F(Socket, AHandlerMayDropTheLastReference) {
     }
 }
 
-TEST_F(Socket, WhatAHandlerThrowsStopsNothing) {
-    auto client = Connected();
-    environment.LimitReads(2);
-    client->on["data"] = [] { throw std::runtime_error("a fault of the application"); };
-    environment.Peer().Say("abcd");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, (Log{"data:ab", "data:cd"}));
-}
-
 TEST_F(Socket, WhatAListenerCannotDoIsReported) {
     auto listener = SocketRecorder::Create();
     listener->socket->Listen();
@@ -165,12 +156,6 @@ TEST_F(Socket, WhatAListenerCannotDoIsReported) {
     EXPECT_EQ(second->log,
               (Log{"error:10048:Address already in use.", "error:10038:Socket operation on nonsocket."}));
     EXPECT_EQ(second->socket->State(), sockClosed);
-}
-
-TEST(SocketErrorTextTable, KnowsItsNumbersInTheirOwnSpelling) {
-    EXPECT_EQ(SocketErrorText(10093), u"Winsock not Initized.");
-    EXPECT_EQ(SocketErrorText(11004), u"Valid name, no data record of requested type.");
-    EXPECT_EQ(SocketErrorText(10005), u"");
 }
 
 }  // namespace
