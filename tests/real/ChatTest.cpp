@@ -11,8 +11,8 @@ using ::testing::HasSubstr;
 class Chat : public RealServerTest {};
 
 TEST_P(Chat, ASubscriptionIsAskedForGrantedAndEnded) {
-    Person ann(Server(), u"sub.ann", u"home");
-    Person bob(Server(), u"sub.bob", u"work");
+    Person ann(Server().Port(), u"sub.ann", u"home");
+    Person bob(Server().Port(), u"sub.bob", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join());
 
     ann->SendPresence(bob.jid, KV_Subscribe, u"bitte & d\u00e9j\u00e0");
@@ -43,8 +43,8 @@ TEST_P(Chat, ASubscriptionIsAskedForGrantedAndEnded) {
 }
 
 TEST_P(Chat, ASubscriptionIsDeniedAndTakenBack) {
-    Person ann(Server(), u"deny.ann", u"home");
-    Person bob(Server(), u"deny.bob", u"work");
+    Person ann(Server().Port(), u"deny.ann", u"home");
+    Person bob(Server().Port(), u"deny.bob", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join());
     ann->SendPresence(bob.jid, KV_Subscribe, u"");
     ASSERT_TRUE(bob.Sees("OnSubscriptionRequest deny.ann@localhost 2"));
@@ -64,9 +64,9 @@ TEST_P(Chat, ASubscriptionIsDeniedAndTakenBack) {
 }
 
 TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
-    Person home(Server(), u"rost.ann", u"home");
-    Person work(Server(), u"rost.ann", u"work");
-    const Person bob(Server(), u"rost.bob", u"x");
+    Person home(Server().Port(), u"rost.ann", u"home");
+    Person work(Server().Port(), u"rost.ann", u"work");
+    const Person bob(Server().Port(), u"rost.bob", u"x");
     ASSERT_TRUE(home.Join() && work.Return());
 
     auto contact = home->CreateRosterItem();
@@ -102,18 +102,22 @@ TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
 }
 
 TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
-    Person ann(Server(), u"ev.ann", u"caf\u00e9");
-    Person bob(Server(), u"ev.bob", u"work");
+    Person ann(Server().Port(), u"ev.ann", u"caf\u00e9");
+    Person bob(Server().Port(), u"ev.bob", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join());
-    auto message = ann->CreateMessage(u"ev.bob@localhost/work", MSG_Chat, u"da?", u"");
+    auto message =
+        ann->CreateMessage(u"ev.bob@localhost/work", MSG_Chat, u"a<b & \"Grüße\" Привет 中", u"été");
     message->AddEvent(KV_Displayed);
     message->AddEvent(KV_Composing);
     message->SendMessage();
     const std::string annsJid = "ev.ann@localhost/caf\xc3\x83\xc2\xa9";  // wire text
-    ASSERT_TRUE(bob.Sees("OnMessage da?") && bob.Sees("OnMessageEvent 0 1 " + annsJid) &&
+    ASSERT_TRUE(bob.Sees("OnMessage a<b") && bob.Sees("OnMessageEvent 0 1 " + annsJid) &&
                 bob.Sees("OnMessageEvent 0 2 " + annsJid));
 
     const auto heard = bob.log->messages.back();
+    EXPECT_EQ(heard->Body(), u"a<b & \"Grüße\" Привет 中");
+    EXPECT_EQ(heard->Subject(), u"été");
+    EXPECT_EQ(heard->MSG_Type(), MSG_Chat);
     bob->SendEvent(heard->FromJid(), KV_Displayed, heard->ID());
     bob->SendEvent(heard->FromJid(), KV_Composing, heard->ID());
     bob->SendEvent(heard->FromJid(), KV_Composing, heard->ID(), true);
@@ -123,9 +127,9 @@ TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
 }
 
 TEST_P(Chat, MarkupContactsAndCopiesArrive) {
-    Person ann(Server(), u"ext.ann", u"home");
-    Person bob(Server(), u"ext.bob", u"work");
-    Person eve(Server(), u"ext.eve", u"work");
+    Person ann(Server().Port(), u"ext.ann", u"home");
+    Person bob(Server().Port(), u"ext.bob", u"work");
+    Person eve(Server().Port(), u"ext.eve", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join() && eve.Join());
 
     auto message = ann->CreateMessage(u"ext.bob@localhost/work", MSG_Normal, u"plain", u"S\u00e9");
@@ -149,8 +153,8 @@ TEST_P(Chat, MarkupContactsAndCopiesArrive) {
 }
 
 TEST_P(Chat, AMessageWaitsForItsRecipient) {
-    Person ann(Server(), u"off.ann", u"home");
-    Person bob(Server(), u"off.bob", u"work");
+    Person ann(Server().Port(), u"off.ann", u"home");
+    Person bob(Server().Port(), u"off.bob", u"work");
     ASSERT_TRUE(ann.Join() && bob.Join());
     bob->SendXML(u"<presence to='off.ann@localhost/home'/>");
     ASSERT_TRUE(ann.Sees("OnPresence off.bob@localhost work 1"));
@@ -169,7 +173,7 @@ TEST_P(Chat, AMessageWaitsForItsRecipient) {
 // What one sends of one's own presence comes back from some servers: a client must know itself in the list.
 // "available" is the meaning of no type, and not a type that every server takes; "invisible" is an extension.
 TEST_P(Chat, ServersDifferAboutOnesOwnPresence) {
-    Person ann(Server(), u"own.ann", u"home");
+    Person ann(Server().Port(), u"own.ann", u"home");
     ASSERT_TRUE(ann.Join());
     const std::string own = "OnPresence own.ann@localhost home 1";
     EXPECT_EQ(ann.HasSeen(own), GetParam() != ServerKind::jabberd2);

@@ -1,4 +1,4 @@
-#include "tests/real/Kinds.h"
+#include "tests/real/RealServer.h"
 
 namespace quorix::real {
 namespace {
@@ -12,11 +12,8 @@ constexpr const char* kSaveOften =
 constexpr const char* kSettings = R"(
 hosts: [localhost]
 loglevel: warning
-log_rotate_count: 0
-language: en
 auth_method: internal
 auth_password_format: plain
-disable_sasl_mechanisms: []
 acme: {auto: false}
 acl:
   loopback: {ip: [127.0.0.0/8]}
@@ -33,9 +30,7 @@ modules:
     access: everybody
     access_create: everybody
     access_persistent: everybody
-    default_room_options: {persistent: false}
   mod_offline: {access_max_user_messages: max_user_offline_messages}
-  mod_ping: {}
   mod_private: {}
   mod_register:
     access: everybody

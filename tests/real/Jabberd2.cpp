@@ -1,12 +1,10 @@
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
-#include "tests/real/Kinds.h"
 #include "tests/real/Loopback.h"
+#include "tests/real/RealServer.h"
 
 namespace quorix::real {
 namespace {
@@ -15,34 +13,7 @@ constexpr const char* kPackaged = "/etc/jabberd2/";
 constexpr std::chrono::milliseconds kWordTravels{50};
 constexpr const char* kTables = "/usr/share/doc/jabberd2/db-setup.sqlite.gz";
 
-// "" when there is no such file.
-std::string Contents(const std::string& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
-
-// A packaged file, changed where this server differs from it.
-class Settings {
-public:
-    explicit Settings(const std::string& name) : name_(name), text_(Contents(kPackaged + name)) {}
-
-    // A packaged file that no longer has the text would leave the server on the machine's own files and
-    // ports.
-    Settings& Replace(const std::string& old, const std::string& now) {
-        auto at = text_.find(old);
-        if (at == std::string::npos) throw std::runtime_error(name_ + " has no " + old);
-        for (; at != std::string::npos; at = text_.find(old, at + now.size()))
-            text_.replace(at, old.size(), now);
-        return *this;
-    }
-
-    const std::string& Text() const { return text_; }
-
-private:
-    std::string name_;
-    std::string text_;
-};
+using Changes = std::vector<std::pair<std::string, std::string>>;
 
 std::size_t Count(const std::string& text, const std::string& part) {
     std::size_t count = 0;
@@ -69,34 +40,37 @@ public:
 
 private:
     void Configure() override {
-        Write("router.xml", Own("router")
-                                .Replace("<ip>0.0.0.0</ip>", "<ip>127.0.0.1</ip>")
-                                .Replace("/etc/jabberd2/router-users.xml", File("router-users.xml"))
-                                .Text());
+        const std::pair<std::string, std::string> loopback = {"<ip>0.0.0.0</ip>", "<ip>127.0.0.1</ip>"};
+        const Changes accounts = {{"localhost.localdomain", "localhost"},
+                                  {"/var/lib/jabberd2/sqlite.db", File("accounts.db")}};
+        WriteOwn("router", {loopback, {"/etc/jabberd2/router-users.xml", File("router-users.xml")}});
         Write("router-users.xml", Contents(std::string(kPackaged) + "router-users.xml"));
         Write("router-filter.xml", "<rules/>");
-        Write("sm.xml", Own("sm")
-                            .Replace("localhost.localdomain", "localhost")
-                            .Replace("/var/lib/jabberd2/sqlite.db", File("accounts.db"))
-                            .Text());
-        Write("c2s.xml", Own("c2s")
-                             .Replace("localhost.localdomain", "localhost")
-                             .Replace("/var/lib/jabberd2/sqlite.db", File("accounts.db"))
-                             .Replace("<ip>0.0.0.0</ip>", "<ip>127.0.0.1</ip>")
-                             .Replace("<port>5222</port>", PortElement(Port()))
-                             .Replace("<stanzasize>65535</stanzasize>", "<stanzasize>0</stanzasize>")
-                             .Text());
+        WriteOwn("sm", accounts);
+        WriteOwn("c2s", {accounts[0],
+                         accounts[1],
+                         loopback,
+                         {"<port>5222</port>", PortElement(Port())},
+                         {"<stanzasize>65535</stanzasize>", "<stanzasize>0</stanzasize>"}});
         const std::string tables =
             "zcat " + std::string(kTables) + " | sqlite3 '" + File("accounts.db") + "' >/dev/null";
         if (std::system(tables.c_str()) != 0) throw std::runtime_error("Failed: " + tables);
     }
 
-    // What every program of the server is told alike.
-    Settings Own(const std::string& program) const {
-        return Settings(program + ".xml")
-            .Replace("/var/run/jabberd2/" + program + ".pid", File(program + ".pid"))
-            .Replace("/var/log/jabberd2/" + program + ".log", File(program + ".log"))
-            .Replace("<port>5347</port>", PortElement(router_port_));
+    // A packaged file, changed where this server differs from it. One that no longer has a text would leave
+    // the server on the machine's own files and ports.
+    void WriteOwn(const std::string& program, Changes changes) const {
+        changes.insert(changes.end(), {{"/var/run/jabberd2/" + program + ".pid", File(program + ".pid")},
+                                       {"/var/log/jabberd2/" + program + ".log", File(program + ".log")},
+                                       {"<port>5347</port>", PortElement(router_port_)}});
+        std::string text = Contents(kPackaged + program + ".xml");
+        for (const auto& [old, now] : changes) {
+            auto at = text.find(old);
+            if (at == std::string::npos) throw std::runtime_error(program + ".xml has no " + old);
+            for (; at != std::string::npos; at = text.find(old, at + now.size()))
+                text.replace(at, old.size(), now);
+        }
+        Write(program + ".xml", text);
     }
 
     void Launch() override {
@@ -117,6 +91,6 @@ private:
 
 }  // namespace
 
-std::unique_ptr<RealServer> MakeJabberd2() { return std::make_unique<Jabberd2>(); }
+std::unique_ptr<RealServer> MakeJabberd2(const Certificate* /*none*/) { return std::make_unique<Jabberd2>(); }
 
 }  // namespace quorix::real

@@ -1,9 +1,16 @@
-// Somebody who chats: logged in, with the roster, available, and with a record of what is told about chat.
+// Somebody with a session on a server, a record of its events, and a loop that waits for them.
 #pragma once
 
-#include "tests/real/Client.h"
+#include <algorithm>
+
+#include "quorix/session/cSession.h"
+#include "testkit/EventRecorder.h"
+#include "tests/real/Servers.h"
 
 namespace quorix::real {
+
+using testkit::EventRecorder;
+using testkit::Lines;
 
 // The first of `lines` that begins so.
 inline Lines::const_iterator Find(const Lines& lines, const std::string& start) {
@@ -11,60 +18,46 @@ inline Lines::const_iterator Find(const Lines& lines, const std::string& start) 
                         [&](const std::string& line) { return line.rfind(start, 0) == 0; });
 }
 
-class Person : public Client {
-public:
-    Person(const RealServer& server, StringView name, StringView resource)
-        : Client(server, name, resource), jid(Concat({name, u"@localhost"})) {
-        (*this)->Reconnect(false);
-        (*this)->Advise(log);
-    }
+// Whether a text is anywhere in `lines`.
+inline bool Holds(const Lines& lines, const std::string& text) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
 
+class Person {
+public:
+    // The account need not exist; see Join. The login is the strongest that the server offers.
+    Person(int port, StringView name, StringView resource);
+    ~Person();
+
+    cSession* operator->() const { return session_.get(); }
+    EventRecorder& Events() const { return *events_; }
+
+    // Each of these runs the message loop, and tells whether it came to pass within ten seconds.
+
+    // Logged in, with the roster, and available; the first creates the account.
     bool Join() { return Connect(true) && Appear(); }
     bool Return() { return Connect(false) && Appear(); }
-
-    // An event that begins so; Sees waits for it and forgets everything up to it.
-    bool HasSeen(const std::string& start) const { return Find(log->lines, start) != log->lines.end(); }
-    bool Sees(const std::string& start) {
-        if (!Await([&] { return HasSeen(start); })) return false;
-        log->lines.erase(log->lines.begin(), Find(log->lines, start) + 1);
-        return true;
-    }
-
+    bool Await(const std::function<bool()>& condition) const;
+    bool AwaitEvent(const std::string& event, std::size_t count = 1) const;
+    // Waits for an event of chat that begins so, and forgets everything up to it.
+    bool Sees(const std::string& start);
     // Everything that was sent before has been answered when this returns.
-    bool Settle() {
-        std::size_t before = Events().Count("OnIQ");
-        (*this)->SendVersionRequest(u"localhost");
-        return AwaitEvent("OnIQ", before + 1);
-    }
+    bool Settle();
 
-    std::shared_ptr<cRosterItem> Contact(const Person& other) const {
-        std::int16_t index = (*this)->FindRosterItem(other.jid);
-        return index > 0 ? (*this)->Roster().Item(index) : nullptr;
-    }
+    bool HasSeen(const std::string& start) const { return Find(log->lines, start) != log->lines.end(); }
+    std::shared_ptr<cRosterItem> Contact(const Person& other) const;
 
     const String jid;
     // What has not been seen yet; Events() keeps everything.
     const std::shared_ptr<EventRecorder> log = std::make_shared<EventRecorder>();
 
 private:
-    // jabberd2 names a session after the number of its socket, and ends a new one now and then when it means
-    // the one that had the number before: so another attempt.
-    bool Connect(bool isNew) {
-        for (int attempt = 0; attempt < 3; ++attempt) {
-            Events().Take();
-            (*this)->Connect(isNew);
-            auto loggedIn = [&] { return Events().Count("OnAuthorized") > 0; };
-            std::size_t endings = isNew ? 2 : 1;  // the first ends the registration
-            Await([&] { return loggedIn() || Events().Count("OnDisConnected") == endings; });
-            if (loggedIn()) return true;
-        }
-        return false;
-    }
-    bool Appear() {
-        (*this)->FetchRoster();
-        (*this)->SendMyPresence();
-        return Sees("OnRosterEnd") && Settle();
-    }
+    bool Connect(bool isNew);
+    bool Appear();
+
+    std::shared_ptr<cSession> session_ = cSession::Create();
+    std::shared_ptr<EventRecorder> events_ = std::make_shared<EventRecorder>();
 };
 
 }  // namespace quorix::real

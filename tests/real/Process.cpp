@@ -28,26 +28,16 @@ std::vector<std::string> CommandLine(const ProcessSetup& setup) {
     if (geteuid() == 0 && !setup.user.empty()) {
         line.insert(line.end(), {"--reuid=" + setup.user, "--regid=" + setup.user, "--init-groups"});
     }
+    line.emplace_back("env");
+    for (const auto& [name, value] : setup.environment) line.push_back(name + "=" + value);
     line.insert(line.end(), setup.command.begin(), setup.command.end());
     return line;
-}
-
-std::vector<std::string> Environment(const ProcessSetup& setup) {
-    std::vector<std::string> variables;
-    for (const auto& [name, value] : setup.environment) variables.push_back(name + "=" + value);
-    for (char** own = environ; *own != nullptr; ++own) {
-        const std::string variable = *own;
-        if (!setup.environment.contains(variable.substr(0, variable.find('='))))
-            variables.push_back(variable);
-    }
-    return variables;
 }
 
 }  // namespace
 
 Process::Process(const ProcessSetup& setup) {
     auto line = CommandLine(setup);
-    auto variables = Environment(setup);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, setup.folder.c_str());
@@ -59,8 +49,8 @@ Process::Process(const ProcessSetup& setup) {
     posix_spawnattr_init(&attributes);
     // Its own session, which Linux schedules as a group: a build at work beside the tests does not starve it.
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    const int error = posix_spawnp(&pid_, line[0].c_str(), &actions, &attributes, Pointers(line).data(),
-                                   Pointers(variables).data());
+    const int error =
+        posix_spawnp(&pid_, line[0].c_str(), &actions, &attributes, Pointers(line).data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     Require(error, setup.command[0]);

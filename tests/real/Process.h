@@ -17,7 +17,7 @@ struct ProcessSetup {
     std::map<std::string, std::string> environment;  // added to the test's own
     std::string folder;                              // current folder of the program
     std::string log;                                 // file that takes what it prints, appended
-    std::string user;                                // account it runs as; the test's own unless that is root
+    std::string user = {};                           // account it runs as; the test's own unless that is root
     std::string input = "/dev/null";                 // file that it reads
 };
 

@@ -1,4 +1,4 @@
-#include "tests/real/Kinds.h"
+#include "tests/real/RealServer.h"
 
 namespace quorix::real {
 namespace {

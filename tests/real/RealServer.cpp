@@ -4,7 +4,6 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <sstream>
@@ -21,31 +20,11 @@ using namespace std::chrono_literals;
 
 // A start takes 2 s on an idle machine, and can take over 30 on a busy one.
 constexpr auto kPatience = 120s;
-constexpr std::size_t kShown = 2000;  // characters of each log when a server fails
 
 fs::path TemporaryFolder() {
     std::string name = fs::temp_directory_path() / "quorix-server-XXXXXX";
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("No temporary folder: " + name);
     return name;
-}
-
-std::string Contents(const fs::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
-
-// A header alone is answered too early: what follows may be an error while the server's parts find each
-// other.
-bool AnswersQuery(int port) {
-    try {
-        Connection connection(port);
-        connection.Send(std::string(kStreamHeader) +
-                        "<iq type='get' id='up'><query xmlns='jabber:iq:register'/></iq>");
-        return connection.ReceiveUntil("<iq").find("result") != std::string::npos;
-    } catch (const std::runtime_error&) {
-        return false;
-    }
 }
 
 }  // namespace
@@ -89,6 +68,12 @@ void RealServer::Kill() {
     processes_.clear();
 }
 
+std::string RealServer::Contents(const fs::path& file) {
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+}
+
 void RealServer::Write(const std::string& name, const std::string& text) const {
     if (!(std::ofstream(folder_ / name) << text)) throw std::runtime_error("Cannot write " + File(name));
 }
@@ -112,10 +97,7 @@ void RealServer::Await(const std::string& what, const std::function<bool()>& rea
 
 void RealServer::Fail(const std::string& what) const {
     std::string message = what;
-    for (const auto& file : fs::directory_iterator(folder_)) {
-        if (file.path().extension() == ".log")
-            message += "\n" + file.path().string() + ":\n" + Contents(file);
-    }
+    for (const auto& log : Logs()) message += "\n" + log.string() + ":\n" + Contents(log);
     throw std::runtime_error(message);
 }
 

@@ -53,6 +53,7 @@ protected:
     // Returns when what clients were told can no longer be lost.
     virtual void Settle() {}
 
+    static std::string Contents(const std::filesystem::path& file);  // "" when there is no such file
     std::string File(const std::string& name) const { return (folder_ / name).string(); }
     void Write(const std::string& name, const std::string& text) const;
     void Run(std::vector<std::string> command, std::map<std::string, std::string> environment = {});
@@ -72,5 +73,10 @@ private:
     bool configured_ = false;
     std::vector<std::unique_ptr<Process>> processes_;
 };
+
+// Each not started yet. jabberd2 takes no certificate.
+std::unique_ptr<RealServer> MakeEjabberd(const Certificate* certificate);
+std::unique_ptr<RealServer> MakeProsody(const Certificate* certificate);
+std::unique_ptr<RealServer> MakeJabberd2(const Certificate* certificate);
 
 }  // namespace quorix::real

@@ -5,8 +5,6 @@
 #include <map>
 #include <vector>
 
-#include "tests/real/Kinds.h"
-
 namespace quorix::real {
 namespace {
 
@@ -18,40 +16,32 @@ RealServer& Shared(ServerKind kind) {
     return *server;
 }
 
-std::vector<std::string> Needs(ServerKind kind) {
-    switch (kind) {
-        case ServerKind::ejabberd: return {"/usr/bin/erl", "/usr/sbin/ejabberdctl"};
-        case ServerKind::prosody: return {"/usr/bin/prosody"};
-        case ServerKind::jabberd2: return {"/usr/sbin/jabberd2-c2s", "/usr/bin/sqlite3"};
-    }
-    return {};
+struct Kind {
+    const char* name;
+    std::vector<std::string> needs;
+    std::unique_ptr<RealServer> (*make)(const Certificate*);
+};
+
+const Kind& Of(ServerKind kind) {
+    static const Kind kinds[] = {{"ejabberd", {"/usr/bin/erl", "/usr/sbin/ejabberdctl"}, MakeEjabberd},
+                                 {"prosody", {"/usr/bin/prosody"}, MakeProsody},
+                                 {"jabberd2", {"/usr/sbin/jabberd2-c2s", "/usr/bin/sqlite3"}, MakeJabberd2}};
+    return kinds[static_cast<int>(kind)];
 }
 
 }  // namespace
 
-const char* Name(ServerKind kind) {
-    switch (kind) {
-        case ServerKind::ejabberd: return "ejabberd";
-        case ServerKind::prosody: return "prosody";
-        case ServerKind::jabberd2: return "jabberd2";
-    }
-    return "";
-}
+const char* Name(ServerKind kind) { return Of(kind).name; }
 
 std::string WhyMissing(ServerKind kind) {
-    for (const auto& file : Needs(kind)) {
+    for (const auto& file : Of(kind).needs) {
         if (!std::filesystem::exists(file)) return std::string(Name(kind)) + " needs " + file;
     }
     return "";
 }
 
 std::unique_ptr<RealServer> MakeServer(ServerKind kind, const Certificate* certificate) {
-    switch (kind) {
-        case ServerKind::ejabberd: return MakeEjabberd(certificate);
-        case ServerKind::prosody: return MakeProsody(certificate);
-        case ServerKind::jabberd2: return MakeJabberd2();
-    }
-    return nullptr;
+    return Of(kind).make(certificate);
 }
 
 void SkipOrFail(const std::string& reason) {

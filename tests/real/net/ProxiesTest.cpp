@@ -5,14 +5,9 @@
 #include <csignal>
 #include <filesystem>
 
-#include "quorix/session/cSession.h"
 #include "testkit/LoopbackServer.h"
-#include "testkit/TemporaryFolder.h"
-#include "tests/real/Loopback.h"
-#include "tests/real/Servers.h"
+#include "tests/real/Person.h"
 #include "tests/real/net/Peer.h"
-#include "tests/real/net/RunUntil.h"
-#include "tests/real/net/Witness.h"
 
 namespace quorix::real {
 namespace {
@@ -23,17 +18,9 @@ class ThroughSocks : public ::testing::Test {
 protected:
     ThroughSocks() {
         server->AddAccount(u"juliet", {u"secret"});
-        session->Advise(witness);
-        session->ServerAddress(u"localhost");
-        session->Port(static_cast<std::int16_t>(server->Start()));
-        session->username(u"juliet");
-        session->Password(u"secret");
-        session->Resource(u"test");
-        session->Reconnect(false);
-        session->ProxyType(KV_SOCKS5Proxy);
-        session->ProxyHostname(u"127.0.0.1");
+        juliet->ProxyType(KV_SOCKS5Proxy);
+        juliet->ProxyHostname(u"127.0.0.1");
     }
-    ~ThroughSocks() override { session->Disconnect(); }
 
     void SetUp() override {
         for (const char* program : {"/usr/bin/microsocks", "/usr/sbin/danted"}) {
@@ -41,24 +28,14 @@ protected:
         }
     }
 
-    void ConnectThrough(const Peer& proxy) {
-        *witness = Witness();
-        session->ProxyPort(proxy.Port());
-        session->Connect();
-    }
-
-    void LogInAs(StringView name, StringView password) {
-        session->ProxyAuthentication(KV_SocksUserPass);
-        session->ProxyUsername(name);
-        session->ProxyPassword(password);
-    }
-
-    // A login, and a message to the contact who answers each.
-    void Chat() {
-        ASSERT_TRUE(RunUntil([&] { return witness->logins == 1; })) << folder.Read("peer.log");
-        session->CreateMessage(LoopbackServer::kContact, MSG_Chat, u"\u00E9\u20AC", u"")->SendMessage();
-        ASSERT_TRUE(RunUntil([&] { return !witness->body.empty(); }));
-        EXPECT_NE(witness->body.find(u"\u00E9\u20AC"), String::npos);
+    void ConnectThrough(const Peer& proxy, StringView name = u"", StringView password = u"") {
+        juliet->ProxyAuthentication(name.empty() ? KV_SocksNoAuth : KV_SocksUserPass);
+        juliet->ProxyUsername(name);
+        juliet->ProxyPassword(password);
+        juliet->ProxyPort(proxy.Port());
+        juliet->Disconnect();
+        juliet.Events().Take();
+        juliet->Connect();
     }
 
     std::unique_ptr<Peer> Microsocks(const std::vector<std::string>& options = {}) {
@@ -82,51 +59,50 @@ protected:
 
     testkit::TemporaryFolder folder;
     std::shared_ptr<LoopbackServer> server = LoopbackServer::Create();
-    std::shared_ptr<cSession> session = cSession::Create();
-    std::shared_ptr<Witness> witness = std::make_shared<Witness>();
+    Person juliet{server->Start(), u"juliet", u"test"};
 };
 
 TEST_F(ThroughSocks, TheTunnelOpensInBothForms) {
+    auto chat = [&] {
+        ASSERT_TRUE(juliet.AwaitEvent("OnAuthorized")) << folder.Read("peer.log");
+        juliet->CreateMessage(LoopbackServer::kContact, MSG_Chat, u"\u00E9\u20AC", u"")->SendMessage();
+        ASSERT_TRUE(juliet.AwaitEvent("OnMessage"));
+        EXPECT_NE(juliet.log->messages.back()->Body().find(u"\u00E9\u20AC"), String::npos);
+    };
     for (const auto& proxy : {Microsocks(), Dante("pass")}) {
         for (bool remote : {false, true}) {
-            session->ProxyUseRemoteDNS(remote);
+            juliet->ProxyUseRemoteDNS(remote);
             ConnectThrough(*proxy);
-            Chat();
+            chat();
         }
     }
-}
-
-TEST_F(ThroughSocks, AProxyMayAskForNameAndPassword) {
-    auto proxy = Microsocks({"-u", "joe", "-P", "pw"});
-    LogInAs(u"joe", u"pw");
-    ConnectThrough(*proxy);
-    Chat();
+    auto asking = Microsocks({"-u", "joe", "-P", "pw"});
+    ConnectThrough(*asking, u"joe", u"pw");
+    chat();
 }
 
 TEST_F(ThroughSocks, ARefusalEndsWithoutALogin) {
-    auto expectRefusal = [&](const char* what, const std::unique_ptr<Peer>& proxy) {
-        ConnectThrough(*proxy);
-        EXPECT_TRUE(RunUntil([&] { return witness->endings == 1; })) << what;
-        EXPECT_EQ(witness->logins, 0) << what;
-        EXPECT_EQ(witness->socketError, -1) << what;
+    auto expectRefusal = [&](const std::unique_ptr<Peer>& proxy, StringView password = u"") {
+        ConnectThrough(*proxy, password.empty() ? u"" : u"joe", password);
+        EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected"));
+        EXPECT_EQ(juliet.Events().lines, Lines{"OnDisConnected"});
     };
-    expectRefusal("no password", Microsocks({"-u", "joe", "-P", "pw"}));
-    expectRefusal("a rule", Dante("block"));
-    LogInAs(u"joe", u"wrong");
-    expectRefusal("a wrong password", Microsocks({"-u", "joe", "-P", "pw"}));
-    session->ProxyAuthentication(KV_SocksNoAuth);
-    session->Port(static_cast<std::int16_t>(FreePort()));
-    expectRefusal("a port where nobody listens", Microsocks());
+    expectRefusal(Dante("block"));
+    auto proxy = Microsocks({"-u", "joe", "-P", "pw"});
+    expectRefusal(proxy);
+    expectRefusal(proxy, u"wrong");
+    juliet->Port(static_cast<std::int16_t>(FreePort()));  // where nobody listens
+    expectRefusal(proxy, u"pw");
 }
 
 TEST_F(ThroughSocks, ASilentProxyIsWaitedForUntilItIsGone) {
     auto proxy = Microsocks();
     proxy->Signal(SIGSTOP);
     ConnectThrough(*proxy);
-    EXPECT_FALSE(RunUntil([&] { return witness->endings + witness->logins > 0; }, 1));
-    EXPECT_TRUE(session->IsConnected());
+    EXPECT_FALSE(RunUntil([&] { return !juliet.Events().lines.empty(); }, 1));
+    EXPECT_TRUE(juliet->IsConnected());
     proxy->Signal(SIGKILL);
-    EXPECT_TRUE(RunUntil([&] { return witness->endings == 1; }));
+    EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected"));
 }
 
 }  // namespace

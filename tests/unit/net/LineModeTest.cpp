@@ -7,80 +7,43 @@
 namespace quorix::testing_net {
 namespace {
 
-struct LineCase {
-    const char* name;
-    const char16_t* separator;
-    std::vector<std::string> reads;
-    Log events;
-};
-
-class LineMode : public ::testing::TestWithParam<LineCase> {
-public:
-    static std::shared_ptr<SocketRecorder> Connected(testkit::DeterministicEnvironment& environment,
-                                                     StringView separator) {
+class LineMode : public ::testing::Test {
+protected:
+    std::shared_ptr<SocketRecorder> Connected(StringView separator) {
         auto client = SocketRecorder::Connecting();
         client->socket->LineSeparator(separator);
         environment.DoEvents();
         client->TakeLog();
         return client;
     }
+
+    testkit::DeterministicEnvironment environment;
 };
 
-TEST_P(LineMode, CutsWhatArrives) {
-    testkit::DeterministicEnvironment environment;
-    auto client = Connected(environment, GetParam().separator);
-    for (const std::string& read : GetParam().reads) environment.Peer().Say(read);
-    environment.DoEvents();
-    EXPECT_EQ(client->log, GetParam().events);
-}
-
-const std::string kNul(1, '\0');
-
-INSTANTIATE_TEST_SUITE_P(
-    Reads, LineMode,
-    ::testing::Values(
-        LineCase{"OneLine", u"\n", {"abc\n"}, {"line:abc"}},
-        LineCase{"SeveralAndEmptyLines", u"\n", {"a\n\nb\n"}, {"line:a", "line:", "line:b"}},
-        LineCase{"TheRestIsDataAndStaysPending",
-                 u"\n",
-                 {"a\nbc", "d", "e\nf"},
-                 {"line:a", "data:bc", "data:d", "line:bcde", "data:f"}},
-        LineCase{"ASplitSeparator", u"\r\n", {"ab\r", "\ncd\r\n"}, {"data:ab\r", "line:ab", "line:cd"}},
-        LineCase{"ASeparatorThatOverlapsItself", u"aab", {"xa", "a", "ab"}, {"data:xa", "data:a", "line:xa"}},
-        LineCase{"ANulCutsItsBlock", u"\n", {"ab" + kNul + "c\nd", "e\n"}, {"data:ab", "line:abe"}},
-        LineCase{"ANulAtTheFront", u"\n", {kNul + "c\n", "d\n"}, {"line:d"}},
-        LineCase{"BytesAbove127", u"\u00E9", {"\xC3\xA9\xE9\xFF"}, {"line:\xC3\xA9", "data:\xFF"}},
-        LineCase{"ASeparatorThatNoByteIs", u"\u20AC", {"a?b"}, {"data:a?b"}}),
-    [](const auto& row) { return row.param.name; });
-
-TEST(LineModeHandlers, MaySwitchTheMode) {
-    testkit::DeterministicEnvironment environment;
-    auto client = LineMode::Connected(environment, u"\n");
-    client->on["line"] = [&] {
-        client->socket->LineSeparator(client->log.size() == 1 ? StringView(u";") : StringView());
+TEST_F(LineMode, CutsWhatArrives) {
+    struct Row {
+        const char16_t* separator;
+        std::vector<std::string> reads;
+        Log events;
     };
-    environment.Peer().Say("a\nb;c\nd");
-    environment.Peer().Say("e\n");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, (Log{"line:a", "line:b", "data:c\nd", "data:e\n"}));
-}
-
-TEST(LineModeHandlers, MayPumpMessagesWithoutChangingTheOrder) {
-    testkit::DeterministicEnvironment environment;
-    auto client = LineMode::Connected(environment, u"\n");
-    client->on["line"] = [&] {
-        if (client->log.size() > 1) return;
-        environment.Peer().Say("c\nd");
+    const std::string nul(1, '\0');
+    for (const Row& row :
+         {Row{u"\n", {"a\n\nb\n"}, {"line:a", "line:", "line:b"}},
+          {u"\n", {"a\nbc", "d", "e\nf"}, {"line:a", "data:bc", "data:d", "line:bcde", "data:f"}},
+          {u"\r\n", {"ab\r", "\ncd\r\n"}, {"data:ab\r", "line:ab", "line:cd"}},
+          {u"aab", {"xa", "a", "ab"}, {"data:xa", "data:a", "line:xa"}},
+          {u"\n", {"ab" + nul + "c\nd", nul + "e\n", "f\n"}, {"data:ab", "line:abf"}},
+          {u"\u00E9", {"\xC3\xA9\xE9\xFF"}, {"line:\xC3\xA9", "data:\xFF"}},
+          {u"\u20AC", {"a?b"}, {"data:a?b"}}}) {
+        auto client = Connected(row.separator);
+        for (const std::string& read : row.reads) environment.Peer().Say(read);
         environment.DoEvents();
-    };
-    environment.Peer().Say("a\nb\nb");
-    environment.DoEvents();
-    EXPECT_EQ(client->log, (Log{"line:a", "line:b", "line:bc", "data:d"}));
+        EXPECT_EQ(client->log, row.events);
+    }
 }
 
-TEST(LineModeHandlers, ANewConnectionBeginsWithNothingPending) {
-    testkit::DeterministicEnvironment environment;
-    auto client = LineMode::Connected(environment, u"\n");
+TEST_F(LineMode, ANewConnectionBeginsWithNothingPending) {
+    auto client = Connected(u"\n");
     client->on["line"] = [&] { client->socket->Connect(); };
     environment.Peer().Say("old");
     environment.Peer().Say(" line\nolder\nrest");

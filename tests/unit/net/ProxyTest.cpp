@@ -18,19 +18,18 @@ constexpr eProxy_Authentication kUserPass = KV_SocksUserPass;
 constexpr auto kOther = static_cast<eProxy_Authentication>(7);
 
 std::optional<std::uint32_t> Known(StringView) { return 0xC0000207; }
-std::optional<std::uint32_t> Unknown(StringView) { return {}; }
 
 Socks5Request Request(eProxy_Authentication authentication, bool remoteDns) {
     return {authentication, u"joe", u"p\u00E9", u"chat.example", 0x1466, remoteDns};
 }
 
-// What each reply was answered with; "!" marks the one that began the stream, "?" an unknown host.
+// What each reply was answered with; "!" marks the one that began the stream.
 std::string Play(Socks5Exchange& exchange, const Socks5Request& request,
-                 const std::vector<std::string>& replies, const Socks5Exchange::Resolver& resolve = Known) {
+                 const std::vector<std::string>& replies) {
     std::string answers;
     for (const std::string& reply : replies) {
-        Socks5Answer answer = exchange.Take(reply, request, resolve);
-        answers += answer.bytes + (answer.negotiated ? "!" : "") + (answer.unknownHost ? "?" : "") + "|";
+        Socks5Answer answer = exchange.Take(reply, request, Known);
+        answers += answer.bytes + (answer.negotiated ? "!" : "") + "|";
         EXPECT_EQ(exchange.IsNegotiated(), answer.negotiated);
     }
     return answers;
@@ -50,11 +49,8 @@ TEST(Socks5, AnswersEachReplyOfTheProxyHoweverItIsCut) {
         {"by address", Request(kNone, false), {"\5\0"s, kGranted}, byAddress + "!|"},
         {"by name", Request(kNone, true), {"\5\0"s, kGranted}, byName + "!|"},
         {"login", Request(kUserPass, false), {"\5\2", "\1\0"s, kGranted}, login + byAddress + "!|"},
-        {"login, by name", Request(kUserPass, true), {"\5\2", "\1\0"s, kGranted}, login + byName + "!|"},
-        {"no method", Request(kNone, true), {"\5\xFF"}, byName},
         {"wrong password", Request(kUserPass, true), {"\5\2", "\1\1"}, login + byName},
         {"refused, then granted", Request(kNone, true), {"\5\0"s, kRefused, kGranted}, byName + "|!|"},
-        {"another version", Request(kNone, true), {"\5\0"s, "\4\0\0"s}, byName + "|"},
         {"cut in the last", Request(kNone, true), {"\5\0"s, "\5", "\0"s}, byName + "||"},
         {"cut in the first", Request(kNone, true), {"\5", "\0"s, kGranted}, byName + "|!|"},
         {"empty", Request(kNone, true), {"", ""}, byName + "|"},
@@ -67,22 +63,8 @@ TEST(Socks5, AnswersEachReplyOfTheProxyHoweverItIsCut) {
     }
 }
 
-TEST(Socks5, GreetsWithTheMethodAndNone) {
-    EXPECT_EQ(Socks5Exchange().Greeting(kNone), "\5\1\0"s);
-    EXPECT_EQ(Socks5Exchange().Greeting(kUserPass), "\5\2\2\0"s);
-    EXPECT_EQ(Socks5Exchange().Greeting(kOther), "\5\2\7\0"s);
-}
-
-TEST(Socks5, AnUnknownHostLeavesItWhereItIs) {
-    Socks5Exchange exchange;
-    exchange.Greeting(kNone);
-    Socks5Request request = Request(kNone, false);
-    EXPECT_EQ(Play(exchange, request, {"\5\0"s}, Unknown), "?|");
-    EXPECT_EQ(Play(exchange, request, {"\5\0"s}), kConnectByAddress + "|");
-}
-
 TEST(Socks5, TextsOfUpTo255CharactersFit) {
-    for (std::size_t length : {0U, 254U, 255U, 256U}) {
+    for (std::size_t length : {255U, 256U}) {
         const String text(length, u'x');
         auto sent = [](const Socks5Request& request) {
             Socks5Exchange exchange;
