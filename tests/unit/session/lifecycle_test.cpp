@@ -54,7 +54,7 @@ TEST_F(LoggedIn, ReconnectsEachIntervalAfterALoss) {
 
 // A loss counts one, and so does each attempt; the tick that finds the limit reached makes the last one.
 TEST_F(SessionTest, GivesUpWhenLossAndAttemptsTogetherReachTheLimit) {
-    for (std::int16_t limit : {0, 4}) {
+    for (auto limit : {std::int16_t{0}, std::int16_t{4}}) {
         env.RefuseConnections(SOCKERR_None);
         LogIn();
         session->ReconnectAttempts(limit);
