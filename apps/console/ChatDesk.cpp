@@ -7,8 +7,6 @@ namespace quorix::console {
 
 namespace {
 
-String Readable(StringView wire) { return TextFromUtf8(BytesFromWire(wire)); }
-
 String Names(const Collection<String>& groups) {
     String names;
     for (const String& group : groups) names += Concat({u" [", group, u"]"});

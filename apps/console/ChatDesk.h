@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 
+#include "apps/console/Text.h"
 #include "quorix/session/cSession.h"
 
 namespace quorix::console {

@@ -16,8 +16,6 @@ namespace {
 
 constexpr std::int32_t kLinger = 1;  // seconds for answers to the last line of a script
 
-String Readable(StringView wire) { return TextFromUtf8(BytesFromWire(wire)); }
-
 gboolean ResumeTerminal(gpointer terminal) {
     static_cast<Terminal*>(terminal)->Resume();
     return G_SOURCE_REMOVE;

@@ -12,8 +12,6 @@ namespace quorix::console {
 
 namespace {
 
-String Readable(StringView wire) { return TextFromUtf8(BytesFromWire(wire)); }
-
 String Clock(const char* format, const std::tm& time) {
     char text[40];
     std::strftime(text, sizeof text, format, &time);
@@ -46,8 +44,6 @@ Values ParseValues(StringView text) {
     }
     return values;
 }
-
-String Wire(StringView text) { return EncodeUTF8(text, true); }
 
 cSession& ServiceDesk::Session() { return console_.Session(); }
 void ServiceDesk::Print(std::initializer_list<StringView> parts) { console_.Print(Concat(parts)); }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "apps/console/Text.h"
 #include "quorix/session/cSession.h"
 
 namespace quorix::console {
@@ -15,9 +16,6 @@ class Console;
 // "NAME=VALUE; NAME=VALUE": names and values without the blanks around them.
 using Values = std::vector<std::pair<String, String>>;
 Values ParseValues(StringView text);
-
-// Text as it must stand inside a stanza.
-String Wire(StringView text);
 
 class ServiceDesk : public SessionEvents {
 public:
