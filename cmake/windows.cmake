@@ -1,6 +1,6 @@
 # What both Windows widths share. The file that includes this one sets `triplet`.
 #
-# QUORIX_WINDOWS_PREFIXES  folders with the static libxml2 and OpenSSL of this width
+# QUORIX_WINDOWS_PREFIXES  folders with the static libxml2, expat and OpenSSL of this width
 # QUORIX_WINDOWS_EMULATOR  command that runs a program of this width; without it tests are built, not run
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
@@ -19,7 +19,7 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
 set(OPENSSL_USE_STATIC_LIBS TRUE)
-set(CMAKE_C_FLAGS_INIT "-DLIBXML_STATIC")
-set(CMAKE_CXX_FLAGS_INIT "-DLIBXML_STATIC")
+set(CMAKE_C_FLAGS_INIT "-DLIBXML_STATIC -DXML_STATIC")
+set(CMAKE_CXX_FLAGS_INIT "-DLIBXML_STATIC -DXML_STATIC")
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${QUORIX_WINDOWS_EMULATOR})

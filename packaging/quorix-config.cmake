@@ -1,6 +1,7 @@
 # What a static library must be linked with; headers need none of it.
 include(CMakeFindDependencyMacro)
 find_dependency(LibXml2)
+find_dependency(EXPAT)
 find_dependency(OpenSSL)
 find_dependency(PkgConfig)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)

@@ -34,13 +34,23 @@ make_prefix() {
 # Ends what still runs in this width's drive, and nothing else.
 stop_wine() { "$root/tools/windows/wine" "$1" wineboot --kill || true; }
 
+# What one width's build needs and later ones find again: a Wine and the libraries' folders.
+fill_store() {
+    source_apt
+    [ "$1" = 64 ] || make_wine32
+    local library folder
+    prefixes=
+    for library in libxml2 expat openssl; do
+        folder=$(provide_library "$library" "${targets[$1]}")
+        prefixes+=${prefixes:+;}$folder
+    done
+}
+
 configure_and_build() {
-    local libxml2 openssl build=$root/build/win$1
-    libxml2=$(provide_library libxml2 "${targets[$1]}")
-    openssl=$(provide_library openssl "${targets[$1]}")
+    local build=$root/build/win$1
     cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
-        -DQUORIX_WINDOWS_PREFIXES="$libxml2;$openssl" \
+        -DQUORIX_WINDOWS_PREFIXES="$prefixes" \
         -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF \
         -DQUORIX_WITH_SERVER="$root/build/with_server/with_server" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
     cmake --build "$build" -j "$jobs"
@@ -78,8 +88,7 @@ width=$1
 shift
 need windows
 need_servers servers
-source_apt
-[ "$width" = 64 ] || make_wine32
+with_store fill_store "$width"
 build_with_server
 echo "== Windows, $width bits"
 check_width "$width" "$@"

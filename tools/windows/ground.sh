@@ -4,6 +4,15 @@
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 store=${XDG_CACHE_HOME:-$HOME/.cache}/quorix/windows
 
+# Runs a command that fills the store; where two builds of one user meet, the second waits for the first.
+with_store() {
+    mkdir -p "$store"
+    {
+        flock --nonblock 9 || { echo "Another build is filling $store; waiting for it." >&2; flock 9; }
+        "$@"
+    } 9>"$store/lock"
+}
+
 # The archive this machine takes its packages from, as its own configuration names it.
 archive() {
     apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $suite" 'Component: main' | head -n 1

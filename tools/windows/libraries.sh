@@ -1,4 +1,4 @@
-# libxml2 and OpenSSL for the Windows targets: static, built from the distribution's own source packages,
+# libxml2, expat and OpenSSL for the Windows targets: static, built from the distribution's own source packages,
 # kept by version and by target. Sourced by tools/windows.sh after ground.sh.
 
 # Source lists apart from the machine's own, which need not name any; refreshed once a day.
@@ -42,6 +42,13 @@ build_libxml2() { # source target prefix
         -DLIBXML2_WITH_REGEXPS=OFF -DLIBXML2_WITH_SCHEMAS=OFF -DLIBXML2_WITH_SCHEMATRON=OFF \
         -DLIBXML2_WITH_TESTS=OFF -DLIBXML2_WITH_VALID=OFF -DLIBXML2_WITH_XINCLUDE=OFF -DLIBXML2_WITH_XPTR=OFF \
         -DLIBXML2_WITH_ZLIB=OFF -DLIBXML2_WITH_ICU=OFF -DLIBXML2_WITH_ISO8859X=ON
+    cmake --build "$3.build" --target install
+}
+
+build_expat() { # source target prefix
+    cmake -S "$1/expat" -B "$3.build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$3" \
+        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-$2.cmake" -DEXPAT_SHARED_LIBS=OFF -DEXPAT_BUILD_TOOLS=OFF \
+        -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF
     cmake --build "$3.build" --target install
 }
 
