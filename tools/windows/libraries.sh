@@ -45,10 +45,12 @@ build_libxml2() { # source target prefix
     cmake --build "$3.build" --target install
 }
 
+# Its CMake files define XML_DTD without a value, which this version's source compares with 1.
 build_expat() { # source target prefix
     cmake -S "$1/expat" -B "$3.build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$3" \
         -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-$2.cmake" -DEXPAT_SHARED_LIBS=OFF -DEXPAT_BUILD_TOOLS=OFF \
-        -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF
+        -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF \
+        -DEXPAT_DTD=OFF -DCMAKE_C_FLAGS=-DXML_DTD=1
     cmake --build "$3.build" --target install
 }
 
