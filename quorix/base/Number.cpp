@@ -36,7 +36,7 @@ bool Fits(double value) {
 
 template <class Int>
 Int WireInt(StringView text) {
-    double value = std::trunc(LeadingNumber(text).value_or(0));
+    double value = std::nearbyint(LeadingNumber(text).value_or(0));
     return Fits<Int>(value) ? static_cast<Int>(value) : Int{0};
 }
 

@@ -11,7 +11,7 @@ namespace quorix {
 // The leading number of `text` (blanks before it allowed, decimal point and exponent understood), if any.
 std::optional<double> LeadingNumber(StringView text);
 
-// The leading number truncated to an integer; 0 when there is none or it is out of range.
+// The leading number rounded half to even; 0 when there is none or it is out of range.
 std::int16_t WireInt16(StringView text);
 std::int32_t WireInt32(StringView text);
 

@@ -49,6 +49,10 @@ std::optional<char16_t> TakeUnit(StringView& wire) {
     return static_cast<char16_t>(unit);
 }
 
+bool IsWire(StringView text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 256; });
+}
+
 bool IsAscii(StringView text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
 }
@@ -85,7 +89,7 @@ String EncodeUTF8(StringView text, bool escape) {
 }
 
 String DecodeUTF8(StringView wire, bool unescape) {
-    if (wire.size() > kMaxCodecUnits) return String(wire);
+    if (wire.size() > kMaxCodecUnits || !IsWire(wire)) return String(wire);
     String result;
     if (IsAscii(wire)) {
         result = wire;

@@ -75,7 +75,7 @@ void Forget(PresenceTable& table, const cPresenceItem& item) {
 void Disappear(const Arrival& arrival) {
     eItemType kind = arrival.session->FindItemType(arrival.bareJid);
     bool isRoom = kind == KV_GroupChatItem;
-    if (isRoom && arrival.session->LeaveRoom(arrival.item->JID(), arrival.item->Resource())) return;
+    if (isRoom && arrival.session->LeaveRoom(arrival.bareJid, GetResource(arrival.stanza.from))) return;
     if (!isRoom) Forget(arrival.table, *arrival.item);
     arrival.RaisePresence(false, kind);
 }

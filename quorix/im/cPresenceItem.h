@@ -7,6 +7,7 @@
 
 #include <memory>
 
+#include "quorix/base/Number.h"
 #include "quorix/base/String.h"
 #include "quorix/im/RecordTable.h"
 #include "quorix/link/SessionLink.h"
@@ -41,9 +42,9 @@ public:
     String Status() const { return status_; }
     void Status(StringView value) { status_ = value; }
 
-    // Kept in 16 bits.
+    // Kept in 16 bits: error 6 for what does not fit.
     eShowType ShowType() const { return static_cast<eShowType>(showType_); }
-    void ShowType(eShowType value) { showType_ = static_cast<std::int16_t>(value); }
+    void ShowType(eShowType value) { showType_ = ToInt16(value); }
 
     // -32768 to 32767; the greatest one names the contact's primary resource, a negative one never does.
     std::int16_t Priority() const { return priority_; }

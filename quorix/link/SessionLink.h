@@ -52,7 +52,7 @@ public:
     virtual eItemType FindItemType(StringView jid) = 0;  // wire text
 
     // True when `jid` is a known room in which `nickname` is the local user; the room is then forgotten. Both
-    // are text.
+    // are wire text.
     virtual bool LeaveRoom(StringView jid, StringView nickname) = 0;
 
     // Calls `raise` for each sink, in the order of their arrival. What a sink throws stops nothing.

@@ -56,7 +56,8 @@ void StartKeepAlive(const cHelpEvent& owner, std::int32_t milliseconds) {
 }
 void StopKeepAlive() { Kill(keepAlive); }
 void StartReconnect(const cHelpEvent& owner, std::int32_t milliseconds) {
-    Arm(reconnect, owner, milliseconds, OnReconnect);
+    Kill(reconnect);
+    if (milliseconds >= 0) Arm(reconnect, owner, milliseconds, OnReconnect);
 }
 void StopReconnect() { Kill(reconnect); }
 

@@ -37,8 +37,9 @@ void SetRelay(const cHelpEvent& relay);
 // still its own.
 void Release(const cHelpEvent& relay);
 
-// Arming a timer kills the one in its slot. A keep-alive interval of 0 or less is not armed. `owner` is the
-// relay of the session that arms.
+// Arming a timer kills the one in its slot. A keep-alive interval of 0 or less is not armed, nor is a
+// negative reconnect interval; 0 is the shortest that the system knows. `owner` is the relay of the session
+// that arms.
 void StartKeepAlive(const cHelpEvent& owner, std::int32_t milliseconds);
 void StopKeepAlive();
 void StartReconnect(const cHelpEvent& owner, std::int32_t milliseconds);

@@ -19,6 +19,17 @@ String RoomPresence(const cGroupChat& room, bool available) {
                    available ? u"'/>" : u"'  type='unavailable'/>"});
 }
 
+// Whether what a record holds is a value from the wire, as it came or as text.
+class IsWireValue {
+public:
+    explicit IsWireValue(StringView wire) : wire_(wire), text_(DecodeUTF8(wire, true)) {}
+    bool operator()(StringView recorded) const { return recorded == wire_ || recorded == text_; }
+
+private:
+    StringView wire_;
+    String text_;
+};
+
 StringView ShowText(eShowType showType) {
     switch (showType) {
         case KV_chat: return u"chat";
@@ -32,6 +43,11 @@ StringView ShowText(eShowType showType) {
 
 std::int32_t GroupChats::FindGroupChat(StringView jid) const {
     return PositionWhere(items_, [&](const auto& room) { return room->JID() == jid; });
+}
+
+std::int32_t GroupChats::FindFromWire(StringView jid) const {
+    IsWireValue matches(jid);
+    return PositionWhere(items_, [&](const auto& room) { return matches(room->JID()); });
 }
 
 std::int32_t GroupChats::FindSameRoom(StringView jid) const {
@@ -55,8 +71,8 @@ void GroupChats::SendGroupChatRequest(SessionLink& link, const std::shared_ptr<c
 }
 
 bool GroupChats::Leave(StringView jid, StringView nickname) {
-    std::int32_t position = FindGroupChat(jid);
-    if (position == 0 || items_.Item(position)->NickName() != nickname) return false;
+    std::int32_t position = FindFromWire(jid);
+    if (position == 0 || !IsWireValue(nickname)(items_.Item(position)->NickName())) return false;
     items_.Remove(position);
     return true;
 }

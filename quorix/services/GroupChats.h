@@ -20,11 +20,15 @@ public:
     // Position from 1 of the room with exactly this JID, 0 when there is none.
     std::int32_t FindGroupChat(StringView jid) const;
 
+    // The same for an address from the wire, which a record may hold as text or as it came.
+    std::int32_t FindFromWire(StringView jid) const;
+
     // Joins or leaves `room` under its NickName. A join takes the place of the record with the same bare JID
     // (ASCII case aside), a leave removes that record. Error 91 without a room.
     void SendGroupChatRequest(SessionLink& link, const std::shared_ptr<cGroupChat>& room, bool available);
 
-    // When `jid` is exactly that of a room in which the user is called `nickname`: forgets the room, true.
+    // When `jid` is that of a room in which the user is called `nickname`: forgets the room, true. Both are
+    // wire text.
     bool Leave(StringView jid, StringView nickname);
 
 private:

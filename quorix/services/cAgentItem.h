@@ -21,7 +21,8 @@ namespace quorix {
 class SessionLink;
 class cAgentItem;
 
-// One value of the agent's registration form. The agent is held weakly.
+// One value of the agent's registration form. Its agent is what the application sets; it is held, so an agent
+// that a field of its own points back to lives until one of the two lets go.
 class cAgentField {
 public:
     String Name() const { return name_; }
@@ -30,13 +31,13 @@ public:
     String Value() const { return value_; }
     void Value(StringView value) { value_ = value; }
 
-    std::shared_ptr<quorix::cAgentItem> cAgentItem() const { return agent_.lock(); }
-    void cAgentItem(const std::shared_ptr<quorix::cAgentItem>& value) { agent_ = value; }
+    std::shared_ptr<quorix::cAgentItem> cAgentItem() const { return agent_; }
+    void cAgentItem(std::shared_ptr<quorix::cAgentItem> value) { agent_ = std::move(value); }
 
 private:
     String name_;
     String value_;
-    std::weak_ptr<quorix::cAgentItem> agent_;
+    std::shared_ptr<quorix::cAgentItem> agent_;
 };
 
 class cAgentAttrib {

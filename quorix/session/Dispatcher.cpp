@@ -24,6 +24,15 @@ constexpr ServiceRoute kServices[] = {
     {u"jabber:iq:gateway", HandleGateway},
 };
 
+// A parser's error ends its own work, no more.
+template <class Step>
+void Contain(Step step) {
+    try {
+        step();
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): see above
+    }
+}
+
 // Servers leave the query out of a refusal, so an error is known by its id too.
 bool IsAgentList(const Stanza& stanza, StringView nameSpace) {
     return stanza.id == kAgentListId && (nameSpace == u"jabber:iq:agents" || stanza.IsError());
@@ -43,11 +52,7 @@ const Dispatcher::Route Dispatcher::kRoutes[] = {
 
 void Dispatcher::ProcessStanza(const Frame& frame) {
     session_.Raise(&SessionEvents::OnIncomingXML, frame.text);
-    try {
-        Dispatch(Stanza(frame.node));
-    } catch (
-        const std::exception&) {  // NOLINT(bugprone-empty-catch): a parser's error ends its stanza, no more
-    }
+    Contain([&] { Dispatch(Stanza(frame.node)); });
 }
 
 void Dispatcher::Dispatch(const Stanza& stanza) {
@@ -63,10 +68,11 @@ void Dispatcher::Dispatch(const Stanza& stanza) {
 // -- Queries --
 
 void Dispatcher::Iq(const Stanza& stanza) {
-    if (!AccountReply(stanza)) {
+    Contain([&] {
+        if (AccountReply(stanza)) return;
         IqError(stanza);
         TakeToBranch(stanza);
-    }
+    });
     session_.Raise(&SessionEvents::OnIQ, stanza.node);
 }
 
@@ -120,12 +126,13 @@ void Dispatcher::LoginReply(const Stanza& stanza) {
 }
 
 // The account is there. The connection ends, and since the session was opened for a new user it logs in
-// again.
+// again; unless a handler has connected anew, which is then the connection that counts.
 void Dispatcher::NewUserReply(const Stanza& /*stanza*/) {
     if (!LoginPending()) return;
     session_.BecomeActive();
+    std::uint32_t generation = session_.generation_;
     session_.Raise(&SessionEvents::OnNewUserCreated);
-    session_.CloseSession({}, {});
+    if (session_.generation_ == generation) session_.CloseSession({}, {});
 }
 
 void Dispatcher::LoginFailure(const Stanza& stanza) {

@@ -1,10 +1,10 @@
 #include "quorix/session/cSession.h"
 
+#include <limits>
 #include <utility>
 
 #include "quorix/auth/Account.h"
 #include "quorix/auth/cAuth.h"
-#include "quorix/base/Number.h"
 #include "quorix/base/WireText.h"
 #include "quorix/base/modUTF_8.h"
 #include "quorix/net/HttpTunnel.h"
@@ -120,6 +120,11 @@ void cSession::KeepAliveInterval(std::int16_t value) {
     if (value == 0) keepAlive_ = false;
 }
 
+void cSession::ProxyPort(std::int32_t value) {
+    if (value < 0 || value > std::numeric_limits<std::uint16_t>::max()) throw AutomationError(ERR_Overflow);
+    proxyPort_ = value;
+}
+
 bool cSession::ProxyUseRemoteDNS() const {
     if (!proxyUseRemoteDNS_) throw AutomationError(ERR_TypeMismatch);
     return *proxyUseRemoteDNS_;
@@ -199,7 +204,7 @@ void cSession::CloseSession(StringView code, StringView description) {
         if (keepAlive_) mTimer::StopKeepAlive();
         authorized_ = streamOpen_ = active_ = false;
         roster_.StreamEnded();
-        if (socket_->State() != sockClosed) SayGoodbye();
+        if (IsConnected()) SayGoodbye();
         if (generation_ == generation) CloseSocket();
         if (!code.empty()) RaiseError(code, description);
         search_.Empty();
@@ -408,8 +413,7 @@ void cSession::ParseReceiveRoster(const NodePtr& message) {
 }
 
 eItemType cSession::FindItemType(StringView jid) {
-    bool isRoom = rooms_.FindGroupChat(jid) > 0 || rooms_.FindGroupChat(Convert2Unicode(jid)) > 0;
-    if (isRoom) return KV_GroupChatItem;
+    if (rooms_.FindFromWire(jid) > 0) return KV_GroupChatItem;
     String bareJid = RemoveResource(jid);
     if (agents_.Knows(bareJid)) return KV_AgentItem;
     return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;

@@ -17,6 +17,7 @@
 
 #include "quorix/auth/Account.h"
 #include "quorix/base/Jid.h"
+#include "quorix/base/Number.h"
 #include "quorix/im/Messages.h"
 #include "quorix/im/Presence.h"
 #include "quorix/im/Roster.h"
@@ -96,7 +97,8 @@ public:
     String Status() const { return status_; }
     void Status(StringView value) { status_ = value; }
     eShowType ShowType() const { return static_cast<eShowType>(showType_); }
-    void ShowType(eShowType value) { showType_ = static_cast<std::int16_t>(value); }
+    // Kept in 16 bits: error 6 for what does not fit.
+    void ShowType(eShowType value) { showType_ = ToInt16(value); }
 
     // -- Keeping the line --
 
@@ -108,7 +110,7 @@ public:
     void KeepAliveInterval(std::int16_t value);
 
     // After a loss (not after Disconnect): connect again every ReconnectInterval seconds. A loss and the
-    // attempt that follows it count as two against ReconnectAttempts.
+    // attempt that follows it count as two against ReconnectAttempts. A negative interval is never armed.
     bool Reconnect() const { return reconnect_; }
     void Reconnect(bool value) { reconnect_ = value; }
     std::int16_t ReconnectAttempts() const { return static_cast<std::int16_t>(reconnectAttempts_); }
@@ -131,8 +133,9 @@ public:
     void ProxyType(eProxyType value) { proxyType_ = value; }
     String ProxyHostname() const { return proxyHostname_; }
     void ProxyHostname(StringView value) { proxyHostname_ = value; }
+    // 0 to 65535: error 6 for anything else.
     std::int32_t ProxyPort() const { return proxyPort_; }
-    void ProxyPort(std::int32_t value) { proxyPort_ = value; }
+    void ProxyPort(std::int32_t value);
     String ProxyUsername() const { return proxyUsername_; }
     void ProxyUsername(StringView value) { proxyUsername_ = value; }
     String ProxyPassword() const { return proxyPassword_; }

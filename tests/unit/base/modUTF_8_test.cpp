@@ -25,7 +25,7 @@ TEST(Codec, ReturnsItsInputWhereItEnds) {
     }
     for (StringView wire :
          {u"\u00C3\u00A9\u00E8\u0080\u0080", u"&lt;\u00F0\u009F\u0098\u0080", u"\u00C3\u00A9\u00C3",
-          u"\u00C3\u00A9\u00E4\u00B8", u"\u00C3\u00A9\u00FF\u0080\u0080"}) {
+          u"\u00C3\u00A9\u00E4\u00B8", u"\u00C3\u00A9\u00FF\u0080\u0080", u"\u00C3\u0141"}) {
         EXPECT_EQ(DecodeUTF8(wire, true), wire);
     }
 }

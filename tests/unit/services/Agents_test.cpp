@@ -90,6 +90,19 @@ TEST_F(AgentsTest, ARegistrationFormFillsTheLastAgentOfThatJid) {
     EXPECT_EQ(agent->xData()->Fields().Item(1)->Var(), u"v");
 }
 
+TEST_F(AgentsTest, AFormThatCannotBeTakenInIsAQueryLikeAnyOther) {
+    Jud()->AddField(u"key", u"v")->Name(u"renamed");
+    events->Take();
+    Form("<key>k</key>");
+    EXPECT_EQ(events->Take(), Lines{"OnIQ"}) << "though the key is taken";
+}
+
+TEST_F(AgentsTest, AFieldKeepsTheAgentThatItIsGiven) {
+    auto field = std::make_shared<cAgentField>();
+    field->cAgentItem(std::make_shared<cAgentItem>());
+    EXPECT_NE(field->cAgentItem(), nullptr);
+}
+
 TEST_F(AgentsTest, AHandlerMayDropTheSessionInTheMiddleOfAList) {
     auto agent = Jud();
     events->hook = [&](const std::string& event) {

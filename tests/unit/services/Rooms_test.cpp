@@ -39,6 +39,18 @@ TEST_F(Rooms, TakeThePlaceOfTheSameRoomInAnyCaseAndAreLeftByTheirOwnNickname) {
     EXPECT_EQ(session->Rooms().Count(), 0);
 }
 
+TEST_F(Rooms, AreLeftWhetherTheirRecordHoldsTextOrWhatCameFromTheWire) {
+    const std::pair<StringView, StringView> records[] = {{u"r\u00f6m@c", u"J\u00f6"},
+                                                         {u"r\u00c3\u00b6m@c", u"J\u00c3\u00b6"}};
+    for (const auto& [jid, nickname] : records) {
+        Join(jid, nickname);
+        EXPECT_EQ(Raised("<presence from='röm@c/Ann' type='unavailable'/>"),
+                  Lines{"OnPresence röm@c Ann 0 0 2"});
+        EXPECT_EQ(Raised("<presence from='röm@c/Jö' type='unavailable'/>"), Lines());
+        EXPECT_EQ(session->Rooms().Count(), 0);
+    }
+}
+
 TEST_F(Rooms, OfAServerAreItsItemsWithANamespaceOrElseWithAnAddress) {
     Browse(
         "<conference xmlns='jabber:iq:browse'>"

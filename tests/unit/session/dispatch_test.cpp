@@ -20,6 +20,7 @@ TEST_F(LoggedIn, EachStanzaRaisesItsEvents) {
         {"<iq type='error' from='a'><query xmlns='x'/><error code='404'>Gone</error></iq>",
          {"OnIQError a 404 Gone", "OnIQ"}},
         {"<iq type='error'><error code='99999'>?</error></iq>", {"OnIQError  0 ?", "OnIQ"}},
+        {"<iq type='error'><error code='401.5'/></iq>", {"OnIQError  402 ", "OnIQ"}},
         {"<iq><query xmlns='x' type='error' id='kv_login' from='evil'/></iq>", {"OnIQ"}},
         // What a peer sends under an id of ours is a reply only when it is one, and only while it is awaited.
         {Iq("type='set' id='kv_login'", "jabber:iq:roster"), {"OnRosterBegin", "OnRosterEnd", "OnIQ"}},
@@ -171,6 +172,16 @@ TEST_F(SessionTest, CreatesAnAccountThenLogsInWithIt) {
     ASSERT_EQ(env.PeerCount(), 2U);
     Say("<stream:stream id='s2'>");
     EXPECT_NE(Heard().find("jabber:iq:auth"), std::string::npos);
+}
+
+TEST_F(SessionTest, KeepsTheConnectionThatAHandlerOpensForItsNewAccount) {
+    OpenStream(true);
+    events->hook = [&](const std::string& event) {
+        if (event == "OnNewUserCreated") session->Connect();
+    };
+    EXPECT_EQ(Raised("<iq type='result' id='kv_newuser'/>"), (Lines{"OnNewUserCreated", "OnIQ"}));
+    ASSERT_EQ(env.PeerCount(), 2U);
+    EXPECT_EQ(Heard(), kHeader);
 }
 
 TEST_F(SessionTest, ClosesWhenTheAccountIsRefusedAndTriesToLogIn) {

@@ -30,6 +30,20 @@ TEST_F(LoggedIn, SaysGoodbyeOnDisconnectAndStaysAway) {
     EXPECT_EQ(env.RunningTimers(), 0U);
 }
 
+TEST_F(SessionTest, RefusesNumbersThatDoNotFit) {
+    cPresenceItem item;
+    for (std::int32_t show : {-32769, 32768}) {
+        EXPECT_EQ(ErrorOf([&] { session->ShowType(static_cast<eShowType>(show)); }), ERR_Overflow);
+        EXPECT_EQ(ErrorOf([&] { item.ShowType(static_cast<eShowType>(show)); }), ERR_Overflow);
+    }
+    for (std::int32_t port : {-1, 65536}) {
+        EXPECT_EQ(ErrorOf([&] { session->ProxyPort(port); }), ERR_Overflow) << port;
+    }
+    session->ProxyPort(65535);
+    EXPECT_EQ(session->ProxyPort(), 65535);
+    EXPECT_EQ(session->ShowType(), KV_None);
+}
+
 TEST_F(SessionTest, ReportsASocketErrorAndNothingElse) {
     env.RefuseConnections(SOCKERR_Refused);
     session->Connect();
@@ -65,6 +79,14 @@ TEST_F(SessionTest, GivesUpWhenLossAndAttemptsTogetherReachTheLimit) {
         EXPECT_EQ(events->Count("OnSocketError"), static_cast<std::size_t>(limit));
         EXPECT_EQ(env.RunningTimers(), 0U);
     }
+}
+
+TEST_F(LoggedIn, NeverReconnectsByANegativeInterval) {
+    session->ReconnectInterval(-1);
+    env.Peer().Close();
+    env.Advance(100000);
+    EXPECT_EQ(env.PeerCount(), 1U);
+    EXPECT_EQ(env.RunningTimers(), 0U);
 }
 
 TEST_F(LoggedIn, SendsWhiteSpaceEverySixtyFourSecondsOnceLoggedIn) {
@@ -193,6 +215,19 @@ TEST_F(LoggedIn, SaysGoodbyeToNoConnectionThatAHandlerHasBegunMeanwhile) {
     env.DoEvents();
     EXPECT_EQ(events->lines, Lines{"OnDisConnected"});
     EXPECT_EQ(Heard(), kHeader);
+}
+
+// What has not been connected when the good-bye was due hears none, though it may connect meanwhile.
+TEST_F(SessionTest, SaysNothingToAConnectionThatComesUpWhileItIsGivenUp) {
+    for (eProxyType proxy : {KV_NoProxy, KV_SOCKS5Proxy}) {
+        session->ProxyType(proxy);
+        session->ProxyHostname(u"s");
+        session->Connect();
+        session->Disconnect();
+        env.DoEvents();
+        EXPECT_EQ(Heard(), "");
+        EXPECT_EQ(events->outgoing, Lines());
+    }
 }
 
 TEST_F(LoggedIn, RaisesOneDisconnectionForADisconnectInsideIt) {
