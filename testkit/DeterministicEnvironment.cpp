@@ -198,7 +198,22 @@ Transfer DeterministicEnvironment::Receive(SocketId id, char* buffer, std::size_
     chunk.copy(buffer, count);
     chunk.erase(0, count);
     if (chunk.empty()) pipe.chunks.pop_front();
+    AnnounceUnread(id);
     return {static_cast<std::int32_t>(count), SOCKERR_None};
+}
+
+// As systems do: each receive that leaves bytes behind is followed by a notification.
+void DeterministicEnvironment::AnnounceUnread(SocketId id) {
+    auto announces = [&](const Notification& waiting) {
+        return waiting.socket == id && waiting.event == SOCK_Read;
+    };
+    bool announced = std::any_of(queue_.begin(), queue_.end(), announces);
+    if (!announced && HasUnread(At(id))) Notify(id, SOCK_Read);
+}
+
+void DeterministicEnvironment::ReadAgain(SocketId id) {
+    At(id).readAgain = true;
+    AnnounceUnread(id);
 }
 
 void DeterministicEnvironment::Close(SocketId id) {
@@ -268,7 +283,7 @@ void DeterministicEnvironment::NotifyArrival(SocketId id) {
     auto found = sockets_.find(id);
     if (found == sockets_.end()) return;
     Pipe& pipe = Inbound(found->second);
-    if (!pipe.chunks.empty()) Notify(id, SOCK_Read);
+    AnnounceUnread(id);
     if (pipe.ended) Notify(id, SOCK_Close, pipe.error);
 }
 
@@ -280,13 +295,14 @@ bool DeterministicEnvironment::DeliverOne() {
     if (found == sockets_.end()) return true;
     Socket& socket = found->second;
     if (socket.sink == nullptr || (socket.events & next.event) == 0) return true;
-    bool unread = socket.connected && !Inbound(socket).chunks.empty();
+    bool unread = HasUnread(socket);
     if (next.event == SOCK_Read && !unread) return true;
     if (next.event == SOCK_Close && unread) {
-        Notify(next.socket, SOCK_Read);
+        AnnounceUnread(next.socket);
         Notify(next.socket, SOCK_Close, next.error);
         return true;
     }
+    if (next.event == SOCK_Read) socket.readAgain = false;
     socket.sink->OnSocketEvent(next.socket, next.event, next.error);
     return true;
 }

@@ -110,6 +110,7 @@ public:
     std::int32_t Connect(SocketId socket, Address peer) override;
     Transfer Send(SocketId socket, std::string_view bytes) override;
     Transfer Receive(SocketId socket, char* buffer, std::size_t capacity) override;
+    void ReadAgain(SocketId socket) override;
     void Close(SocketId socket) override;
     std::int32_t AsyncSelect(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                              std::int32_t events) override;
@@ -143,6 +144,7 @@ private:
         bool connected = false;
         bool blocking = true;
         bool wantsWrite = false;  // a send was refused since the last SOCK_Write
+        bool readAgain = false;
         std::int32_t pendingError = SOCKERR_None;
         Address local;
         Address peer;
@@ -176,6 +178,10 @@ private:
     void MeetListener(SocketId id, SocketId listener);
     void Notify(SocketId socket, std::int32_t event, std::int32_t error = SOCKERR_None);
     void NotifyArrival(SocketId socket);
+    void AnnounceUnread(SocketId socket);
+    bool HasUnread(Socket& socket) {
+        return socket.connected && (socket.readAgain || !Inbound(socket).chunks.empty());
+    }
     std::int32_t WaitUntil(const std::function<bool()>& ready, std::int32_t milliseconds);
     bool DeliverOne();
     bool FireNext(std::int64_t until);

@@ -19,6 +19,7 @@ constexpr std::int32_t kConnectionEvents = SOCK_Read | SOCK_Write | SOCK_Connect
 constexpr std::int32_t kServerEvents = SOCK_Read | SOCK_Write | SOCK_Accept | SOCK_Close;
 constexpr std::int32_t kBacklog = 5;
 constexpr std::size_t kReadBlock = 2000;
+constexpr int kBlocksANotification = 32;  // then others have their turn
 constexpr std::size_t kFileBlock = 5000;
 constexpr std::int32_t kNotASocket = 10038;
 constexpr std::int32_t kTimedOut = 0;
@@ -232,11 +233,18 @@ void cSocketSSL::OnAcceptable() { Raise(&SocketEvents::OnConnectionRequest); }
 void cSocketSSL::OnReadable() {
     Moment before(*this);
     std::array<char, kReadBlock> buffer;
-    while (!before.HasPassed()) {
+    for (int block = 0; block < kBlocksANotification; ++block) {
         Transfer received = ReceiveSome(buffer.data(), buffer.size());
         if (received.count <= 0) return OnNothingReceived(received.error);
         Deliver({buffer.data(), static_cast<std::size_t>(received.count)});
+        if (before.HasPassed() || IsShort(received)) return;
     }
+    if (sslHandle_ != 0) environment_.ReadAgain(handle_);
+}
+
+// What the system had is read; it notifies what comes later. A secure channel gives a record at a time.
+bool cSocketSSL::IsShort(Transfer received) const {
+    return sslHandle_ == 0 && static_cast<std::size_t>(received.count) < kReadBlock;
 }
 
 // The end of a plain connection is notified. That of a secure channel need not be: the peer may end the

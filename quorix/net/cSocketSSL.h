@@ -196,6 +196,7 @@ private:
     Transfer SendSome(std::string_view bytes);
     std::size_t SendNow(std::string_view bytes);
     void Flush();
+    bool IsShort(Transfer received) const;
     void OnNothingReceived(std::int32_t error);
     void Deliver(std::string_view bytes);
     void DeliverLines(StringView peer);

@@ -98,6 +98,7 @@ public:
     virtual HiddenWindow OpenWindow(SocketSink& sink) = 0;
     virtual void CloseWindow(HiddenWindow& window) = 0;
 
+    // Every connection sends what it is given at once (TCP_NODELAY).
     virtual NewSocket CreateSocket() = 0;
     virtual std::int32_t Bind(SocketId socket, std::uint16_t port, bool reuseAddress) = 0;
     virtual std::int32_t Listen(SocketId socket, std::int32_t backlog) = 0;
@@ -111,6 +112,10 @@ public:
     // SOCK_Write once there is room again.
     virtual Transfer Send(SocketId socket, std::string_view bytes) = 0;
     virtual Transfer Receive(SocketId socket, char* buffer, std::size_t capacity) = 0;
+
+    // Notifies SOCK_Read again after other notifications and timers, whether or not the system holds bytes:
+    // the reader itself holds some. SOCK_Close waits until then.
+    virtual void ReadAgain(SocketId socket) = 0;
 
     // Stops every notification and timer of the socket, those already queued included, and closes it.
     virtual void Close(SocketId socket) = 0;

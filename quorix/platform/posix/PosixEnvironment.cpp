@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -69,6 +70,11 @@ std::int32_t WaitFor(SocketId socket, short events, std::int32_t milliseconds) {
     return ready == 0 ? SOCKERR_TimedOut : SOCKERR_None;
 }
 
+void SendAtOnce(int descriptor) {
+    int on = 1;
+    setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
 bool IsMainThread() { return gettid() == getpid(); }
 
 gboolean Tick(gpointer tick) {
@@ -112,6 +118,7 @@ NewSocket PosixEnvironment::Adopt(int descriptor, Phase phase) {
         close(0);
     }
     if (descriptor < 0) return {0, LastError()};
+    SendAtOnce(descriptor);
     sockets_[descriptor] = std::make_shared<SocketWatch>(descriptor, phase);
     return {descriptor, SOCKERR_None};
 }

@@ -31,6 +31,7 @@ public:
     std::int32_t Connect(SocketId socket, Address peer) override;
     Transfer Send(SocketId socket, std::string_view bytes) override;
     Transfer Receive(SocketId socket, char* buffer, std::size_t capacity) override;
+    void ReadAgain(SocketId socket) override { WatchOf(socket).ReadAgain(); }
     void Close(SocketId socket) override;
 
     std::int32_t AsyncSelect(SocketId socket, const HiddenWindow& window, SocketSink& sink,

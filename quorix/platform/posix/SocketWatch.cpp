@@ -49,6 +49,7 @@ void SocketWatch::Deselect() {
     polled_ = nullptr;
     polledFor_ = 0;
     events_ = armed_ = 0;
+    readAgain_ = false;
 }
 
 void SocketWatch::SetTimer(GMainContext* context, SocketSink& sink, std::int32_t milliseconds) {
@@ -128,7 +129,9 @@ void SocketWatch::UpdatePoll() {
     polledFor_ = wanted;
 }
 
-bool SocketWatch::HasDueWithoutPoll() const { return IsDue(SOCK_Connect, 0) || IsDue(SOCK_Close, 0); }
+bool SocketWatch::HasDueWithoutPoll() const {
+    return IsDue(SOCK_Connect, 0) || IsDue(SOCK_Read, 0) || IsDue(SOCK_Close, 0);
+}
 
 bool SocketWatch::IsDue(eSocketEvent event, unsigned ready) const {
     if ((armed_ & event) == 0) return false;
@@ -137,8 +140,9 @@ bool SocketWatch::IsDue(eSocketEvent event, unsigned ready) const {
             return phase_ == Phase::Connecting && (connectResult_ || (ready & (kOut | kBroken)) != 0);
         case SOCK_Write: return phase_ == Phase::Connected && (ready & kOut) != 0;
         case SOCK_Accept: return phase_ == Phase::Listening && (ready & kIn) != 0;
-        case SOCK_Read: return phase_ == Phase::Connected && !end_ && (ready & (kIn | kBroken)) != 0;
-        default: return end_.has_value();
+        case SOCK_Read:
+            return phase_ == Phase::Connected && (readAgain_ || (!end_ && (ready & (kIn | kBroken)) != 0));
+        default: return end_.has_value() && !readAgain_;
     }
 }
 
@@ -151,6 +155,7 @@ void SocketWatch::Dispatch(unsigned ready) {
 
 void SocketWatch::Deliver(eSocketEvent event) {
     armed_ &= ~event;
+    if (event == SOCK_Read) readAgain_ = false;
     std::int32_t error = ErrorFor(event);
     sink_->OnSocketEvent(socket_, event, error);
 }

@@ -33,6 +33,7 @@ public:
     // The connection attempt has ended already; the pump still has to say so.
     void ConnectEnded(std::int32_t error);
     void Received(Transfer transfer);
+    void ReadAgain() { readAgain_ = true; }
     void Rearm(eSocketEvent event) { armed_ |= event & events_; }
 
 private:
@@ -57,6 +58,7 @@ private:
     SocketSink* sink_ = nullptr;
     std::int32_t events_ = 0;  // selected
     std::int32_t armed_ = 0;   // selected, and not raised since they were last re-enabled
+    bool readAgain_ = false;   // the reader holds bytes that poll cannot see
     std::optional<std::int32_t> connectResult_;
     std::optional<std::int32_t> end_;  // the stream has ended, with this error or with none
     GSource* source_ = nullptr;

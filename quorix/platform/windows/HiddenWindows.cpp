@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace quorix::windows {
@@ -10,6 +11,8 @@ namespace {
 struct Owner {
     HWND window;
     SocketSink* sink;
+    bool readAgain = false;    // a notification to read is posted, for bytes that the reader holds
+    u_long unreadAtClose = 0;  // bytes that were unread when the end was last put off
 };
 
 thread_local std::map<SocketId, Owner> owners;
@@ -20,19 +23,30 @@ std::int16_t windowCount = 0;
 
 bool Owned(SocketId socket) { return owners.find(socket) != owners.end(); }
 
-// The end of the stream is reported only after its last byte, whatever order the system chose.
-void DeliverUnreadBytes(SocketId socket) {
+// Whether there is more to read before the end. A reader that takes nothing does not put it off for ever.
+bool EndHasToWait(SocketId socket) {
+    Owner& owner = owners.at(socket);
+    if (owner.readAgain) return true;
     u_long unread = 0;
-    if (ioctlsocket(static_cast<SOCKET>(socket), FIONREAD, &unread) != 0 || unread == 0) return;
-    owners.at(socket).sink->OnSocketEvent(socket, SOCK_Read, SOCKERR_None);
+    if (ioctlsocket(static_cast<SOCKET>(socket), FIONREAD, &unread) != 0) return false;
+    return unread > 0 && unread != std::exchange(owner.unreadAtClose, unread);
 }
 
+void Post(SocketId socket, LPARAM what) {
+    PostMessageA(owners.at(socket).window, kSocketMessage, static_cast<WPARAM>(socket), what);
+}
+
+// The end of the stream is reported only after its last byte, whatever order the system chose, and a reader
+// does not take all of them at once.
 void OnNotification(SocketId socket, LPARAM what) {
-    const std::int32_t event = WSAGETSELECTEVENT(what);
+    std::int32_t event = WSAGETSELECTEVENT(what);
     if (event < SOCK_Read || event > SOCK_Close || !Owned(socket)) return;
-    if (event == SOCK_Close) DeliverUnreadBytes(socket);
-    auto owner = owners.find(socket);  // reading may have closed it
-    if (owner != owners.end()) owner->second.sink->OnSocketEvent(socket, event, WSAGETSELECTERROR(what));
+    if (event == SOCK_Close && EndHasToWait(socket)) {
+        Post(socket, what);
+        event = SOCK_Read;
+    }
+    if (event == SOCK_Read) owners.at(socket).readAgain = false;
+    owners.at(socket).sink->OnSocketEvent(socket, event, WSAGETSELECTERROR(what));
 }
 
 void OnTimer(HWND window, SocketId socket) {
@@ -109,6 +123,11 @@ void CloseHiddenWindow(HiddenWindow& window) {
 }
 
 void OwnSocket(SocketId socket, HWND window, SocketSink& sink) { owners[socket] = {window, &sink}; }
+
+void NotifyReadAgain(SocketId socket) {
+    if (!Owned(socket) || std::exchange(owners.at(socket).readAgain, true)) return;
+    Post(socket, WSAMAKESELECTREPLY(SOCK_Read, SOCKERR_None));
+}
 
 void DisownSocket(SocketId socket) {
     auto owner = owners.find(socket);

@@ -23,6 +23,9 @@ void CloseHiddenWindow(HiddenWindow& window);
 // Whose notifications and timer ticks of `socket` are; anything about a socket that nobody owns is dropped.
 void OwnSocket(SocketId socket, HWND window, SocketSink& sink);
 
+// Posts a notification to read for the socket; the end of its stream waits behind it.
+void NotifyReadAgain(SocketId socket);
+
 // Forgets the owner, and what the queue still holds for `socket`: its number may come again at once. Nothing
 // may be posted for it any more: the system does so at any moment until the socket is closed or deselected.
 void DisownSocket(SocketId socket);

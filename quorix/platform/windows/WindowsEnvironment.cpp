@@ -38,6 +38,8 @@ Address ReadAddress(AddressReader reader, SocketId socket) {
 
 NewSocket Made(SOCKET socket) {
     if (socket == INVALID_SOCKET) return {0, WSAGetLastError()};
+    const BOOL atOnce = TRUE;
+    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
     return {static_cast<SocketId>(socket), SOCKERR_None};
 }
 
@@ -131,6 +133,8 @@ public:
     Transfer Receive(SocketId socket, char* buffer, std::size_t capacity) override {
         return Transferred(recv(Native(socket), buffer, ByteCount(capacity), 0));
     }
+
+    void ReadAgain(SocketId socket) override { windows::NotifyReadAgain(socket); }
 
     void Close(SocketId socket) override {
         closesocket(Native(socket));

@@ -125,6 +125,25 @@ TEST_F(SecureSocket, KeepsOrderHoweverTheConnectionCutsAndBlocks) {
     EXPECT_TRUE(peer->HeardGoodbye() && environment.Peer().ClientClosed());
 }
 
+// Bytes decrypted already, of which the system knows nothing, are announced like others, and before the end.
+TEST_F(SecureSocket, WhatTheChannelHoldsLeavesOthersTheirTurnAndArrivesWhole) {
+    ConnectToGoodPeer();
+    auto other = SocketRecorder::Connecting();
+    environment.DoEvents();
+    std::size_t readBefore = 0;
+    other->on["data"] = [&] { readBefore = client->received.size(); };
+    std::string text(200'000, 'x');
+    peer->Write(text);
+    environment.Peer(0).Say(peer->TakeOutput());
+    environment.Peer(0).Close();
+    environment.Peer(1).Say("me too");
+    environment.DoEvents();
+    EXPECT_GT(readBefore, 0U);
+    EXPECT_LT(readBefore, 64001U);
+    EXPECT_EQ(client->received, text);
+    EXPECT_EQ(client->log.back(), "closed");
+}
+
 // Each ends the connection from outside; the text before it must arrive, and Closed once behind it.
 TEST_F(SecureSocket, HoweverThePeerEndsItClosedComesOnce) {
     auto goodbye = [&] {

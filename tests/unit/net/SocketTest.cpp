@@ -128,6 +128,20 @@ TEST_F(Socket, AHandlerThatDisconnectsOrConnectsAgainLeavesTheOldConnectionBehin
     }
 }
 
+TEST_F(Socket, APeerThatNeverStopsLeavesOthersTheirTurn) {
+    auto busy = Connected();
+    auto quiet = Connected();
+    std::size_t readBefore = 0;
+    quiet->on["data"] = [&] { readBefore = busy->received.size(); };
+    environment.Peer(0).Say(std::string(1'000'000, 'x'));
+    environment.Peer(0).Close();
+    environment.Peer(1).Say("me too");
+    environment.DoEvents();
+    EXPECT_EQ(readBefore, 64000U);
+    EXPECT_EQ(busy->received.size(), 1'000'000U);
+    EXPECT_EQ(busy->log.back(), "closed");
+}
+
 TEST_F(Socket, AHandlerMayDropTheLastReference) {
     for (const char* event : {"connect", "data", "closed", "sent", "error"}) {
         if (event == std::string("error")) environment.RefuseConnections(SOCKERR_Refused);
