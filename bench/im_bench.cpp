@@ -38,6 +38,7 @@ public:
     void Message(const NodePtr& node) { HandleMessage(shared_from_this(), Stanza(node)); }
     void Iq(const NodePtr& node) { roster.ParseRoster(shared_from_this(), presences, Stanza(node)); }
 
+    const TextRules& Text() const override { return ClassicText(); }
     void SendXML(StringView) override {}
     bool IsConnected() const override { return true; }
     String GetNextID() override { return u"KV_1"; }

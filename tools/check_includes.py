@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Checks the direction of every include: a room knows the rooms below it, and nothing above it."""
+"""Checks what each room knows: the rooms below it and nothing above it, and the mode of a session only where its rules
+are made."""
 
 import os
 import re
@@ -17,6 +18,9 @@ FOLDERS = {
     "bench": {"quorix", "testkit", "tests"},
     "fuzz": {"quorix", "testkit"},
 }
+# What depends on the mode is a rule; who asks for the mode has missed one.
+MODE = re.compile(r"\bKV_(Classic|Modern)\b|\bMode\(\) *[!=]=|[!=]= *[\w.>-]*\bMode\(\)")
+MODE_ROOM = re.compile(r"quorix/session/(\w*Rules\w*|cSession\.h)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
@@ -43,6 +47,10 @@ def fault(path, bracket, target):
     return None
 
 
+def names_mode(path, line):
+    return path.startswith("quorix/") and not MODE_ROOM.match(path) and MODE.search(line.split("//")[0])
+
+
 def main():
     listed = subprocess.run(
         ["git", "ls-files", "-co", "--exclude-standard", "*.h", "*.cpp"], check=True, capture_output=True, text=True
@@ -57,6 +65,9 @@ def main():
                 wrong = found and fault(path, *found.groups())
                 if wrong:
                     print(f"{path}:{number}: {found.group(2)} {wrong}")
+                    faults += 1
+                if names_mode(path, line):
+                    print(f"{path}:{number}: asks for the mode outside the rules of a session")
                     faults += 1
     return 1 if faults else 0
 

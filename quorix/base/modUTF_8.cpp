@@ -1,9 +1,9 @@
 #include "quorix/base/modUTF_8.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
-#include <utility>
+
+#include "quorix/base/XmlText.h"
 
 namespace quorix {
 
@@ -11,15 +11,23 @@ namespace {
 
 constexpr unsigned kUnitLimit = 0x8000;
 
-constexpr std::array<std::pair<StringView, StringView>, 5> kEntities{{
-    {u"&", u"&amp;"},
-    {u"\"", u"&quot;"},
-    {u"<", u"&lt;"},
-    {u">", u"&gt;"},
-    {u"'", u"&apos;"},
-}};
+// Empty for what needs none.
+constexpr StringView EntityOf(char16_t unit) {
+    switch (unit) {
+        case u'&': return u"&amp;";
+        case u'"': return u"&quot;";
+        case u'<': return u"&lt;";
+        case u'>': return u"&gt;";
+        case u'\'': return u"&apos;";
+        default: return {};
+    }
+}
 
-void AppendEncoded(String& out, unsigned unit) {
+bool StaysAsItIs(char16_t unit, bool escape) {
+    return unit >= 0x20 && unit < 0x80 && !(escape && unit < 0x40 && !EntityOf(unit).empty());
+}
+
+void AppendSequence(String& out, unsigned unit) {
     auto put = [&](unsigned byte) { out += static_cast<char16_t>(byte); };
     if (unit < 128) {
         put(unit);
@@ -57,35 +65,78 @@ bool IsAscii(StringView text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
 }
 
+// The character whose entity, but for its "&", `text` begins with, and that entity's length; "&amp;" aside.
+struct Entity {
+    char16_t character = 0;
+    std::size_t length = 0;
+};
+
+Entity EntityAt(StringView text) {
+    for (char16_t c : {u'"', u'<', u'>', u'\''}) {
+        StringView name = EntityOf(c).substr(1);
+        if (StartsWith(text, name)) return {c, name.size()};
+    }
+    return {};
+}
+
 }  // namespace
 
 String XmlEscape(StringView text) {
-    if (text.find_first_of(u"&\"<>'") == StringView::npos) return String(text);
-    String result(text);
-    for (const auto& [character, entity] : kEntities) result = ReplaceAll(result, character, entity);
+    String result;
+    result.reserve(text.size() + text.size() / 8);
+    for (char16_t c : text) {
+        StringView entity = EntityOf(c);
+        entity.empty() ? result.append(1, c) : result.append(entity);
+    }
     return result;
 }
 
+// One pass. An "&" that comes of "&amp;" may begin another entity, but not "&amp;" again.
 String XmlUnescape(StringView text) {
-    String result(text);
-    for (const auto& [character, entity] : kEntities) {
-        if (result.find(u'&') == String::npos) break;
-        result = ReplaceAll(result, entity, character);
+    String result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t plain = std::min(text.find(u'&', at), text.size());
+        result.append(text, at, plain - at);
+        if (plain == text.size()) break;
+        at = plain + (StartsWith(text.substr(plain), u"&amp;") ? 5 : 1);
+        Entity entity = EntityAt(text.substr(at));
+        result += entity.length > 0 ? entity.character : u'&';
+        at += entity.length;
     }
     return result;
+}
+
+bool AppendEncoded(String& out, StringView text, bool escape) {
+    const std::size_t before = out.size();
+    std::size_t units = text.size();  // after escaping
+    std::size_t copied = 0;
+    for (std::size_t at = 0; at < text.size() && units <= kMaxCodecUnits; ++at) {
+        const char16_t unit = text[at];
+        if (StaysAsItIs(unit, escape)) continue;
+        out.append(text, copied, at - copied);
+        copied = at + 1;
+        StringView entity = escape ? EntityOf(unit) : StringView();
+        if (!entity.empty()) {
+            out.append(entity);
+            units += entity.size() - 1;
+        } else if (IsForbidden(unit)) {
+            out.append(kWireReplacement);
+        } else if (unit < kUnitLimit) {
+            AppendSequence(out, unit);
+        } else {
+            units = kMaxCodecUnits + 1;
+        }
+    }
+    const bool done = units <= kMaxCodecUnits;
+    done ? void(out.append(text, copied)) : out.resize(before);
+    return done;
 }
 
 String EncodeUTF8(StringView text, bool escape) {
-    String source = escape ? XmlEscape(text) : String(text);
-    if (source.size() > kMaxCodecUnits) return String(text);
-    if (IsAscii(source)) return source;
     String result;
-    result.reserve(source.size() * 2);
-    for (char16_t unit : source) {
-        if (unit >= kUnitLimit) return String(text);
-        AppendEncoded(result, unit);
-    }
-    return result;
+    result.reserve(text.size() + text.size() / 8);
+    return AppendEncoded(result, text, escape) ? result : String(text);
 }
 
 String DecodeUTF8(StringView wire, bool unescape) {

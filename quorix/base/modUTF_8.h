@@ -9,10 +9,13 @@ namespace quorix {
 // Values longer than this are returned as they are.
 inline constexpr std::size_t kMaxCodecUnits = 32767;
 
-// Text to wire text; with `escape`, through XmlEscape first. A text that holds a unit of U+8000 or above
-// (surrogates included), or more than kMaxCodecUnits units after escaping, is returned unchanged: neither
-// escaped nor encoded.
+// Text to wire text; with `escape`, through XmlEscape first. What XML cannot hold (XmlText.h) becomes U+FFFD.
+// A text that holds a unit of U+8000 or above (surrogates included, U+FFFE and U+FFFF not), or more than
+// kMaxCodecUnits units after escaping, is returned unchanged: neither escaped nor encoded.
 String EncodeUTF8(StringView text, bool escape);
+
+// Appends what EncodeUTF8 would return, or nothing and false when that is `text` unchanged.
+bool AppendEncoded(String& out, StringView text, bool escape);
 
 // Wire text to text; with `unescape`, through XmlUnescape afterwards. Continuation bytes are not checked. A
 // sequence that is cut off at the end or whose value exceeds 32767, or an input of more than kMaxCodecUnits

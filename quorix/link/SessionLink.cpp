@@ -10,4 +10,9 @@ std::shared_ptr<SessionLink> RequireSession(const std::weak_ptr<SessionLink>& se
     return link;
 }
 
+const TextRules& TextOf(const std::weak_ptr<SessionLink>& session) {
+    std::shared_ptr<SessionLink> link = session.lock();
+    return link ? link->Text() : ClassicText();
+}
+
 }  // namespace quorix

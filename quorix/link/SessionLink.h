@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "quorix/base/String.h"
+#include "quorix/base/TextRules.h"
 #include "quorix/link/SessionEvents.h"
 
 namespace quorix {
@@ -38,6 +39,9 @@ class SessionLink {
 public:
     virtual ~SessionLink() = default;
 
+    // How values become text of the stream, and back.
+    virtual const TextRules& Text() const = 0;
+
     virtual void SendXML(StringView xml) = 0;
     virtual bool IsConnected() const = 0;  // the socket is up, logged in or not
     virtual String GetNextID() = 0;
@@ -67,5 +71,8 @@ public:
 
 // The session behind a record's weak reference. Error 91 when it is gone or was never set.
 std::shared_ptr<SessionLink> RequireSession(const std::weak_ptr<SessionLink>& session);
+
+// The rules of the session behind a record's weak reference, ClassicText when it has none.
+const TextRules& TextOf(const std::weak_ptr<SessionLink>& session);
 
 }  // namespace quorix

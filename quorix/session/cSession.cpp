@@ -115,6 +115,12 @@ cSession::~cSession() {
     if (socket_) socket_->Disconnect();
 }
 
+void cSession::Mode(eMode value) {
+    const SessionRules& rules = RulesOf(value);
+    if (socket_->State() != sockClosed) throw AutomationError(ERR_InvalidCall);
+    rules_ = &rules;
+}
+
 void cSession::KeepAliveInterval(std::int16_t value) {
     keepAliveInterval_ = value;
     if (value == 0) keepAlive_ = false;

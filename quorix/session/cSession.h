@@ -38,6 +38,7 @@
 #include "quorix/services/cBrowseItem.h"
 #include "quorix/session/EventSinks.h"
 #include "quorix/session/Framer.h"
+#include "quorix/session/Rules.h"
 
 namespace quorix {
 
@@ -56,6 +57,10 @@ public:
     // Sinks are kept until Unadvise. Both may be called inside an event.
     void Advise(std::shared_ptr<SessionEvents> sink) { sinks_.Advise(std::move(sink)); }
     void Unadvise(const std::shared_ptr<SessionEvents>& sink) { sinks_.Unadvise(sink); }
+
+    // KV_Classic at first. Error 5 unless the socket is closed, 6 for a value that is no mode.
+    eMode Mode() const { return rules_->Mode(); }
+    void Mode(eMode value);
 
     // -- Account and server --
 
@@ -313,6 +318,8 @@ public:
 
     // -- SessionLink --
 
+    const TextRules& Text() const override { return rules_->Text(); }
+
     // `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
     // contact (without the resource, ASCII case aside), else unknown.
     eItemType FindItemType(StringView jid) override;
@@ -368,6 +375,7 @@ private:
         std::function<void()> step;
     };
 
+    const SessionRules* rules_ = &RulesOf(KV_Classic);
     String serverAddress_;
     String username_;
     String password_;

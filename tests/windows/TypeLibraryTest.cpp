@@ -90,6 +90,7 @@ TEST(TypeLibrary, HasATableForEachClassAndCreatesTheSameOnes) {
 TEST(TypeLibrary, DeclaresTheEnumerationsWithTheLibrarysOwnValues) {
     using Values = std::map<std::string, std::vector<std::int32_t>>;
     const Values expected = {
+        {"eMode", {KV_Classic, KV_Modern}},
         {"eAuthType", {KV_AutoAuth, KV_ZeroKAuth, KV_DigestAuth, KV_PlainAuth}},
         {"eProxyType", {KV_NoProxy, KV_HTTPProxy, KV_SOCKS4Proxy, KV_SOCKS5Proxy}},
         {"eProxy_Authentication", {KV_SocksNoAuth, KV_SocksUserPass}},

@@ -38,6 +38,7 @@ const ClassTable& TableOf<cSession>() {
         Class<T>(L"cSession")
             .Creatable(&T::Create)
             .Raises<SessionRelay>()
+            .Property(L"Mode", &T::Mode, &T::Mode)
             .Property(L"ServerAddress", &T::ServerAddress, &T::ServerAddress)
             .Property(L"username", &T::username, &T::username)
             .Property(L"Password", &T::Password, &T::Password)

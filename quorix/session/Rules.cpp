@@ -1,0 +1,35 @@
+#include "quorix/session/Rules.h"
+
+#include "quorix/base/AutomationError.h"
+
+namespace quorix {
+
+namespace {
+
+class ClassicRules : public SessionRules {
+public:
+    eMode Mode() const override { return KV_Classic; }
+    const TextRules& Text() const override { return ClassicText(); }
+    void RefuseToSend() const override {}
+};
+
+class ModernRules : public SessionRules {
+public:
+    eMode Mode() const override { return KV_Modern; }
+    const TextRules& Text() const override { return ModernText(); }
+    void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }
+};
+
+}  // namespace
+
+const SessionRules& RulesOf(eMode mode) {
+    static const ClassicRules classic;
+    static const ModernRules modern;
+    switch (mode) {
+        case KV_Classic: return classic;
+        case KV_Modern: return modern;
+    }
+    throw AutomationError(ERR_Overflow);
+}
+
+}  // namespace quorix

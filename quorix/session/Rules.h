@@ -1,0 +1,30 @@
+// The two modes of a session, and everything that differs between them.
+//
+// A session holds the rules of its mode and asks them; nothing outside these rules asks for the mode itself.
+#pragma once
+
+#include "quorix/base/TextRules.h"
+
+namespace quorix {
+
+enum eMode : std::int32_t {
+    KV_Classic = 0,  // the protocol's traps included: values are text or wire text, as each member says
+    KV_Modern = 1,   // every value is text, and whatever goes wrong is told
+};
+
+// Rules hold no state of a session; both objects live for ever and serve all threads.
+class SessionRules {
+public:
+    virtual ~SessionRules() = default;
+
+    virtual eMode Mode() const = 0;
+    virtual const TextRules& Text() const = 0;
+
+    // What a sender gets while the session is not connected: nothing, or error 10057.
+    virtual void RefuseToSend() const = 0;
+};
+
+// Error 6 for a value that is no mode.
+const SessionRules& RulesOf(eMode mode);
+
+}  // namespace quorix
