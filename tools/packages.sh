@@ -4,6 +4,18 @@ as_root() { if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi; }
 
 installed() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' installed$'; }
 
+# Another installation may be under way. apt-get waits for it by itself where it installs, but not here.
+update_lists() {
+    local said tries=300
+    until said=$(as_root env LC_ALL=C apt-get update -qq 2>&1); do
+        if [[ $said != *'Could not get lock'* ]] || ((--tries == 0)); then
+            echo "$said" >&2
+            return 1
+        fi
+        sleep 2
+    done
+}
+
 # need LIST...: installs what tools/packages-LIST.txt names and the machine lacks. Asks nobody when all is there.
 need() {
     local missing=() list package
@@ -14,9 +26,9 @@ need() {
     done
     if [ ${#missing[@]} -gt 0 ]; then
         echo "Installing: ${missing[*]}"
-        as_root apt-get update -qq
+        update_lists
         as_root env DEBIAN_FRONTEND=noninteractive \
-            apt-get install -y -qq --no-install-recommends "${missing[@]}"
+            apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=600 "${missing[@]}"
     fi
 }
 

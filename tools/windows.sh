@@ -52,7 +52,7 @@ configure_and_build() {
         -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
         -DQUORIX_WINDOWS_PREFIXES="$prefixes" \
         -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF \
-        -DQUORIX_WITH_SERVER="$root/build/with_server/with_server" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+        -DQUORIX_WITH_SERVER="$root/build/with_server/with_server"
     cmake --build "$build" -j "$jobs"
 }
 

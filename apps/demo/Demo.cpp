@@ -119,7 +119,7 @@ bool RunDemo() {
     std::shared_ptr<cSession> session = cSession::Create();
     auto demo = std::make_shared<Demo>(*session, *server);
     session->Advise(demo);
-    session->ServerAddress(testkit::LoopbackServer::kDomain);
+    session->ServerAddress(u"127.0.0.1");  // a bare container knows no "localhost"
     session->Port(static_cast<std::int16_t>(port));
     session->username(u"romeo");
     session->Password(u"balcony");
