@@ -1,6 +1,7 @@
 // Reference counting and interface look-up, once for every object that leaves this component.
 #pragma once
 
+#include <ocidl.h>
 #include <unknwn.h>
 
 #include <atomic>
@@ -9,6 +10,16 @@ namespace quorix::automation {
 
 // How many objects and locks keep the component loaded.
 std::atomic<long>& LoadCount();
+
+// What an interface extends, for those that extend more than IUnknown.
+template <class Interface>
+struct BaseOf {
+    using type = IUnknown;
+};
+template <>
+struct BaseOf<IProvideClassInfo2> {
+    using type = IProvideClassInfo;
+};
 
 // Implements IUnknown for the interfaces named; the first is the object's identity. Starts with one
 // reference, which belongs to the maker.
@@ -35,12 +46,10 @@ public:
     }
 
 protected:
-    // The interface of that id, null when there is none.
+    // The interface of that id, null when there is none. The first in the list answers for IUnknown.
     virtual void* Interface(REFIID id) {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, __uuidof(First))) return static_cast<First*>(this);
-        void* found = nullptr;
-        ((found = found == nullptr && IsEqualIID(id, __uuidof(Others)) ? static_cast<Others*>(this) : found),
-         ...);
+        void* found = AsOne<First>(id);
+        ((found = found == nullptr ? AsOne<Others>(id) : found), ...);
         return found;
     }
 
@@ -54,6 +63,13 @@ protected:
     }
 
 private:
+    template <class Own>
+    void* AsOne(REFIID id) {
+        const bool answers =
+            IsEqualIID(id, __uuidof(Own)) || IsEqualIID(id, __uuidof(typename BaseOf<Own>::type));
+        return answers ? static_cast<Own*>(this) : nullptr;
+    }
+
     std::atomic<long> references_{1};
 };
 
