@@ -88,6 +88,7 @@ public:
         session_->Password(u"p");
         session_->AuthType(static_cast<eAuthType>(input_.ConsumeIntegralInRange(0, 3)));
         session_->ProxyType(static_cast<eProxyType>(input_.ConsumeIntegralInRange(0, 3)));
+        session_->ProxyHostname(u"s");
         session_->ProxyUseRemoteDNS(input_.ConsumeBool());
         if (input_.ConsumeBool()) session_->ProxyAuthentication(KV_SocksUserPass);
         session_->Connect(input_.ConsumeBool());
