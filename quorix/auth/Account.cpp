@@ -1,35 +1,41 @@
 #include "quorix/auth/Account.h"
 
+#include "quorix/link/StanzaText.h"
+
 namespace quorix {
 
 namespace {
 
+// `body` is XML.
 void SendRegister(SessionLink& link, StringView id, StringView body) {
-    link.SendXML(Concat({u"<iq type='set' to='", link.ServerAddress(), u"' id='", id,
-                         u"'><query xmlns='jabber:iq:register'>", body, u"</query></iq>"}));
+    link.SendXML(
+        Compose(link.Text(), {u"<iq type='set' to='", Quoted(link.ServerAddress()), u"' id='", Quoted(id),
+                              u"'><query xmlns='jabber:iq:register'>", Markup(body), u"</query></iq>"}));
 }
 
-String Credentials(StringView username, StringView password) {
-    return Concat({u"<username>", username, u"</username><password>", password, u"</password>"});
+String Credentials(SessionLink& link, StringView password) {
+    return Compose(link.Text(), {u"<username>", Content(link.username(), Put::Own), u"</username><password>",
+                                 Content(password, Put::Own), u"</password>"});
 }
 
 }  // namespace
 
 void ChangePassword(SessionLink& link, StringView newPassword) {
-    SendRegister(link, kChangePasswordId, Credentials(link.username(), newPassword));
+    SendRegister(link, kChangePasswordId, Credentials(link, newPassword));
 }
 
 void RemoveAccount(SessionLink& link) { SendRegister(link, kRemoveAccountId, u"<remove/>"); }
 
 void RequestRegistrationForm(SessionLink& link) {
-    link.SendXML(Concat({u"<iq type='get' to='", link.ServerAddress(), u"' id='", link.GetNextID(),
-                         u"'><query xmlns='jabber:iq:register'/></iq>"}));
+    link.SendXML(
+        Compose(link.Text(), {u"<iq type='get' to='", Quoted(link.ServerAddress()), u"' id='",
+                              Quoted(link.GetNextID()), u"'><query xmlns='jabber:iq:register'/></iq>"}));
 }
 
 void SendNewUser(SessionLink& link, const Stanza& form) {
-    SendRegister(link, kNewUserId,
-                 Concat({Credentials(link.username(), link.Password()), u"<key>", form.node->GetTag(u"key"),
-                         u"</key>"}));
+    if (!link.IsConnected()) return;
+    String key = Compose(link.Text(), {u"<key>", Content(form.node->GetTag(u"key")), u"</key>"});
+    SendRegister(link, kNewUserId, Credentials(link, link.Password()) + key);
 }
 
 }  // namespace quorix

@@ -1,7 +1,8 @@
 // Creating, re-keying and removing an account (jabber:iq:register, XEP-0077).
 //
-// Nothing is checked before sending, and nothing is escaped. The answers are known by their fixed ids and end
-// in OnNewUserCreated, OnChangedPassword, OnAccountRemoved or OnIQError.
+// Nothing is checked before sending. In KV_Classic the account's name and its passwords go out as they are,
+// so that one with XML's special characters breaks the request. The answers are known by their fixed ids and
+// end in OnNewUserCreated, OnChangedPassword, OnAccountRemoved or OnIQError.
 #pragma once
 
 #include "quorix/link/SessionLink.h"

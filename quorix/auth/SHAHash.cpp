@@ -8,8 +8,9 @@
 
 namespace quorix {
 
-String SHAHash(StringView wire) {
-    std::string bytes = BytesFromWire(wire);
+String SHAHash(StringView wire) { return SHAHash(BytesFromWire(wire)); }
+
+String SHAHash(std::string_view bytes) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned size = 0;
     EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha1(), nullptr);

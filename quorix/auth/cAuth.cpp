@@ -1,7 +1,7 @@
 #include "quorix/auth/cAuth.h"
 
 #include "quorix/auth/SHAHash.h"
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 
 namespace quorix {
 
@@ -22,19 +22,23 @@ Form FormFor(const LoginFacts& login) {
     return Form::None;
 }
 
-String ZeroKnowledgeHash(StringView password, const LoginFacts& login) {
-    String hash = SHAHash(Concat({SHAHash(password), login.token}));
+String Hash(const TextRules& text, StringView secret) { return SHAHash(text.ToBytes(secret)); }
+
+String ZeroKnowledgeHash(const TextRules& text, StringView password, const LoginFacts& login) {
+    String hash = Hash(text, Concat({Hash(text, password), login.token}));
     for (std::int32_t round = 0; round < login.sequence; ++round) hash = SHAHash(hash);
     return hash;
 }
 
 // The element that proves the password.
-String Proof(Form form, StringView password, const LoginFacts& login) {
+String Proof(const TextRules& text, Form form, StringView password, const LoginFacts& login) {
     switch (form) {
-        case Form::Plain: return Concat({u"<password>", EncodeUTF8(password, true), u"</password>"});
+        case Form::Plain:
+            return Compose(text, {u"<password>", Content(password, Put::Escaped), u"</password>"});
         case Form::Digest:
-            return Concat({u"<digest>", SHAHash(Concat({login.sessionID, password})), u"</digest>"});
-        case Form::ZeroKnowledge: return Concat({u"<hash>", ZeroKnowledgeHash(password, login), u"</hash>"});
+            return Concat({u"<digest>", Hash(text, Concat({login.sessionID, password})), u"</digest>"});
+        case Form::ZeroKnowledge:
+            return Concat({u"<hash>", ZeroKnowledgeHash(text, password, login), u"</hash>"});
         case Form::None: break;
     }
     return {};
@@ -44,13 +48,15 @@ String Proof(Form form, StringView password, const LoginFacts& login) {
 
 void cAuth::SendAuth() {
     std::shared_ptr<SessionLink> session = RequireSession(session_);
+    const TextRules& text = session->Text();
     LoginFacts login = session->Login();
     Form form = FormFor(login);
     if (form == Form::None) return;
     session->SendXML(
-        Concat({u"<iq type='set' id='kv_login'><query xmlns='jabber:iq:auth'><username>", session->username(),
-                u"</username>", Proof(form, session->Password(), login), u"<resource>",
-                EncodeUTF8(session->Resource(), true), u"</resource></query></iq>"}));
+        Compose(text, {u"<iq type='set' id='kv_login'><query xmlns='jabber:iq:auth'><username>",
+                       Content(session->username(), Put::Own), u"</username>",
+                       Markup(Proof(text, form, session->Password(), login)), u"<resource>",
+                       Content(session->Resource(), Put::Escaped), u"</resource></query></iq>"}));
 }
 
 }  // namespace quorix

@@ -17,8 +17,8 @@ public:
     // Sends one login request in the form that `AuthType` and the server's offer choose, or nothing when
     // zero-knowledge is asked for and the server offered no sequence and token. Error 91 without a session.
     //
-    // The username goes out as it is: one that holds XML's special characters breaks the request. The
-    // resource, and the password of the plain form, are escaped and encoded.
+    // In KV_Classic the username goes out as it is: one that holds XML's special characters breaks the
+    // request. The resource, and the password of the plain form, are escaped and encoded.
     void SendAuth();
 
 private:

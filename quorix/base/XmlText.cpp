@@ -94,6 +94,8 @@ StringView Guard(StringView value, std::size_t at, Place place) {
 
 }  // namespace
 
+bool HasForbidden(StringView text) { return std::any_of(text.begin(), text.end(), IsForbidden); }
+
 String WithoutForbidden(StringView text) {
     String result(text);
     for (std::size_t at = 0; at < text.size(); ++at) {

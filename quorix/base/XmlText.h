@@ -18,6 +18,9 @@ constexpr bool IsForbidden(char16_t unit) {
     return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
 }
 
+// Whether IsForbidden says so of a unit of `text`.
+bool HasForbidden(StringView text);
+
 // `text` with kReplacement for each unit that XML cannot hold, and for each half of a pair that stands alone.
 String WithoutForbidden(StringView text);
 

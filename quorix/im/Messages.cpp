@@ -2,6 +2,7 @@
 
 #include "quorix/im/Elements.h"
 #include "quorix/im/Roster.h"
+#include "quorix/link/StanzaText.h"
 
 namespace quorix {
 
@@ -43,12 +44,11 @@ void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& st
 }
 
 void SendEvent(SessionLink& session, StringView jid, eEvent event, StringView id, bool cancel) {
-    if (!session.IsConnected()) return;
-    String xml = Concat({u"<message to='", jid, u"'><x xmlns='jabber:x:event'>"});
-    if (!cancel) xml += ReportElement(event);
-    if (!id.empty()) xml += Concat({u"<id>", id, u"</id>"});
-    xml += u"</x></message>";
-    session.SendXML(xml);
+    const TextRules& rules = session.Text();
+    String xml = Compose(rules, {u"<message to='", Quoted(jid), u"'><x xmlns='jabber:x:event'>",
+                                 Markup(cancel ? StringView() : ReportElement(event))});
+    if (!id.empty()) Extend(xml, rules, {u"<id>", Content(id), u"</id>"});
+    session.SendXML(xml += u"</x></message>");
 }
 
 }  // namespace quorix

@@ -13,8 +13,8 @@ namespace quorix {
 // OnMessage and an OnMessageEvent for each event that it asks for or reports.
 void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza);
 
-// Reports `event` of the message `id` to its sender `jid`; with `cancel`, takes a former report back. Both
-// texts are sent as they are. Not connected, nothing happens.
+// Reports `event` of the message `id` to its sender `jid`; with `cancel`, takes a former report back. In
+// KV_Classic both texts are wire text.
 void SendEvent(SessionLink& session, StringView jid, eEvent event, StringView id, bool cancel);
 
 }  // namespace quorix

@@ -4,7 +4,7 @@
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/platform/Environment.h"
 #include "quorix/xml/Outermost.h"
 
@@ -27,10 +27,15 @@ constexpr std::array<PresenceType, 7> kTypes = {{
     {u"invisible", false},
 }};
 
-void AddressTo(XmlNode presence, StringView jid, const PresenceType& type) {
-    if (!presence) return;
-    if (type.addressedAlways || !jid.empty()) presence.SetAttribute(u"to", jid);
-    presence.SetAttribute(u"type", type.name);
+void AddressTo(String& xml, const TextRules& rules, StringView jid, const PresenceType& type) {
+    bool isAddressed = type.addressedAlways || !jid.empty();
+    if (isAddressed) Extend(xml, rules, {u" to=\"", DoubleQuoted(jid, Put::Held), u"\""});
+    Extend(xml, rules, {u" type=\"", Markup(type.name), u"\""});
+}
+
+void AppendStatus(String& xml, const TextRules& rules, StringView status) {
+    if (status.empty()) return void(xml += u"<status/>");
+    Extend(xml, rules, {u"<status>", Content(rules.ToNode(status), Put::Held), u"</status>"});
 }
 
 std::int32_t ShowOf(StringView text, std::int32_t otherwise) {
@@ -40,8 +45,8 @@ std::int32_t ShowOf(StringView text, std::int32_t otherwise) {
     return otherwise;
 }
 
-void Read(cPresenceItem& item, const cXML_Node& stanza) {
-    item.Status(DecodeUTF8(stanza.GetTag(u"status"), true));
+void Read(const TextRules& rules, cPresenceItem& item, const cXML_Node& stanza) {
+    item.Status(rules.Read(stanza.GetTag(u"status")));
     item.Priority(WireInt16(stanza.GetTag(u"priority")));
     item.ShowType(static_cast<eShowType>(ShowOf(stanza.GetTag(u"show"), item.ShowType())));
 }
@@ -93,24 +98,28 @@ void RaiseSubscription(SessionLink& session, StringView type, const cPresenceIte
 }  // namespace
 
 void SendMyPresence(SessionLink& session, StringView status, std::int32_t show, std::int16_t priority) {
+    const TextRules& rules = session.Text();
     String xml = u"<presence>";
-    if (!status.empty()) xml += Concat({u"<status>", EncodeUTF8(status, true), u"</status>"});
+    if (!status.empty()) Extend(xml, rules, {u"<status>", Content(status, Put::Escaped), u"</status>"});
     StringView showText = ShowText(show);
-    if (!showText.empty()) xml += Concat({u"<show>", showText, u"</show>"});
-    xml += Concat({u"<priority>", ToString(priority), u"</priority></presence>"});
+    if (!showText.empty()) Extend(xml, rules, {u"<show>", Content(showText), u"</show>"});
+    Extend(xml, rules, {u"<priority>", Content(ToString(priority)), u"</priority></presence>"});
     session.SendXML(xml);
 }
 
 void SendPresence(SessionLink& session, StringView jid, std::int32_t subType, StringView status) {
-    cXML_Node presence;
-    presence.xml(Concat({u"<presence><status>", EncodeUTF8(status, true), u"</status></presence>"}));
+    const TextRules& rules = session.Text();
+    String xml = u"<presence";
     bool isKnown = subType >= KV_Available && subType <= KV_Invisible;
-    if (isKnown) AddressTo(presence.Root(), jid, kTypes[static_cast<std::size_t>(subType)]);
-    session.SendXML(presence.xml());
+    if (isKnown) AddressTo(xml, rules, jid, kTypes[static_cast<std::size_t>(subType)]);
+    xml += u">";
+    AppendStatus(xml, rules, status);
+    session.SendXML(xml += u"</presence>");
     Environment::Current().DoEvents();
 }
 
 void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& table, const Stanza& stanza) {
+    const TextRules& rules = session->Text();
     const StringView type = Trim(stanza.type);
     const bool isAvailable = type.empty() || type == u"available";
     const bool isUnavailable = type == u"unavailable";
@@ -120,14 +129,14 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
     // A presence from a bare address finds the contact's primary entry, and takes it over on purpose: such a
     // sender has one presence, whatever it called its resource before. Presences about subscriptions and
     // errors tell nothing about availability, so they get an item of their own.
-    std::int32_t index = table.FindPresence(DecodeUTF8(bareJid, true), DecodeUTF8(resource, true), true);
+    std::int32_t index = table.FindPresence(rules.Read(bareJid), rules.Read(resource), true);
     bool isKnown = index > 0 && (isAvailable || isUnavailable);
     auto item = isKnown ? table.Item(index) : std::make_shared<cPresenceItem>();
 
     item->SetSession(session);
     item->JID(bareJid);
     item->Resource(resource);
-    Read(*item, *stanza.node);
+    Read(rules, *item, *stanza.node);
 
     const Arrival arrival{session, table, stanza, bareJid, item, !isKnown};
     if (isAvailable) return Appear(arrival);
@@ -135,15 +144,16 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
     RaiseSubscription(*session, type, *item);
 }
 
-void ParsePresenceList(SessionLink& session, const Stanza& stanza) {
-    session.Raise(&SessionEvents::OnWhoisOnlineStart);
+void ParsePresenceList(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
+    session->Raise(&SessionEvents::OnWhoisOnlineStart);
     for (const XmlNode& presence : Outermost(stanza.root, u"presence")) {
         auto item = std::make_shared<cPresenceItem>();
+        item->SetSession(session);
         item->JID(presence.Attribute(u"from"));
-        item->Status(DecodeUTF8(presence.Child(u"status").Text(), true));
-        session.Raise(&SessionEvents::OnWhoisOnlineUser, item);
+        item->Status(session->Text().Read(presence.Child(u"status").Text()));
+        session->Raise(&SessionEvents::OnWhoisOnlineUser, item);
     }
-    session.Raise(&SessionEvents::OnWhoisOnlineEnd);
+    session->Raise(&SessionEvents::OnWhoisOnlineEnd);
 }
 
 }  // namespace quorix

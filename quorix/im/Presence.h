@@ -22,6 +22,6 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
 
 // Raises OnWhoisOnlineStart, OnWhoisOnlineUser for each presence inside the stanza, and OnWhoisOnlineEnd. The
 // items hold the full address as their JID and stand in no table.
-void ParsePresenceList(SessionLink& session, const Stanza& stanza);
+void ParsePresenceList(const std::shared_ptr<SessionLink>& session, const Stanza& stanza);
 
 }  // namespace quorix

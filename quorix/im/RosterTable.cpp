@@ -4,7 +4,6 @@
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
-#include "quorix/base/modUTF_8.h"
 #include "quorix/xml/Outermost.h"
 
 namespace quorix {
@@ -13,11 +12,11 @@ namespace {
 
 enum class EmptyGroups { Keep, Skip };
 
-void AddGroups(cRosterItem& item, const XmlNode& element, EmptyGroups empty) {
+void AddGroups(const TextRules& rules, cRosterItem& item, const XmlNode& element, EmptyGroups empty) {
     for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
         if (!child.Is(u"group")) continue;
         String name = child.Text();
-        if (!name.empty() || empty == EmptyGroups::Keep) item.AddGroup(DecodeUTF8(name, true));
+        if (!name.empty() || empty == EmptyGroups::Keep) item.AddGroup(rules.Read(name));
     }
 }
 
@@ -57,7 +56,7 @@ void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const
     try {
         for (const XmlNode& element : Outermost(stanza.root, u"item")) {
             std::shared_ptr<cRosterItem> item = Apply(session, element);
-            String bareJid = DecodeUTF8(ToLower(RemoveResource(item->JID())), true);
+            String bareJid = session->Text().Read(ToLower(RemoveResource(item->JID())));
             session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid), CopyOf(element));
         }
     } catch (const AutomationError&) {
@@ -71,33 +70,33 @@ std::shared_ptr<cRosterItem> RosterTable::Apply(const std::shared_ptr<SessionLin
                                                 const XmlNode& element) {
     if (Sequence known = GetIndex().Find(element.Attribute(u"jid"))) {
         std::shared_ptr<cRosterItem> item = At(known);
-        Update(*item, element);
+        Update(session->Text(), *item, element);
         if (item->Subscription() == KV_Remove) Remove(IndexOf(known));
         return item;
     }
     auto item = std::make_shared<cRosterItem>();
     item->SetSession(session);
-    Fill(*item, element);
+    Fill(session->Text(), *item, element);
     Add(item);
     return item;
 }
 
-void RosterTable::Fill(cRosterItem& item, const XmlNode& element) {
+void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const XmlNode& element) {
     item.JID(element.Attribute(u"jid"));
     String name = element.HasAttribute(u"name") ? element.Attribute(u"name") : ToLower(item.JID());
-    item.NickName(DecodeUTF8(name, true));
+    item.NickName(rules.Read(name));
     ReadState(item, element);
-    AddGroups(item, element, EmptyGroups::Keep);
+    AddGroups(rules, item, element, EmptyGroups::Keep);
 }
 
 // A contact that stays keeps the name it is shown under, whatever the server says; one that goes takes the
 // server's.
-void RosterTable::Update(cRosterItem& item, const XmlNode& element) {
+void RosterTable::Update(const TextRules& rules, cRosterItem& item, const XmlNode& element) {
     ReadState(item, element);
-    if (item.Subscription() == KV_Remove) item.NickName(DecodeUTF8(element.Attribute(u"name"), true));
+    if (item.Subscription() == KV_Remove) item.NickName(rules.Read(element.Attribute(u"name")));
     if (!element.FirstChild()) return;
     item.RemoveAllGroups();
-    AddGroups(item, element, EmptyGroups::Skip);
+    AddGroups(rules, item, element, EmptyGroups::Skip);
 }
 
 void RosterTable::ReadState(cRosterItem& item, const XmlNode& element) {

@@ -43,8 +43,8 @@ public:
 
 private:
     std::shared_ptr<cRosterItem> Apply(const std::shared_ptr<SessionLink>& session, const XmlNode& element);
-    static void Fill(cRosterItem& item, const XmlNode& element);
-    static void Update(cRosterItem& item, const XmlNode& element);
+    static void Fill(const TextRules& rules, cRosterItem& item, const XmlNode& element);
+    static void Update(const TextRules& rules, cRosterItem& item, const XmlNode& element);
     static void ReadState(cRosterItem& item, const XmlNode& element);
 
     bool inProgress_ = false;

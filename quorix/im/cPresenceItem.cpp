@@ -2,8 +2,6 @@
 
 #include <array>
 
-#include "quorix/base/modUTF_8.h"
-
 namespace quorix {
 
 StringView ShowText(std::int32_t show) {
@@ -12,7 +10,7 @@ StringView ShowText(std::int32_t show) {
 }
 
 // Decoding once here spares it at every look-up; the wire form is never asked for again.
-void cPresenceItem::JID(StringView value) { Assign(jid_, DecodeUTF8(value, true)); }
-void cPresenceItem::Resource(StringView value) { Assign(resource_, DecodeUTF8(value, true)); }
+void cPresenceItem::JID(StringView value) { Assign(jid_, TextOf(session_).Read(value)); }
+void cPresenceItem::Resource(StringView value) { Assign(resource_, TextOf(session_).Read(value)); }
 
 }  // namespace quorix

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 
 namespace quorix {
 
@@ -27,11 +27,14 @@ void cRosterItem::Update() const {
 
 void cRosterItem::Send(StringView restOfTag) const {
     std::shared_ptr<SessionLink> session = RequireSession(session_);
-    String xml = Concat({u"<iq id='", session->GetNextID(), u"' type='set'><query xmlns='jabber:iq:roster'>",
-                         u"<item jid='", jid_, u"' name='", EncodeUTF8(nickName_, true), u"'", restOfTag});
-    for (const String& group : groups_) xml += Concat({u"<group>", EncodeUTF8(group, true), u"</group>"});
-    xml += u"</item></query></iq>";
-    session->SendXML(xml);
+    const TextRules& rules = session->Text();
+    String xml = Compose(rules, {u"<iq id='", Quoted(session->GetNextID()),
+                                 u"' type='set'><query xmlns='jabber:iq:roster'><item jid='", Quoted(jid_),
+                                 u"' name='", Quoted(nickName_, Put::Escaped), u"'", Markup(restOfTag)});
+    for (const String& group : groups_) {
+        Extend(xml, rules, {u"<group>", Content(group, Put::Escaped), u"</group>"});
+    }
+    session->SendXML(xml += u"</item></query></iq>");
 }
 
 }  // namespace quorix

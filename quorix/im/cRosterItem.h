@@ -25,7 +25,7 @@ enum eSubscriptionType : std::int32_t {
 
 class cRosterItem : public WatchedRecord {
 public:
-    // Wire text, sent as it is: a quote in it breaks the request.
+    // Wire text in KV_Classic.
     String JID() const { return jid_; }
     void JID(StringView value) { Assign(jid_, String(value)); }
 
@@ -50,8 +50,8 @@ public:
     void RemoveAllGroups() { groups_.Clear(); }
 
     // Ask the server to store the contact, Add without a subscription, Update with it; Update with KV_Remove
-    // deletes the contact. The roster table changes when the server's push arrives, not here. Not connected,
-    // nothing happens. Error 91 without a session.
+    // deletes the contact. The roster table changes when the server's push arrives, not here. Error 91
+    // without a session.
     void Add() const;
     void Update() const;
 

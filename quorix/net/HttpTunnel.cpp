@@ -4,27 +4,28 @@ namespace quorix {
 
 namespace {
 
-constexpr StringView kBehindTarget =
-    u"/ HTTP/1.1\r\n"
-    u"User-Agent: QuoriXServer\r\n"
-    u"Host: ";
-constexpr StringView kBehindHost =
-    u"\r\n"
-    u"Content-Type: multipart/byteranges\r\n"
-    u"Cache-Control: no-cache\r\n"
-    u"Content-length:";
-constexpr StringView kBehindLength =
-    u"\r\n"
-    u"Proxy-Connection: Keep-Alive\r\n"
-    u"\r\n";
+constexpr std::string_view kBehindTarget =
+    "/ HTTP/1.1\r\n"
+    "User-Agent: QuoriXServer\r\n"
+    "Host: ";
+constexpr std::string_view kBehindHost =
+    "\r\n"
+    "Content-Type: multipart/byteranges\r\n"
+    "Cache-Control: no-cache\r\n"
+    "Content-length:";
+constexpr std::string_view kBehindLength =
+    "\r\n"
+    "Proxy-Connection: Keep-Alive\r\n"
+    "\r\n";
 
 }  // namespace
 
-String PutRequest(StringView server, std::int16_t port, StringView text) {
-    String address = Concat({server, u":", ToString(port)});
-    String length = ToString(static_cast<std::int64_t>(text.size()));
-    return Concat(
-        {u"PUT http://", address, kBehindTarget, address, kBehindHost, length, kBehindLength, text, u"\r\n"});
+std::string PutRequest(const std::string& server, std::int16_t port, std::string_view body) {
+    const std::string address = server + ":" + std::to_string(port);
+    std::string request = "PUT http://";
+    request.append(address).append(kBehindTarget).append(address).append(kBehindHost);
+    request.append(std::to_string(body.size())).append(kBehindLength).append(body);
+    return request += "\r\n";
 }
 
 bool IsHttpResponse(StringView chunk) { return EqualsIgnoringCase(chunk.substr(0, 4), u"HTTP"); }

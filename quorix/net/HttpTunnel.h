@@ -3,14 +3,16 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "quorix/base/String.h"
 
 namespace quorix {
 
-// One whole request. The announced length is that of `text` in characters; a CR LF follows the text without
-// being counted. Proxies know the server by this address; `port` is printed with its sign.
-String PutRequest(StringView server, std::int16_t port, StringView text);
+// One whole request. A CR LF follows the body without being counted in its announced length. Proxies know the
+// server by this address; `port` is printed with its sign.
+std::string PutRequest(const std::string& server, std::int16_t port, std::string_view body);
 
 // True when a received chunk begins a response ("HTTP" in any case): it is to be dropped as a whole.
 bool IsHttpResponse(StringView chunk);

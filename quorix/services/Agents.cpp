@@ -4,6 +4,7 @@
 #include <map>
 
 #include "quorix/base/Number.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
@@ -12,12 +13,13 @@
 namespace quorix {
 
 void FetchAgents(SessionLink& link) {
-    link.SendXML(Concat({u"<iq id='", kAgentListId, u"' to='", link.ServerAddress(),
-                         u"' type='get'><query xmlns='jabber:iq:agents'/></iq>"}));
+    link.SendXML(
+        Compose(link.Text(), {u"<iq id='", Quoted(kAgentListId), u"' to='", Quoted(link.ServerAddress()),
+                              u"' type='get'><query xmlns='jabber:iq:agents'/></iq>"}));
 }
 
 void GetAgentRegister(SessionLink& link, StringView jid, StringView id) {
-    link.SendXML(Query(u"get", id, jid, u"jabber:iq:register"));
+    link.SendXML(Query(link.Text(), u"get", id, jid, u"jabber:iq:register"));
 }
 
 std::int16_t Agents::FindAgent(StringView jid) const {

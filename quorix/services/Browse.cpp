@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/cBrowseItem.h"
 #include "quorix/services/cGroupChat.h"
 
@@ -16,8 +16,9 @@ constexpr StringView kServerPrefix = u"gcsrv_";
 constexpr StringView kRoomPrefix = u"gcroom_";
 
 void Browse(SessionLink& link, StringView jid, StringView prefix, StringView id) {
-    link.SendXML(Concat({u"<iq type='get' to='", EncodeUTF8(jid, false), u"' id='", prefix, id,
-                         u"'><item xmlns='jabber:iq:browse'/></iq>"}));
+    link.SendXML(
+        Compose(link.Text(), {u"<iq type='get' to='", Quoted(jid, Put::Encoded), u"' id='", Quoted(prefix),
+                              Quoted(id), u"'><item xmlns='jabber:iq:browse'/></iq>"}));
 }
 
 template <class Accept>

@@ -1,6 +1,7 @@
 #include "quorix/services/Conference.h"
 
 #include "quorix/base/Jid.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/cGroupChat.h"
 
 namespace quorix {
@@ -19,9 +20,10 @@ void SetAddress(cGroupChat& room, StringView jid) {
 }  // namespace
 
 void SendGCInvite10(SessionLink& link, StringView jid, StringView roomJid) {
-    link.SendXML(
-        Concat({u"<message id='", link.GetNextID(), u"' to='", jid, u"'><x xmlns='jabber:x:conference' jid='",
-                roomJid, u"'/><subject>Invite to Groupchat:", roomJid, u"</subject><body/></message>"}));
+    link.SendXML(Compose(link.Text(), {u"<message id='", Quoted(link.GetNextID()), u"' to='", Quoted(jid),
+                                       u"'><x xmlns='jabber:x:conference' jid='", Quoted(roomJid),
+                                       u"'/><subject>Invite to Groupchat:", Content(roomJid),
+                                       u"</subject><body/></message>"}));
 }
 
 void HandleConference(SessionLink& link, const Stanza& stanza) {

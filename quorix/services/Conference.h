@@ -7,7 +7,7 @@
 
 namespace quorix {
 
-// Invites `jid` to the room `roomJid`, both inserted as given.
+// Invites `jid` to the room `roomJid`. In KV_Classic both are wire text.
 void SendGCInvite10(SessionLink& link, StringView jid, StringView roomJid);
 
 // A room's answer raises OnGroupChat.

@@ -1,9 +1,8 @@
 #include "quorix/services/GroupChats.h"
 
 #include "quorix/base/Jid.h"
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/PositionWhere.h"
-#include "quorix/services/Query.h"
 
 namespace quorix {
 
@@ -14,19 +13,21 @@ void Require(const std::shared_ptr<cGroupChat>& room) {
 }
 
 // Two blanks before `type`, as peers have always seen it.
-String RoomPresence(const cGroupChat& room, bool available) {
-    return Concat({u"<presence to='", EncodeUTF8(room.JID(), false), u"/", EncodeUTF8(room.NickName(), false),
-                   available ? u"'/>" : u"'  type='unavailable'/>"});
+String RoomPresence(const TextRules& rules, const cGroupChat& room, bool available) {
+    return Compose(rules, {u"<presence to='", Quoted(room.JID(), Put::Encoded), u"/",
+                           Quoted(room.NickName(), Put::Encoded),
+                           Markup(available ? u"'/>" : u"'  type='unavailable'/>")});
 }
 
-// Whether what a record holds is a value from the wire, as it came or as text.
-class IsWireValue {
+// Whether what a record holds is a received value, as it came or as text.
+class IsReceived {
 public:
-    explicit IsWireValue(StringView wire) : wire_(wire), text_(DecodeUTF8(wire, true)) {}
-    bool operator()(StringView recorded) const { return recorded == wire_ || recorded == text_; }
+    IsReceived(const TextRules& rules, StringView received)
+        : received_(received), text_(rules.Read(received)) {}
+    bool operator()(StringView recorded) const { return recorded == received_ || recorded == text_; }
 
 private:
-    StringView wire_;
+    StringView received_;
     String text_;
 };
 
@@ -45,8 +46,8 @@ std::int32_t GroupChats::FindGroupChat(StringView jid) const {
     return PositionWhere(items_, [&](const auto& room) { return room->JID() == jid; });
 }
 
-std::int32_t GroupChats::FindFromWire(StringView jid) const {
-    IsWireValue matches(jid);
+std::int32_t GroupChats::FindFromWire(const TextRules& rules, StringView jid) const {
+    IsReceived matches(rules, jid);
     return PositionWhere(items_, [&](const auto& room) { return matches(room->JID()); });
 }
 
@@ -59,7 +60,7 @@ std::int32_t GroupChats::FindSameRoom(StringView jid) const {
 void GroupChats::SendGroupChatRequest(SessionLink& link, const std::shared_ptr<cGroupChat>& room,
                                       bool available) {
     Require(room);
-    link.SendXML(RoomPresence(*room, available));
+    link.SendXML(RoomPresence(link.Text(), *room, available));
     std::int32_t position = FindSameRoom(room->JID());
     if (!available) {
         if (position > 0) items_.Remove(position);
@@ -70,23 +71,26 @@ void GroupChats::SendGroupChatRequest(SessionLink& link, const std::shared_ptr<c
     }
 }
 
-bool GroupChats::Leave(StringView jid, StringView nickname) {
-    std::int32_t position = FindFromWire(jid);
-    if (position == 0 || !IsWireValue(nickname)(items_.Item(position)->NickName())) return false;
+bool GroupChats::Leave(const TextRules& rules, StringView jid, StringView nickname) {
+    std::int32_t position = FindFromWire(rules, jid);
+    if (position == 0 || !IsReceived(rules, nickname)(items_.Item(position)->NickName())) return false;
     items_.Remove(position);
     return true;
 }
 
 void SendGroupChatPresence(SessionLink& link, StringView groupJid, eShowType showType, StringView status) {
-    String statusElement = status.empty() ? String() : Element(u"status", EncodeUTF8(status, false));
-    link.SendXML(Concat({u"<presence to='", EncodeUTF8(groupJid, false), u"'>",
-                         Element(u"show", ShowText(showType)), statusElement, u"</presence>"}));
+    const TextRules& rules = link.Text();
+    String xml = Compose(rules, {u"<presence to='", Quoted(groupJid, Put::Encoded), u"'><show>",
+                                 Content(ShowText(showType)), u"</show>"});
+    if (!status.empty()) Extend(xml, rules, {u"<status>", Content(status, Put::Encoded), u"</status>"});
+    link.SendXML(xml += u"</presence>");
 }
 
 void ChangeGCNickName(SessionLink& link, const std::shared_ptr<cGroupChat>& room, StringView nickname) {
     Require(room);
-    link.SendXML(Concat({u"<iq to= '", room->JID(), u"' type='set'><query xmlns='jabber:iq:conference'>",
-                         Element(u"nick", nickname), u"</query></iq>"}));
+    link.SendXML(Compose(link.Text(), {u"<iq to= '", Quoted(room->JID()),
+                                       u"' type='set'><query xmlns='jabber:iq:conference'><nick>",
+                                       Content(nickname), u"</nick></query></iq>"}));
     room->NickName(nickname);
 }
 

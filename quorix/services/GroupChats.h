@@ -21,7 +21,7 @@ public:
     std::int32_t FindGroupChat(StringView jid) const;
 
     // The same for an address from the wire, which a record may hold as text or as it came.
-    std::int32_t FindFromWire(StringView jid) const;
+    std::int32_t FindFromWire(const TextRules& rules, StringView jid) const;
 
     // Joins or leaves `room` under its NickName. A join takes the place of the record with the same bare JID
     // (ASCII case aside), a leave removes that record. Error 91 without a room.
@@ -29,7 +29,7 @@ public:
 
     // When `jid` is that of a room in which the user is called `nickname`: forgets the room, true. Both are
     // wire text.
-    bool Leave(StringView jid, StringView nickname);
+    bool Leave(const TextRules& rules, StringView jid, StringView nickname);
 
 private:
     std::int32_t FindSameRoom(StringView jid) const;
@@ -42,7 +42,7 @@ private:
 void SendGroupChatPresence(SessionLink& link, StringView groupJid, eShowType showType, StringView status);
 
 // Asks the room for another name (jabber:iq:conference) and sets it in the record. Error 91 without a room.
-// Both values are inserted as given.
+// In KV_Classic both values are wire text.
 void ChangeGCNickName(SessionLink& link, const std::shared_ptr<cGroupChat>& room, StringView nickname);
 
 }  // namespace quorix

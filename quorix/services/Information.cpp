@@ -1,6 +1,7 @@
 #include "quorix/services/Information.h"
 
 #include "quorix/base/Number.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/Query.h"
 
 namespace quorix {
@@ -12,11 +13,11 @@ constexpr StringView kTime = u"jabber:iq:time";
 constexpr StringView kLast = u"jabber:iq:last";
 
 void Ask(SessionLink& link, StringView jid, StringView xmlns) {
-    link.SendXML(Query(u"get", link.GetNextID(), jid, xmlns));
+    link.SendXML(Query(link.Text(), u"get", link.GetNextID(), jid, xmlns));
 }
 
 void Answer(SessionLink& link, StringView jid, StringView xmlns, StringView body) {
-    link.SendXML(Query(u"result", link.GetNextID(), jid, xmlns, body));
+    link.SendXML(Query(link.Text(), u"result", link.GetNextID(), jid, xmlns, body));
 }
 
 }  // namespace
@@ -28,18 +29,21 @@ void SendLastSeenRequest(SessionLink& link, StringView jid) { Ask(link, jid, kLa
 void SendVersionResponse(SessionLink& link, StringView jid, StringView name, StringView version,
                          StringView os) {
     Answer(link, jid, kVersion,
-           Concat({Element(u"name", name), Element(u"version", version), Element(u"os", os)}));
+           Compose(link.Text(), {u"<name>", Content(name), u"</name><version>", Content(version),
+                                 u"</version><os>", Content(os), u"</os>"}));
 }
 
 void SendTimeResponse(SessionLink& link, StringView jid, StringView utc, StringView timeZone,
                       StringView display) {
     Answer(link, jid, kTime,
-           Concat({Element(u"utc", utc), Element(u"tz", timeZone), Element(u"display", display)}));
+           Compose(link.Text(), {u"<utc>", Content(utc), u"</utc><tz>", Content(timeZone), u"</tz><display>",
+                                 Content(display), u"</display>"}));
 }
 
 void SendGetLastResponse(SessionLink& link, StringView jid, StringView seconds) {
-    link.SendXML(Concat({u"<iq type='result' id='", link.GetNextID(), u"' to='", jid, u"'><query xmlns='",
-                         kLast, u"' seconds='", seconds, u"'/></iq>"}));
+    link.SendXML(
+        Compose(link.Text(), {u"<iq type='result' id='", Quoted(link.GetNextID()), u"' to='", Quoted(jid),
+                              u"'><query xmlns='jabber:iq:last' seconds='", Quoted(seconds), u"'/></iq>"}));
 }
 
 void HandleVersion(SessionLink& link, const Stanza& stanza) {

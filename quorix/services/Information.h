@@ -1,7 +1,7 @@
 // Software version, local time and last activity (jabber:iq:version, jabber:iq:time, jabber:iq:last): asked
 // of others, answered to others.
 //
-// All values are inserted unescaped and unencoded. An answer carries a fresh id, not that of the request.
+// In KV_Classic all values are wire text. An answer carries a fresh id, not that of the request.
 #pragma once
 
 #include "quorix/link/SessionLink.h"

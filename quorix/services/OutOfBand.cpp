@@ -1,21 +1,22 @@
 #include "quorix/services/OutOfBand.h"
 
-#include "quorix/base/modUTF_8.h"
-#include "quorix/services/Query.h"
+#include "quorix/link/StanzaText.h"
 
 namespace quorix {
 
 namespace {
 
 String Offer(SessionLink& link, StringView type, StringView jid, StringView body) {
-    return Concat({u"<iq type='", type, u"' from='", link.MyJid(), u"' to='", jid, u"' id='",
-                   link.GetNextID(), u"'><query xmlns='jabber:iq:oob'>", body, u"</query></iq>"});
+    return Compose(link.Text(), {u"<iq type='", Quoted(type), u"' from='", Quoted(link.MyJid()), u"' to='",
+                                 Quoted(jid), u"' id='", Quoted(link.GetNextID()),
+                                 u"'><query xmlns='jabber:iq:oob'>", Markup(body), u"</query></iq>"});
 }
 
 }  // namespace
 
 void SendOOBRequest(SessionLink& link, StringView jid, StringView description, StringView url) {
-    String body = Element(u"desc", EncodeUTF8(description, false)) + Element(u"url", EncodeUTF8(url, false));
+    String body = Compose(link.Text(), {u"<desc>", Content(description, Put::Encoded), u"</desc><url>",
+                                        Content(url, Put::Encoded), u"</url>"});
     link.SendXML(Offer(link, u"set", jid, body));
 }
 

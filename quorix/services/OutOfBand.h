@@ -6,7 +6,7 @@
 
 namespace quorix {
 
-// `description` and `url` are text and go out UTF-8 encoded, unescaped.
+// `description` and `url` are text and go out UTF-8 encoded.
 void SendOOBRequest(SessionLink& link, StringView jid, StringView description, StringView url);
 
 // Tells the one who made the offer that the file has been fetched. Carries a fresh id.

@@ -1,14 +1,17 @@
 #include "quorix/services/PrivateStorage.h"
 
 #include "quorix/base/AutomationError.h"
+#include "quorix/link/StanzaText.h"
+#include "quorix/xml/XmlName.h"
 
 namespace quorix {
 
 namespace {
 
-StringView ElementNameOf(StringView xmlns) {
+StringView ElementNameOf(const TextRules& rules, StringView xmlns) {
     std::size_t colon = xmlns.find(u':');
-    if (colon == StringView::npos) throw AutomationError(ERR_InvalidCall);
+    bool isName = colon != StringView::npos && IsXmlName(rules.ToBytes(xmlns.substr(0, colon)));
+    if (!isName) throw AutomationError(ERR_InvalidCall);
     return xmlns.substr(0, colon);
 }
 
@@ -16,14 +19,16 @@ StringView ElementNameOf(StringView xmlns) {
 
 void StorePrivateData(SessionLink& link, StringView xmlns, StringView data) {
     String id = link.GetNextID();
-    StringView name = ElementNameOf(xmlns);
-    link.SendXML(Concat({u"<iq type='set' id='", id, u"'><query xmlns='jabber:iq:private'><", name,
-                         u" xmlns='", xmlns, u"'>", data, u"</", name, u"></query></iq>"}));
+    StringView name = ElementNameOf(link.Text(), xmlns);
+    link.SendXML(
+        Compose(link.Text(),
+                {u"<iq type='set' id='", Quoted(id), u"'><query xmlns='jabber:iq:private'><", Markup(name),
+                 u" xmlns='", Quoted(xmlns), u"'>", Markup(data), u"</", Markup(name), u"></query></iq>"}));
 }
 
 String getPrivateData(SessionLink& link, StringView xmlns) {
     link.GetNextID();
-    ElementNameOf(xmlns);
+    ElementNameOf(link.Text(), xmlns);
     return {};
 }
 

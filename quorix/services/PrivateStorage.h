@@ -1,6 +1,6 @@
 // Data that the server keeps for the account (jabber:iq:private). The element that carries it is named by
-// the text of its namespace before the first ":". Error 5 when the namespace has no ":"; an id is taken all
-// the same.
+// the text of its namespace before the first ":". Error 5 when the namespace has no ":", or no XML
+// name before it; an id is taken all the same.
 #pragma once
 
 #include "quorix/link/SessionLink.h"

@@ -1,6 +1,5 @@
 #include "quorix/services/Search.h"
 
-#include "quorix/base/modUTF_8.h"
 #include "quorix/services/XDataForm.h"
 #include "quorix/xml/Outermost.h"
 
@@ -8,11 +7,11 @@ namespace quorix {
 
 namespace {
 
-void AddPlainHit(cSearchResults& results, const XmlNode& item) {
+void AddPlainHit(const TextRules& rules, cSearchResults& results, const XmlNode& item) {
     auto hit = results.Add(item.Attribute(u"jid"));
     for (XmlNode child = item.FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"iq") || child.Is(u"query")) continue;
-        hit->Fields()->Add(child.Name(), DecodeUTF8(child.Text(), true));
+        hit->Fields()->Add(child.Name(), rules.Read(child.Text()));
     }
 }
 
@@ -24,7 +23,7 @@ String JidOf(const XmlNode& item) {
 }
 
 // The values of a data form stay wire text, unlike those of a plain hit.
-void AddFormHit(cSearchResults& results, const XmlNode& item) {
+void AddFormHit(const TextRules& /*rules*/, cSearchResults& results, const XmlNode& item) {
     auto hit = results.Add(JidOf(item));
     for (XmlNode field = item.FirstElement(); field; field = field.NextElement()) {
         if (!field.Is(u"field") || field.AttributeIs(u"var", u"jid")) continue;
@@ -32,11 +31,11 @@ void AddFormHit(cSearchResults& results, const XmlNode& item) {
     }
 }
 
-std::shared_ptr<cSearchResults> ReadResults(const XmlNode& root) {
+std::shared_ptr<cSearchResults> ReadResults(const TextRules& rules, const XmlNode& root) {
     auto results = std::make_shared<cSearchResults>();
     bool isForm = static_cast<bool>(root.SelectSingle(u"//x[@xmlns='jabber:x:data']"));
     auto add = isForm ? AddFormHit : AddPlainHit;
-    for (const XmlNode& item : Outermost(root, u"item")) add(*results, item);
+    for (const XmlNode& item : Outermost(root, u"item")) add(rules, *results, item);
     return results;
 }
 
@@ -53,7 +52,7 @@ void Search::Handle(SessionLink& link, const Stanza& stanza) {
 }
 
 void Search::HandleResults(SessionLink& link, const Stanza& stanza) {
-    results_ = ReadResults(stanza.root);
+    results_ = ReadResults(link.Text(), stanza.root);
     link.Raise(&SessionEvents::OnSearchResults, results_);
 }
 

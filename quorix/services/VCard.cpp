@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 
 namespace quorix {
 
@@ -54,10 +54,11 @@ constexpr Piece kUpdate[] = {
     {u"<DESC>", &cVcard::Description, u"</DESC>"},
 };
 
-String UpdateBody(const cVcard& card) {
+String UpdateBody(const TextRules& rules, const cVcard& card) {
     String body;
     for (const Piece& piece : kUpdate) {
-        body += Concat({piece.before, EncodeUTF8((card.*piece.value)(), true), piece.after});
+        Extend(body, rules,
+               {Markup(piece.before), Content((card.*piece.value)(), Put::Escaped), Markup(piece.after)});
     }
     return body;
 }
@@ -99,9 +100,9 @@ constexpr Place kHome{&cVcard::HomeExtAddress, &cVcard::HomeStreet,     &cVcard:
 constexpr Place kWork{&cVcard::BusinessExtAddress, &cVcard::BusinessStreet,     &cVcard::BusinessCity,
                       &cVcard::BusinessRegion,     &cVcard::BusinessPostalCode, &cVcard::BusinessCountry};
 
-void Fill(cVcard& card, Setter property, const XmlNode& element) {
+void Fill(const TextRules& rules, cVcard& card, Setter property, const XmlNode& element) {
     String text = element.Text();
-    if (!text.empty()) (card.*property)(DecodeUTF8(text, true));
+    if (!text.empty()) (card.*property)(rules.Read(text));
 }
 
 bool Has(const XmlNode& element, StringView marker) { return static_cast<bool>(element.Child(marker)); }
@@ -118,64 +119,65 @@ Setter NumberProperty(const XmlNode& number) {
     return other ? nullptr : numbers.phone;
 }
 
-void ReadNumber(cVcard& card, const XmlNode& element) {
+void ReadNumber(const TextRules& rules, cVcard& card, const XmlNode& element) {
     Setter property = NumberProperty(element);
-    if (property) Fill(card, property, element.Child(u"NUMBER"));
+    if (property) Fill(rules, card, property, element.Child(u"NUMBER"));
 }
 
-void ReadAddress(cVcard& card, const XmlNode& element) {
+void ReadAddress(const TextRules& rules, cVcard& card, const XmlNode& element) {
     const Place& place = IsWork(element) ? kWork : kHome;
-    Fill(card, place.extended, element.Child(u"EXTADD"));
-    Fill(card, place.street, element.Child(u"STREET"));
-    Fill(card, place.city, element.Child(u"LOCALITY"));
-    Fill(card, place.region, element.Child(u"REGION"));
-    Fill(card, place.postalCode, element.Child(u"PCODE"));
-    Fill(card, place.country, element.Child(u"CTRY"));
-    Fill(card, place.country, element.Child(u"COUNTRY"));
+    Fill(rules, card, place.extended, element.Child(u"EXTADD"));
+    Fill(rules, card, place.street, element.Child(u"STREET"));
+    Fill(rules, card, place.city, element.Child(u"LOCALITY"));
+    Fill(rules, card, place.region, element.Child(u"REGION"));
+    Fill(rules, card, place.postalCode, element.Child(u"PCODE"));
+    Fill(rules, card, place.country, element.Child(u"CTRY"));
+    Fill(rules, card, place.country, element.Child(u"COUNTRY"));
 }
 
-void ReadEmail(cVcard& card, const XmlNode& element) {
+void ReadEmail(const TextRules& rules, cVcard& card, const XmlNode& element) {
     XmlNode user = element.Child(u"USERID");
-    Fill(card, &cVcard::Email, user ? user : element);
+    Fill(rules, card, &cVcard::Email, user ? user : element);
 }
 
-void ReadElement(cVcard& card, const XmlNode& element) {
-    if (element.Is(u"TEL")) return ReadNumber(card, element);
-    if (element.Is(u"ADR")) return ReadAddress(card, element);
-    if (element.Is(u"EMAIL")) return ReadEmail(card, element);
+void ReadElement(const TextRules& rules, cVcard& card, const XmlNode& element) {
+    if (element.Is(u"TEL")) return ReadNumber(rules, card, element);
+    if (element.Is(u"ADR")) return ReadAddress(rules, card, element);
+    if (element.Is(u"EMAIL")) return ReadEmail(rules, card, element);
     for (const Path& path : kPaths) {
         if (!element.Is(path.element)) continue;
-        Fill(card, path.property, path.child.empty() ? element : element.Child(path.child));
+        Fill(rules, card, path.property, path.child.empty() ? element : element.Child(path.child));
     }
 }
 
 }  // namespace
 
 void SendVCardRequest(SessionLink& link, StringView jid) {
-    link.SendXML(Concat(
-        {u"<iq type='get' id='", link.GetNextID(), u"' to='", jid, u"'><VCARD xmlns='vcard-temp'/></iq>"}));
+    link.SendXML(Compose(link.Text(), {u"<iq type='get' id='", Quoted(link.GetNextID()), u"' to='",
+                                       Quoted(jid), u"'><VCARD xmlns='vcard-temp'/></iq>"}));
 }
 
 void UpdateVcard(SessionLink& link, const std::shared_ptr<cVcard>& card) {
     if (!card) return;
-    link.SendXML(Concat({u"<iq type='set' id='", link.GetNextID(), u"'><vCard xmlns='vcard-temp'>",
-                         UpdateBody(*card), u"</vCard></iq>"}));
+    link.SendXML(Compose(link.Text(),
+                         {u"<iq type='set' id='", Quoted(link.GetNextID()), u"'><vCard xmlns='vcard-temp'>",
+                          Markup(UpdateBody(link.Text(), *card)), u"</vCard></iq>"}));
 }
 
-std::shared_ptr<cVcard> ReadVCard(const XmlNode& element) {
+std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const XmlNode& element) {
     auto card = std::make_shared<cVcard>();
     std::vector<XmlNode> children;
     for (XmlNode child = element.FirstElement(); child; child = child.NextElement())
         children.push_back(child);
     // From the last, so that the first one that is not empty stays.
-    for (auto child = children.rbegin(); child != children.rend(); ++child) ReadElement(*card, *child);
+    for (auto child = children.rbegin(); child != children.rend(); ++child) ReadElement(rules, *card, *child);
     return card;
 }
 
 void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
     XmlNode element = stanza.Query();
     if (!stanza.IsResult() || !EqualsIgnoringCase(element.Name(), u"VCARD")) return;
-    std::shared_ptr<cVcard> card = ReadVCard(element);
+    std::shared_ptr<cVcard> card = ReadVCard(link->Text(), element);
     card->SetSession(link);
     link->Raise(&SessionEvents::OnVCardResult, card, stanza.from, stanza.node);
 }

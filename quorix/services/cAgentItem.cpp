@@ -5,9 +5,10 @@
 #include <utility>
 
 #include "quorix/base/Number.h"
-#include "quorix/link/SessionLink.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
+#include "quorix/xml/XmlName.h"
 
 namespace quorix {
 
@@ -29,27 +30,31 @@ std::int16_t FindNamed(const Items& items, StringView name) {
     return ToInt16(PositionWhere(items, [&](const auto& item) { return item->Name() == name; }));
 }
 
-// What goes out is the XML library's own form of the text, and nothing when the text is not well-formed.
+// What goes out is the serialized form of the text.
 void SendNormalized(SessionLink& link, StringView xml) {
     auto document = XmlDocument::Create();
-    document->Load(xml);
-    link.SendXML(document->Xml());
+    link.SendXML(document->Load(xml) ? document->Xml() : String(xml));
 }
 
-String RegistrationBody(const cAgentItem::FieldList& fields) {
+// Nothing for a name that cannot be a tag.
+void AppendField(String& body, const TextRules& rules, StringView name, StringView value) {
+    if (IsXmlName(rules.ToBytes(name))) body += Element(rules, name, value);
+}
+
+String RegistrationBody(const TextRules& rules, const cAgentItem::FieldList& fields) {
     String body;
     for (const auto& field : fields) {
         bool skipped =
             std::find(kNotRegistered.begin(), kNotRegistered.end(), field->Name()) != kNotRegistered.end();
-        if (!skipped) body += Element(field->Name(), field->Value());
+        if (!skipped) AppendField(body, rules, field->Name(), field->Value());
     }
     return body;
 }
 
-String SearchBody(const cSearchFields& fields) {
+String SearchBody(const TextRules& rules, const cSearchFields& fields) {
     String body;
     for (const auto& field : fields) {
-        if (!field->FieldData().empty()) body += Element(field->FieldName(), field->FieldData());
+        if (!field->FieldData().empty()) AppendField(body, rules, field->FieldName(), field->FieldData());
     }
     return body;
 }
@@ -83,29 +88,34 @@ void cAgentItem::SetSession(std::weak_ptr<SessionLink> session, std::shared_ptr<
 
 void cAgentItem::SendQuery(StringView type, StringView xmlns, StringView body) const {
     std::shared_ptr<SessionLink> link = RequireSession(session_);
-    SendNormalized(*link, Query(type, link->GetNextID(), JID(), xmlns, body));
+    SendNormalized(*link, Query(link->Text(), type, link->GetNextID(), JID(), xmlns, body));
 }
 
 void cAgentItem::GetSearchFields() { SendQuery(u"get", u"jabber:iq:search", {}); }
 
 void cAgentItem::Search() {
-    RequireSession(session_);
-    SendQuery(u"set", u"jabber:iq:search", SearchBody(*searchFields_));
+    const TextRules& rules = RequireSession(session_)->Text();
+    SendQuery(u"set", u"jabber:iq:search", SearchBody(rules, *searchFields_));
 }
 
 void cAgentItem::QueryGateway() {
-    RequireSession(session_)->SendXML(
-        Concat({u"<iq type='get' to='", JID(), u"'><query xmlns='jabber:iq:gateway'></query></iq>"}));
+    std::shared_ptr<SessionLink> link = RequireSession(session_);
+    link->SendXML(Compose(link->Text(), {u"<iq type='get' to='", Quoted(JID()),
+                                         u"'><query xmlns='jabber:iq:gateway'></query></iq>"}));
 }
 
-void cAgentItem::Update() { SendQuery(u"set", u"jabber:iq:register", RegistrationBody(fields_)); }
+void cAgentItem::Update() {
+    const TextRules& rules = RequireSession(session_)->Text();
+    SendQuery(u"set", u"jabber:iq:register", RegistrationBody(rules, fields_));
+}
 
 void cAgentItem::Delete() {
     std::shared_ptr<SessionLink> link = RequireSession(session_);
     String contact = JID() + u"/registered";
-    SendNormalized(*link, Concat({u"<iq id='", link->GetNextID(),
-                                  u"' type='set'><query xmlns='jabber:iq:roster'><item jid='", contact,
-                                  u"' name='", contact, u"' subscription='remove'/></query></iq>"}));
+    SendNormalized(*link, Compose(link->Text(), {u"<iq id='", Quoted(link->GetNextID()),
+                                                 u"' type='set'><query xmlns='jabber:iq:roster'><item jid='",
+                                                 Quoted(contact), u"' name='", Quoted(contact),
+                                                 u"' subscription='remove'/></query></iq>"}));
 }
 
 std::shared_ptr<cAgentField> cAgentItem::AddField(StringView name, StringView value) {

@@ -3,8 +3,8 @@
 //
 // Ownership: shared between the session's list and the application, which may keep it. What sends goes
 // through the session that listed the agent: error 91 when that session is gone, or for an agent that the
-// application made itself. Nothing that is sent is escaped; a request that is no well-formed XML because of
-// its values is not put on the wire.
+// application made itself. A field whose name cannot be a tag is left out of
+// a request.
 // Threads: like its session.
 #pragma once
 

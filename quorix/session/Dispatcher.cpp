@@ -159,7 +159,7 @@ void Dispatcher::Registration(const Stanza& stanza) {
 // -- Other queries --
 
 void Dispatcher::Administration(const Stanza& stanza) {
-    if (stanza.IsResult() && stanza.node->TagExists(u"presence")) ParsePresenceList(session_, stanza);
+    if (stanza.IsResult() && stanza.node->TagExists(u"presence")) ParsePresenceList(self_, stanza);
 }
 
 void Dispatcher::RosterQuery(const Stanza& stanza) {

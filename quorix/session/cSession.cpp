@@ -7,6 +7,7 @@
 #include "quorix/auth/cAuth.h"
 #include "quorix/base/WireText.h"
 #include "quorix/base/modUTF_8.h"
+#include "quorix/link/StanzaText.h"
 #include "quorix/net/HttpTunnel.h"
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/session/Dispatcher.h"
@@ -179,8 +180,8 @@ void cSession::socket1_Connect() {
 
 void cSession::SendStreamHeader() {
     framer_.Reset();
-    SendXML(Concat({u"<stream:stream to='", serverAddress_, u"' xmlns='jabber:client' xmlns:stream='",
-                    kStreamsNamespace, u"'>"}));
+    Send(Compose(Text(), {u"<stream:stream to='", Quoted(serverAddress_),
+                          u"' xmlns='jabber:client' xmlns:stream='", Markup(kStreamsNamespace), u"'>"}));
 }
 
 void cSession::socket1_Error(std::int32_t code, StringView description) {
@@ -228,7 +229,7 @@ void cSession::CloseSession(StringView code, StringView description) {
 void cSession::SayGoodbye() {
     std::uint32_t generation = generation_;
     SendPresence({}, KV_UnAvailable, {});
-    if (generation_ == generation) SendXML(u"</stream:stream>");
+    if (generation_ == generation) Send(u"</stream:stream>");
 }
 
 void cSession::CloseSocket() {
@@ -261,7 +262,7 @@ void cSession::DecideReconnect() {
 
 void cSession::KeepAliveTick() {
     Held held(*this);
-    SendXML(kKeepAliveText);
+    Send(kKeepAliveText);
 }
 
 void cSession::ReconnectTick() {
@@ -331,6 +332,7 @@ void cSession::TakeStreamHeader(StringView header) {
     if (generation_ != generation) return;
     streamOpen_ = true;
     login_.sessionID = GetStreamID(header);
+    if (!IsConnected()) return;  // a handler has closed it
     if (newUser_) return RequestRegistrationForm(*this);
     switch (login_.authType) {
         case KV_PlainAuth: return StartLogin();
@@ -350,12 +352,13 @@ void cSession::EndWithStreamError() {
 }
 
 void cSession::RequestLoginFields() {
-    SendXML(Concat({u"<iq type='get' to='", serverAddress_, u"' id='", GetNextID(),
-                    u"'><query xmlns='jabber:iq:auth'><username>", username_, u"</username></query></iq>"}));
+    Send(Compose(Text(), {u"<iq type='get' to='", Quoted(serverAddress_), u"' id='", Quoted(GetNextID()),
+                          u"'><query xmlns='jabber:iq:auth'><username>", Content(username_, Put::Own),
+                          u"</username></query></iq>"}));
 }
 
 void cSession::StartLogin() {
-    if (IsAbandoned()) return;
+    if (IsAbandoned() || !IsConnected()) return;
     cAuth auth;
     auth.SetSession(shared_from_this());
     auth.SendAuth();
@@ -375,19 +378,26 @@ void cSession::CompleteLogin() {
 // -- The outbound path --
 
 void cSession::SendXML(StringView xml) {
+    if (!IsConnected()) return rules_->RefuseToSend();
+    Send(xml);
+}
+
+// What the session sends by itself is dropped in silence when a handler has closed the connection.
+void cSession::Send(StringView xml) {
     if (!IsConnected()) return;
     Entry entry(*this);
-    Transmit(xml);
+    Transmit(Text().ToBytes(xml));
     Raise(&SessionEvents::OnOutgoingXML, xml);
 }
 
 // Until a SOCKS5 proxy has opened the tunnel, its greeting goes out in place of any text.
-void cSession::Transmit(StringView xml) {
+void cSession::Transmit(std::string_view bytes) {
     switch (proxyType_) {
-        case KV_NoProxy: return socket_->SendData(xml);
-        case KV_HTTPProxy: return socket_->SendData(PutRequest(serverAddress_, port_, xml));
+        case KV_NoProxy: return socket_->SendBytes(bytes);
+        case KV_HTTPProxy:
+            return socket_->SendBytes(PutRequest(Text().ToBytes(serverAddress_), port_, bytes));
         case KV_SOCKS5Proxy:
-            if (socks_.IsNegotiated()) return socket_->SendData(xml);
+            if (socks_.IsNegotiated()) return socket_->SendBytes(bytes);
             return socket_->SendBytes(socks_.Greeting(proxyAuthentication_));
         default: return;
     }
@@ -419,12 +429,12 @@ void cSession::ParseReceiveRoster(const NodePtr& message) {
 }
 
 eItemType cSession::FindItemType(StringView jid) {
-    if (rooms_.FindFromWire(jid) > 0) return KV_GroupChatItem;
+    if (rooms_.FindFromWire(Text(), jid) > 0) return KV_GroupChatItem;
     String bareJid = RemoveResource(jid);
     if (agents_.Knows(bareJid)) return KV_AgentItem;
     return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;
 }
 
-bool cSession::LeaveRoom(StringView jid, StringView nickname) { return rooms_.Leave(jid, nickname); }
+bool cSession::LeaveRoom(StringView jid, StringView nickname) { return rooms_.Leave(Text(), jid, nickname); }
 
 }  // namespace quorix

@@ -68,7 +68,7 @@ public:
     String ServerAddress() const override { return serverAddress_; }
     void ServerAddress(StringView value) { serverAddress_ = value; }
 
-    // The name before the "@", in wire text. It goes out as it is, unescaped.
+    // The name before the "@". In KV_Classic it is wire text and goes out as it is, unescaped.
     String username() const override { return username_; }
     void username(StringView value) { username_ = value; }
 
@@ -181,7 +181,8 @@ public:
     // Says good-bye and closes; no reconnection follows.
     void Disconnect();
 
-    // Sends wire text as it is. Dropped in silence while the socket is not connected. Part of every sender.
+    // Sends XML as it is: wire text in KV_Classic, text in KV_Modern. Part of every sender. While the socket
+    // is not connected, what is sent is dropped in silence in KV_Classic; KV_Modern raises error 10057.
     void SendXML(StringView xml) override;
 
     // "KV_1", "KV_2", ... The current id is the last one given out.
@@ -201,8 +202,8 @@ public:
     // Sends Status, ShowType and Priority to everybody who may see them.
     void SendMyPresence() { quorix::SendMyPresence(*this, status_, showType_, priority_); }
 
-    // Sends a presence or a subscription request or answer to `jid` (wire text, unescaped; "" is everybody).
-    // `status` is text. Delivers what is pending on the message loop before it returns.
+    // Sends a presence or a subscription request or answer to `jid` (wire text in KV_Classic; "" is
+    // everybody). `status` is text. Delivers what is pending on the message loop before it returns.
     void SendPresence(StringView jid, eSubType subType, StringView status) {
         quorix::SendPresence(*this, jid, subType, status);
     }
@@ -241,7 +242,8 @@ public:
 
     // -- The account (jabber:iq:register, XEP-0077) --
 
-    // OnChangedPassword follows. Password stays as it is; nothing is escaped.
+    // OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the
+    // new password go out unescaped.
     void ChangePassword(StringView NewPassword) { quorix::ChangePassword(*this, NewPassword); }
     // OnAccountRemoved follows.
     void RemoveAccount() { quorix::RemoveAccount(*this); }
@@ -292,7 +294,7 @@ public:
     void SendVersionRequest(StringView JID) { quorix::SendVersionRequest(*this, JID); }
     void SendTimeRequest(StringView JID) { quorix::SendTimeRequest(*this, JID); }
     void SendLastSeenRequest(StringView JID) { quorix::SendLastSeenRequest(*this, JID); }
-    // The answers carry a fresh id, and their values unescaped.
+    // The answers carry a fresh id. In KV_Classic all values are wire text.
     void SendVersionResponse(StringView JID, StringView name, StringView version, StringView os) {
         quorix::SendVersionResponse(*this, JID, name, version, os);
     }
@@ -360,7 +362,8 @@ private:
     bool RetriesLeft() const;
 
     void SendStreamHeader();
-    void Transmit(StringView xml);
+    void Send(StringView xml);
+    void Transmit(std::string_view bytes);
     void AnswerProxy(std::string_view reply);
     void ProcessIncoming(StringView text);
     void TakeStreamHeader(StringView header);

@@ -2,35 +2,29 @@
 
 #include <cstring>
 
+#include "quorix/base/XmlText.h"
 #include "quorix/xml/XmlTree.h"
 
 namespace quorix {
 
 namespace {
 
-const char* Entity(char c) {
-    switch (c) {
-        case '&': return "&amp;";
-        case '<': return "&lt;";
-        case '>': return "&gt;";
-        default: return "&quot;";
-    }
-}
-
-void AppendEscaped(std::string& out, const char* text, const char* special) {
+void AppendEscaped(std::string& out, const char* text, Place place) {
+    const char* special = place == Place::Content ? "&<>\r" : "&<>\"\t\n\r";
     while (true) {
         std::size_t plain = std::strcspn(text, special);
         out.append(text, plain);
         text += plain;
         if (*text == '\0') return;
-        out += Entity(*text++);
+        StringView reference = ReferenceOf(static_cast<unsigned char>(*text++), place);
+        out.append(reference.begin(), reference.end());
     }
 }
 
 void AppendAttribute(std::string& out, const xmlAttr* attribute) {
     out += Chars(attribute->name);
     out += "=\"";
-    if (attribute->children) AppendEscaped(out, Chars(attribute->children->content), "&<>\"");
+    if (attribute->children) AppendEscaped(out, Chars(attribute->children->content), Place::DoubleQuotes);
     out += '"';
 }
 
@@ -63,7 +57,7 @@ void Open(std::string& out, const xmlNode* node) {
     switch (node->type) {
         case XML_ELEMENT_NODE: OpenElement(out, node); break;
         case XML_ATTRIBUTE_NODE: AppendAttribute(out, reinterpret_cast<const xmlAttr*>(node)); break;
-        case XML_TEXT_NODE: AppendEscaped(out, Chars(node->content), "&<>"); break;
+        case XML_TEXT_NODE: AppendEscaped(out, Chars(node->content), Place::Content); break;
         case XML_CDATA_SECTION_NODE:
             out.append("<![CDATA[").append(Chars(node->content)).append("]]>");
             break;

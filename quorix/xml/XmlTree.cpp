@@ -6,6 +6,7 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/base/XmlText.h"
 
 namespace quorix {
 
@@ -147,16 +148,13 @@ xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size) {
 }
 
 std::string TreeText(StringView text) {
-    std::string utf8 = Utf8FromText(text);
-    for (std::size_t at = utf8.find('\0'); at != std::string::npos; at = utf8.find('\0', at)) {
-        utf8.replace(at, 1, "\xEF\xBF\xBD");
-    }
-    return utf8;
+    return HasForbidden(text) ? Utf8FromText(WithoutForbidden(text)) : Utf8FromText(text);
 }
 
 std::string TreeName(StringView name) {
-    std::string utf8 = TreeText(name);
-    if (xmlValidateName(BAD_CAST utf8.c_str(), 0) != 0) throw AutomationError(ERR_InvalidCall);
+    std::string utf8 = Utf8FromText(name);
+    bool isName = !HasForbidden(name) && xmlValidateName(BAD_CAST utf8.c_str(), 0) == 0;
+    if (!isName) throw AutomationError(ERR_InvalidCall);
     return utf8;
 }
 

@@ -49,7 +49,7 @@ xmlNode* NewElement(XmlTree& tree, const std::string& name);
 xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data);
 xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size);
 
-// Text as the tree keeps it: what has no place in XML at all (a lone surrogate, a NUL) becomes U+FFFD.
+// Text as the tree keeps it: what XML cannot hold becomes U+FFFD.
 std::string TreeText(StringView text);
 
 // The name, checked. Error 5 when it is no XML name.

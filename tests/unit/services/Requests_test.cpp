@@ -18,7 +18,7 @@ TEST_F(LoggedIn, EachRequestIsWrittenExactlyAndUnderAFreshIdOrNone) {
          "<iq type='get' id='KV_n' to='j'><query xmlns='jabber:iq:last'></query></iq>"},
         {[](cSession& s) { s.SendVersionResponse(u"j", u"n", u"<", u"o"); },
          "<iq type='result' id='KV_n' to='j'><query xmlns='jabber:iq:version'><name>n</name>"
-         "<version><</version><os>o</os></query></iq>"},
+         "<version>&lt;</version><os>o</os></query></iq>"},
         {[](cSession& s) { s.SendTimeResponse(u"j", u"u", u"z", u"d"); },
          "<iq type='result' id='KV_n' to='j'><query xmlns='jabber:iq:time'><utc>u</utc><tz>z</tz>"
          "<display>d</display></query></iq>"},
@@ -26,7 +26,7 @@ TEST_F(LoggedIn, EachRequestIsWrittenExactlyAndUnderAFreshIdOrNone) {
          "<iq type='result' id='KV_n' to='j'><query xmlns='jabber:iq:last' seconds=''/></iq>"},
         {[](cSession& s) { s.SendOOBRequest(u"j", u"\u00e9&", u"http://h/\u20ac"); },
          "<iq type='set' from='u@s' to='j' id='KV_n'><query xmlns='jabber:iq:oob'>"
-         "<desc>é&</desc><url>http://h/€</url></query></iq>"},
+         "<desc>é&amp;</desc><url>http://h/€</url></query></iq>"},
         {[](cSession& s) { s.SendOOBComplete(u"j"); },
          "<iq type='result' from='u@s' to='j' id='KV_n'><query xmlns='jabber:iq:oob'><desc/><url/>"
          "</query></iq>"},
@@ -55,7 +55,7 @@ TEST_F(LoggedIn, EachRequestIsWrittenExactlyAndUnderAFreshIdOrNone) {
         {[](cSession& s) { s.SendGroupChatPresence(u"r@c", KV_Away, u""); },
          "<presence to='r@c'><show>away</show></presence>"},
         {[](cSession& s) { s.SendGroupChatPresence(u"r@c", KV_DND, u"<"); },
-         "<presence to='r@c'><show>dnd</show><status><</status></presence>"},
+         "<presence to='r@c'><show>dnd</show><status>&lt;</status></presence>"},
         {[](cSession& s) { s.SendGroupChatPresence(u"r@c", KV_ExtendedAway, u""); },
          "<presence to='r@c'><show></show></presence>"},
         {[](cSession& s) { s.UpdateVcard(nullptr); }, ""},

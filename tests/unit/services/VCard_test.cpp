@@ -10,7 +10,7 @@ namespace {
 std::shared_ptr<cVcard> CardOf(StringView content) {
     auto node = std::make_shared<cXML_Node>();
     node->xml(Concat({u"<vCard>", content, u"</vCard>"}));
-    return ReadVCard(node->Root());
+    return ReadVCard(ClassicText(), node->Root());
 }
 
 // Each element holds its number.
