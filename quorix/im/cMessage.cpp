@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "quorix/base/Jid.h"
-#include "quorix/base/modUTF_8.h"
 #include "quorix/im/Elements.h"
 #include "quorix/im/Xhtml.h"
 
@@ -40,25 +39,62 @@ XmlNode AppendRecipient(XmlNode list, StringView kind, StringView jid) {
 }  // namespace
 
 std::shared_ptr<cMessage> cMessage::Create(const std::shared_ptr<SessionLink>& session) {
-    auto node = std::make_shared<cXML_Node>();
-    node->xml(u"<message id='' type='' to='' from=''></message>");
-    // Set, not spliced into the text: a resource such as "Tom's desk" must not break the element.
-    node->Root().SetAttribute(u"id", session->GetNextID());
-    node->Root().SetAttribute(u"from",
-                              Concat({session->MyJid(), u"/", EncodeUTF8(session->Resource(), false)}));
-    return std::make_shared<cMessage>(session, std::move(node));
+    MessageDraft draft;
+    draft.id = session->GetNextID();
+    draft.from =
+        WithoutForbidden(Concat({session->MyJid(), u"/", session->Text().ToNode(session->Resource())}));
+    return std::shared_ptr<cMessage>(new cMessage(session, std::move(draft)));
 }
 
+cMessage::cMessage(const std::shared_ptr<SessionLink>& session, MessageDraft draft)
+    : draft_(std::move(draft)), text_(session->Text()), session_(session) {}
+
 cMessage::cMessage(const std::shared_ptr<SessionLink>& session, NodePtr node)
-    : node_(std::move(node)), session_(session) {}
+    : node_(std::move(node)), text_(session ? session->Text() : ClassicText()), session_(session) {}
+
+const NodePtr& cMessage::Node() const {
+    if (draft_) {
+        node_ = std::make_shared<cXML_Node>();
+        node_->xml(draft_->Xml(text_));
+        draft_.reset();
+    }
+    return node_;
+}
+
+String cMessage::Attribute(const Field& field) const {
+    return draft_ ? *draft_.*field.value : Root().Attribute(field.name);
+}
+
+void cMessage::Attribute(const Field& field, StringView value) {
+    if (!draft_) return Root().SetAttribute(field.name, value);
+    *draft_.*field.value = WithoutForbidden(value);
+}
+
+String cMessage::ChildText(const Field& field) const {
+    return text_.Read(draft_ ? *draft_.*field.value : Root().Child(field.name).Text());
+}
+
+void cMessage::ChildText(const Field& field, StringView value) {
+    if (value.empty()) return;
+    if (draft_) {
+        *draft_.*field.value = WithoutForbidden(text_.ToNode(value));
+        draft_->subjectFirst |= draft_->body.empty();
+        return;
+    }
+    XmlNode child = Root().Child(field.name);
+    if (!child) child = Root().AppendElement(field.name);
+    child.Text(text_.ToNode(value));
+}
+
+String cMessage::xml() const { return draft_ ? draft_->Xml(text_) : node_->xml(); }
 
 String cMessage::FromJid() const {
-    String from = Root().Attribute(u"from");
+    String from = Attribute(kFrom);
     return Concat({ToLower(RemoveResource(from)), u"/", GetResource(from)});
 }
 
 eMsgType cMessage::MSG_Type() const {
-    String name = Root().Attribute(u"type");
+    String name = Attribute(kType);
     if (name.empty()) return MSG_Normal;
     for (std::int32_t type = MSG_Normal; type < MSG_UnKnown; ++type) {
         if (name == NameOf(kTypeNames, type)) return static_cast<eMsgType>(type);
@@ -68,7 +104,7 @@ eMsgType cMessage::MSG_Type() const {
 
 void cMessage::MSG_Type(eMsgType value) {
     StringView name = NameOf(kTypeNames, value);
-    if (!name.empty()) Root().SetAttribute(u"type", name);
+    if (!name.empty()) Attribute(kType, name);
 }
 
 void cMessage::SendMessage() const {
@@ -114,13 +150,13 @@ bool cMessage::getEvent(eEvent event) const {
 }
 
 String cMessage::XHTML() const {
-    String markup = DecodeUTF8(BodyMarkup(FindElement(Root(), u"html", kXhtml)), true);
+    String markup = text_.Read(BodyMarkup(FindElement(Root(), u"html", kXhtml)));
     return filterCriticalXHTML_ && HoldsCriticalMarkup(markup) ? String() : markup;
 }
 
 void cMessage::XHTML(StringView value) {
     auto body = XmlDocument::Create();
-    if (!body->Load(Concat({u"<body>", EncodeUTF8(value, false), u"</body>"}))) return;
+    if (!body->Load(Concat({u"<body>", text_.ToNode(value), u"</body>"}))) return;
     XmlNode html = Root().AppendElement(u"html");
     html.SetAttribute(u"xmlns", kXhtml);
     html.AppendChild(body->Root());
@@ -129,7 +165,7 @@ void cMessage::XHTML(StringView value) {
 String cMessage::TextRtf() const { return TagIn(u"jabber:x:rtf", u"richtext"); }
 
 void cMessage::TextRtf(StringView value) {
-    AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(EncodeUTF8(value, false));
+    AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(text_.ToNode(value));
 }
 
 String cMessage::Stamp() const { return Extension(u"jabber:x:delay").Attribute(u"stamp"); }
@@ -142,21 +178,12 @@ void cMessage::AddRoster(const std::shared_ptr<cRosterItem>& item) {
     if (Lists(list, item->JID())) return;
     XmlNode entry = list.AppendElement(u"item");
     entry.SetAttribute(u"jid", item->JID());
-    entry.SetAttribute(u"name", EncodeUTF8(item->NickName(), false));
+    entry.SetAttribute(u"name", text_.ToNode(item->NickName()));
 }
 
 void cMessage::AddCopy(StringView kind, StringView jid) {
     XmlNode list = NeedExtension(kEnvelope);
     if (!Lists(list, jid)) AppendRecipient(list, kind, jid);
-}
-
-String cMessage::ChildText(StringView name) const { return DecodeUTF8(Root().Child(name).Text(), true); }
-
-void cMessage::ChildText(StringView name, StringView value) {
-    if (value.empty()) return;
-    XmlNode child = Root().Child(name);
-    if (!child) child = Root().AppendElement(name);
-    child.Text(EncodeUTF8(value, false));
 }
 
 XmlNode cMessage::Extension(StringView xmlns) const { return FindExtension(Root(), xmlns); }
@@ -173,7 +200,7 @@ XmlNode cMessage::NeedExtension(StringView xmlns) {
 }
 
 String cMessage::TagIn(StringView xmlns, StringView tag) const {
-    return node_->GetTag(tag, {Extension(xmlns)});
+    return Node()->GetTag(tag, {Extension(xmlns)});
 }
 
 std::shared_ptr<cMessage> CreateMessage(const std::shared_ptr<SessionLink>& session, StringView toJid,

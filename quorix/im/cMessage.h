@@ -1,17 +1,20 @@
 // One message, read and written in place: the object is the stanza.
 //
 // cSession::CreateMessage makes one to send; OnMessage hands over those that arrive, over the node that is
-// theirs. Addresses, ids and threads are wire text and stored as given; nothing is validated. Writing to a
-// message whose node the application has emptied raises error 91.
+// theirs. Addresses, ids, threads, links and the whole element are wire text in KV_Classic, text in
+// KV_Modern. Values are stored as given; nothing is validated. Writing to a message whose node the
+// application has emptied raises error 91.
 //
 // Ownership: a message shares its node; it does not keep its session alive.
 // Threads: one session and all its records belong to the thread that created the session.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "quorix/base/String.h"
+#include "quorix/im/MessageDraft.h"
 #include "quorix/im/cRosterItem.h"
 #include "quorix/link/SessionLink.h"
 #include "quorix/xml/cXML_Node.h"
@@ -43,36 +46,36 @@ public:
 
     cMessage(const std::shared_ptr<SessionLink>& session, NodePtr node);
 
-    String ID() const { return Root().Attribute(u"id"); }
-    void ID(StringView value) { Root().SetAttribute(u"id", value); }
-    String ToJID() const { return Root().Attribute(u"to"); }
-    void ToJID(StringView value) { Root().SetAttribute(u"to", value); }
+    String ID() const { return Attribute(kID); }
+    void ID(StringView value) { Attribute(kID, value); }
+    String ToJID() const { return Attribute(kTo); }
+    void ToJID(StringView value) { Attribute(kTo, value); }
 
     // Reads as the bare address in lower case, "/", and the resource as sent; the "/" is always there. Split
     // it with cSession::RemoveResource and GetResource.
     String FromJid() const;
-    void FromJid(StringView value) { Root().SetAttribute(u"from", value); }
+    void FromJid(StringView value) { Attribute(kFrom, value); }
 
     // A missing type reads as MSG_Normal. Writing MSG_UnKnown, or any value outside the list, does nothing.
     eMsgType MSG_Type() const;
     void MSG_Type(eMsgType value);
 
-    // Text. Writing "" does nothing. A text with a character of U+8000 or above arrives with "?" for each
-    // character above 255.
-    String Body() const { return ChildText(u"body"); }
-    void Body(StringView value) { ChildText(u"body", value); }
-    String Subject() const { return ChildText(u"subject"); }
-    void Subject(StringView value) { ChildText(u"subject", value); }
+    // Text. Writing "" does nothing. In KV_Classic a text with a character of U+8000 or above arrives with
+    // "?" for each character above 255.
+    String Body() const { return ChildText(kBody); }
+    void Body(StringView value) { ChildText(kBody, value); }
+    String Subject() const { return ChildText(kSubject); }
+    void Subject(StringView value) { ChildText(kSubject, value); }
 
     // Writing appends a further element; the first one is read.
     String Thread() const { return Root().Child(u"thread").Text(); }
     void Thread(StringView value) { Root().AppendElement(u"thread").Text(value); }
 
-    // The whole element. Wire text.
-    String xml() const { return node_->xml(); }
+    // The whole element.
+    String xml() const;
 
-    // Sends the message, and a copy to each address of AddCC and AddBCC once there is at least one AddCC. Not
-    // connected, nothing happens. Error 91 without a session.
+    // Sends the message, and a copy to each address of AddCC and AddBCC once there is at least one AddCC.
+    // Error 91 without a session.
     void SendMessage() const;
 
     // -- Events (jabber:x:event, XEP-0022) --
@@ -96,7 +99,8 @@ public:
     bool FilterCriticalXHTML() const { return filterCriticalXHTML_; }
     void FilterCriticalXHTML(bool value) { filterCriticalXHTML_ = value; }
 
-    // Rich text (jabber:x:rtf). Written as text, read as wire text. Writing again appends; the first is read.
+    // Rich text (jabber:x:rtf). Written as text, read as wire text in KV_Classic. Writing again appends; the
+    // first is read.
     String TextRtf() const;
     void TextRtf(StringView value);
 
@@ -104,7 +108,7 @@ public:
 
     // When it was stored for an absent recipient, as "yyyymmddThh:mm:ss" in UTC (jabber:x:delay, XEP-0091).
     String Stamp() const;
-    // A link and its description (jabber:x:oob, XEP-0066). Wire text.
+    // A link and its description (jabber:x:oob, XEP-0066).
     String URL() const;
     String desc() const;
 
@@ -117,7 +121,7 @@ public:
     // docs/messaging.md.
     void AddCC(StringView jid) { AddCopy(u"cc", jid); }
     void AddBCC(StringView jid) { AddCopy(u"bcc", jid); }
-    bool HasCC() const { return node_->TagExists(u"cc"); }
+    bool HasCC() const { return !draft_ && node_->TagExists(u"cc"); }
 
 private:
     struct Recipients {
@@ -125,9 +129,28 @@ private:
         std::vector<String> visible;  // those that every copy names
     };
 
-    XmlNode Root() const { return node_->Root(); }
-    String ChildText(StringView name) const;
-    void ChildText(StringView name, StringView value);
+    // A value by its name in the element, and in a draft.
+    struct Field {
+        StringView name;
+        String MessageDraft::*value;
+    };
+    static constexpr Field kID{u"id", &MessageDraft::id};
+    static constexpr Field kType{u"type", &MessageDraft::type};
+    static constexpr Field kTo{u"to", &MessageDraft::to};
+    static constexpr Field kFrom{u"from", &MessageDraft::from};
+    static constexpr Field kBody{u"body", &MessageDraft::body};
+    static constexpr Field kSubject{u"subject", &MessageDraft::subject};
+
+    cMessage(const std::shared_ptr<SessionLink>& session, MessageDraft draft);
+
+    // The node, which is made of the draft when it is asked for.
+    const NodePtr& Node() const;
+    XmlNode Root() const { return Node()->Root(); }
+
+    String Attribute(const Field& field) const;
+    void Attribute(const Field& field, StringView value);
+    String ChildText(const Field& field) const;
+    void ChildText(const Field& field, StringView value);
     XmlNode Extension(StringView xmlns) const;
     XmlNode AppendExtension(StringView xmlns);
     XmlNode NeedExtension(StringView xmlns);
@@ -137,7 +160,9 @@ private:
     std::shared_ptr<cMessage> CopyFor(const std::shared_ptr<SessionLink>& session, StringView jid,
                                       const Recipients& recipients) const;
 
-    NodePtr node_;
+    mutable std::optional<MessageDraft> draft_;  // either this or the node
+    mutable NodePtr node_;
+    const TextRules& text_;  // those of the session when the message was made
     std::weak_ptr<SessionLink> session_;
     bool filterCriticalXHTML_ = true;
 };

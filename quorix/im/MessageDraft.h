@@ -1,0 +1,23 @@
+// A message that is being written: the values it consists of, for as long as these are all there is to it.
+#pragma once
+
+#include "quorix/base/String.h"
+#include "quorix/base/TextRules.h"
+
+namespace quorix {
+
+// All values are what a node would hold.
+struct MessageDraft {
+    String id;
+    String type;
+    String to;
+    String from;
+    String body;
+    String subject;
+    bool subjectFirst = false;  // its element was made before that of the body
+
+    // The text of the element, as the serializer would write it.
+    String Xml(const TextRules& rules) const;
+};
+
+}  // namespace quorix
