@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::uint32_t kLoopback = 0x7F000001;
 constexpr std::int32_t kInUse = 10048;
-constexpr std::int64_t kLeastInterval = 10;
 
 }  // namespace
 
@@ -225,7 +224,7 @@ void DeterministicEnvironment::Close(SocketId id) {
                                              : found->second.connection->server);
     }
     sockets_.erase(found);
-    socketTimers_.erase(id);
+    KillSocketTimer(id, {});
     std::erase_if(queue_, [&](const Notification& waiting) { return waiting.socket == id; });
 }
 
@@ -321,42 +320,32 @@ void DeterministicEnvironment::Run() {
 // -- Timers --
 
 bool DeterministicEnvironment::FireNext(std::int64_t until) {
-    auto earlier = [](const auto& a, const auto& b) { return a.second.due < b.second.due; };
-    auto timer = std::min_element(timers_.begin(), timers_.end(), earlier);
-    auto socketTimer = std::min_element(socketTimers_.begin(), socketTimers_.end(), earlier);
-    bool isSocket = socketTimer != socketTimers_.end() &&
-                    (timer == timers_.end() || socketTimer->second.due < timer->second.due);
-    if (!isSocket && timer == timers_.end()) return false;
-    Timer& next = isSocket ? socketTimer->second : timer->second;
-    if (next.due > until) return false;
-    now_ = std::max(now_, next.due);
-    next.due = now_ + next.interval;
-    if (isSocket) {
-        next.sink->OnSocketTimer(socketTimer->first);
-    } else {
-        next.tick();
-    }
+    std::optional<std::int64_t> due = timers_.NextDue();
+    if (!due || *due > until) return false;
+    now_ = std::max(now_, *due);
+    timers_.TakeDue(now_)();
     return true;
 }
 
-void DeterministicEnvironment::SetSocketTimer(SocketId socket, const HiddenWindow& /*window*/,
-                                              SocketSink& sink, std::int32_t milliseconds) {
-    std::int64_t interval = std::max<std::int64_t>(milliseconds, kLeastInterval);
-    socketTimers_[socket] = {now_ + interval, interval, nullptr, &sink};
+void DeterministicEnvironment::SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
+                                              std::int32_t milliseconds) {
+    KillSocketTimer(socket, window);
+    socketTimers_[socket] = timers_.Add(now_, milliseconds, [&sink, socket] { sink.OnSocketTimer(socket); });
 }
 
 void DeterministicEnvironment::KillSocketTimer(SocketId socket, const HiddenWindow& /*window*/) {
-    socketTimers_.erase(socket);
+    auto found = socketTimers_.find(socket);
+    if (found == socketTimers_.end()) return;
+    timers_.Remove(found->second);
+    socketTimers_.erase(found);
 }
 
 TimerId DeterministicEnvironment::SetTimer(std::int32_t milliseconds, TimerTick tick) {
     if (FailureOf(Call::SetTimer) != SOCKERR_None) return 0;
-    std::int64_t interval = std::max<std::int64_t>(milliseconds, kLeastInterval);
-    timers_[nextTimer_] = {now_ + interval, interval, tick, nullptr};
-    return nextTimer_++;
+    return timers_.Add(now_, milliseconds, std::move(tick));
 }
 
-void DeterministicEnvironment::KillTimer(TimerId timer) { timers_.erase(timer); }
+void DeterministicEnvironment::KillTimer(TimerId timer) { timers_.Remove(timer); }
 
 // -- Addresses --
 

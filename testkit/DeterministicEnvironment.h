@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "quorix/platform/Environment.h"
+#include "quorix/platform/TimerQueue.h"
 
 namespace quorix::testkit {
 
@@ -96,7 +96,7 @@ public:
 
     std::size_t OpenSockets() const { return sockets_.size(); }
     std::size_t OpenWindows() const { return windows_; }
-    std::size_t RunningTimers() const { return timers_.size() + socketTimers_.size(); }
+    std::size_t RunningTimers() const { return timers_.Count(); }
     const std::vector<String>& CriticalMessages() const { return criticalMessages_; }
 
     // -- Environment --
@@ -157,12 +157,6 @@ private:
         std::int32_t event;
         std::int32_t error;
     };
-    struct Timer {
-        std::int64_t due;
-        std::int64_t interval;
-        TimerTick tick = nullptr;
-        SocketSink* sink = nullptr;
-    };
     struct Failure {
         int countdown = 0;
         std::int32_t error = 0;
@@ -190,8 +184,8 @@ private:
     std::int64_t now_ = 1000;
     std::map<SocketId, Socket> sockets_;
     std::deque<Notification> queue_;
-    std::map<TimerId, Timer> timers_;
-    std::map<SocketId, Timer> socketTimers_;
+    TimerQueue timers_;
+    std::map<SocketId, TimerId> socketTimers_;
     std::vector<std::unique_ptr<ScriptedPeer>> peers_;
     std::map<std::string, std::uint32_t> hosts_;
     std::set<std::string> unknownHosts_;
@@ -206,7 +200,6 @@ private:
     bool quit_ = false;
     std::int32_t refusal_ = SOCKERR_None;
     SocketId nextId_ = 1;
-    TimerId nextTimer_ = 1;
     std::uint16_t nextPort_ = 40000;
 };
 

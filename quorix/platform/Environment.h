@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,8 +21,7 @@ namespace quorix {
 using SocketId = std::int32_t;
 using TimerId = std::int32_t;
 
-// A periodic timer's callback: a plain function, which finds its object itself.
-using TimerTick = void (*)();
+using TimerTick = std::function<void()>;
 
 enum eSocketEvent : std::int32_t {
     SOCK_Read = 1,
@@ -146,7 +146,7 @@ public:
                                 std::int32_t milliseconds) = 0;
     virtual void KillSocketTimer(SocketId socket, const HiddenWindow& window) = 0;
 
-    // A periodic timer; 0 when none could be made.
+    // A periodic timer; 0 when none could be made. The tick may kill any timer, its own included.
     virtual TimerId SetTimer(std::int32_t milliseconds, TimerTick tick) = 0;
     virtual void KillTimer(TimerId timer) = 0;
 

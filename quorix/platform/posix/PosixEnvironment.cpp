@@ -22,6 +22,13 @@ namespace {
 
 using Phase = SocketWatch::Phase;
 
+// Microseconds that the timers may take before other sources have their turn.
+constexpr std::int64_t kLongestTurn = 10000;
+
+// How long a listener rests that the system has no descriptor for, in milliseconds.
+constexpr std::int32_t kRestOfAListener = 1000;
+constexpr std::int32_t kTooManyOpen = 10024;
+
 // One round delivers everything that is ready; a source that is ready again each time ends here.
 constexpr int kRoundsOfDoEvents = 64;
 
@@ -77,14 +84,12 @@ void SendAtOnce(int descriptor) {
 
 bool IsMainThread() { return gettid() == getpid(); }
 
-gboolean Tick(gpointer tick) {
-    (*static_cast<TimerTick*>(tick))();
-    return G_SOURCE_CONTINUE;
-}
-
-void Forget(gpointer tick) { delete static_cast<TimerTick*>(tick); }
-
 }  // namespace
+
+struct PosixEnvironment::TimerSource {
+    GSource base;
+    PosixEnvironment* environment;
+};
 
 PosixEnvironment::PosixEnvironment()
     : ownsContext_(g_main_context_get_thread_default() == nullptr && !IsMainThread() &&
@@ -95,11 +100,19 @@ PosixEnvironment::PosixEnvironment()
         context_ = g_main_context_new();
         g_main_context_push_thread_default(context_);
     }
+    static GSourceFuncs functions = {nullptr, nullptr, OnTimers, nullptr, nullptr, nullptr};
+    poll_ = std::make_unique<SocketPoll>(context_);
+    timerSource_ = g_source_new(&functions, sizeof(TimerSource));
+    reinterpret_cast<TimerSource*>(timerSource_)->environment = this;
+    g_source_set_can_recurse(timerSource_, TRUE);
+    g_source_attach(timerSource_, context_);
 }
 
 PosixEnvironment::~PosixEnvironment() {
-    for (auto& [id, source] : timers_) Dispose(source);
+    g_source_destroy(timerSource_);
+    g_source_unref(timerSource_);
     sockets_.clear();
+    poll_.reset();
     if (ownsContext_) g_main_context_pop_thread_default(context_);
     g_main_context_unref(context_);
 }
@@ -119,20 +132,22 @@ NewSocket PosixEnvironment::Adopt(int descriptor, Phase phase) {
     }
     if (descriptor < 0) return {0, LastError()};
     SendAtOnce(descriptor);
-    sockets_[descriptor] = std::make_shared<SocketWatch>(descriptor, phase);
+    sockets_[descriptor] = std::make_shared<SocketWatch>(*poll_, descriptor, phase);
     return {descriptor, SOCKERR_None};
 }
 
 // A descriptor that was not made here is one that the application has accepted.
 SocketWatch& PosixEnvironment::WatchOf(SocketId socket) {
     auto& watch = sockets_[socket];
-    if (watch == nullptr) watch = std::make_shared<SocketWatch>(socket, Phase::Connected);
+    if (watch == nullptr) watch = std::make_shared<SocketWatch>(*poll_, socket, Phase::Connected);
     return *watch;
 }
 
 std::int32_t PosixEnvironment::Bind(SocketId socket, std::uint16_t port, bool reuseAddress) {
     int reuse = reuseAddress ? 1 : 0;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
+    int later = port == 0 ? 1 : 0;  // to find a port that is free for any peer takes the system long
+    setsockopt(socket, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &later, sizeof later);
     sockaddr_in local = SystemAddress({INADDR_ANY, port});
     return ErrorOf(bind(socket, reinterpret_cast<sockaddr*>(&local), sizeof local));
 }
@@ -146,8 +161,22 @@ std::int32_t PosixEnvironment::Listen(SocketId socket, std::int32_t backlog) {
 NewSocket PosixEnvironment::Accept(SocketId listener) {
     int accepted = Uninterrupted([&] { return accept4(listener, nullptr, nullptr, SOCK_CLOEXEC); });
     NewSocket result = Adopt(accepted, Phase::Connected);
-    WatchOf(listener).Rearm(SOCK_Accept);
+    if (result.error == kTooManyOpen) {
+        RestListener(listener);
+    } else {
+        WatchOf(listener).Rearm(SOCK_Accept);
+    }
     return result;
+}
+
+// The connection that waits would be announced again and again, and could not be taken.
+void PosixEnvironment::RestListener(SocketId listener) {
+    auto timer = std::make_shared<TimerId>();
+    std::weak_ptr<SocketWatch> resting = sockets_.at(listener);
+    *timer = SetTimer(kRestOfAListener, [this, timer, resting] {
+        KillTimer(*timer);
+        if (auto watch = resting.lock()) watch->Rearm(SOCK_Accept);
+    });
 }
 
 std::int32_t PosixEnvironment::Connect(SocketId socket, Address peer) {
@@ -186,7 +215,7 @@ void PosixEnvironment::Close(SocketId socket) {
     auto found = sockets_.find(socket);
     if (found != sockets_.end()) {
         found->second->Deselect();
-        found->second->KillTimer();
+        KillSocketTimer(socket, {});
         sockets_.erase(found);
     }
     if (socket > 0) close(socket);
@@ -199,7 +228,7 @@ std::int32_t PosixEnvironment::AsyncSelect(SocketId socket, const HiddenWindow&,
         return SOCKERR_None;
     }
     std::int32_t error = SetBlocking(socket, false);
-    if (error == SOCKERR_None) WatchOf(socket).Select(context_, sink, events);
+    if (error == SOCKERR_None) WatchOf(socket).Select(sink, events);
     return error;
 }
 
@@ -240,28 +269,46 @@ std::string PosixEnvironment::HostName() {
 
 void PosixEnvironment::SetSocketTimer(SocketId socket, const HiddenWindow&, SocketSink& sink,
                                       std::int32_t milliseconds) {
-    WatchOf(socket).SetTimer(context_, sink, milliseconds);
+    KillSocketTimer(socket, {});
+    socketTimers_[socket] = SetTimer(milliseconds, [&sink, socket] { sink.OnSocketTimer(socket); });
 }
 
 void PosixEnvironment::KillSocketTimer(SocketId socket, const HiddenWindow&) {
-    auto found = sockets_.find(socket);
-    if (found != sockets_.end()) found->second->KillTimer();
+    auto found = socketTimers_.find(socket);
+    if (found == socketTimers_.end()) return;
+    KillTimer(found->second);
+    socketTimers_.erase(found);
 }
 
 TimerId PosixEnvironment::SetTimer(std::int32_t milliseconds, TimerTick tick) {
-    GSource* source = g_timeout_source_new(static_cast<guint>(std::max(milliseconds, kShortestInterval)));
-    g_source_set_callback(source, Tick, new TimerTick(tick), Forget);
-    g_source_set_can_recurse(source, TRUE);
-    g_source_attach(source, context_);
-    timers_[++lastTimer_] = source;
-    return lastTimer_;
+    TimerId timer = timers_.Add(Now(), milliseconds, std::move(tick));
+    UpdateTimerSource();
+    return timer;
 }
 
 void PosixEnvironment::KillTimer(TimerId timer) {
-    auto found = timers_.find(timer);
-    if (found == timers_.end()) return;
-    Dispose(found->second);
-    timers_.erase(found);
+    timers_.Remove(timer);
+    UpdateTimerSource();
+}
+
+void PosixEnvironment::UpdateTimerSource() {
+    std::optional<std::int64_t> due = timers_.NextDue();
+    g_source_set_ready_time(timerSource_, due ? *due * 1000 : -1);
+}
+
+gboolean PosixEnvironment::OnTimers(GSource* source, GSourceFunc, gpointer) {
+    reinterpret_cast<TimerSource*>(source)->environment->RunDueTimers();
+    return G_SOURCE_CONTINUE;
+}
+
+// Each tick may run a pump, which must find the others.
+void PosixEnvironment::RunDueTimers() {
+    std::int64_t end = g_get_monotonic_time() + kLongestTurn;
+    while (TimerTick tick = timers_.TakeDue(Now())) {
+        UpdateTimerSource();
+        tick();
+        if (g_get_monotonic_time() >= end) return;
+    }
 }
 
 std::int64_t PosixEnvironment::Milliseconds() { return Now(); }

@@ -10,6 +10,8 @@
 #include <unordered_map>
 
 #include "quorix/platform/Environment.h"
+#include "quorix/platform/TimerQueue.h"
+#include "quorix/platform/posix/SocketPoll.h"
 #include "quorix/platform/posix/SocketWatch.h"
 
 namespace quorix {
@@ -59,14 +61,22 @@ public:
     void CriticalMessage(StringView text, StringView title) override;
 
 private:
+    struct TimerSource;
+    static gboolean OnTimers(GSource* source, GSourceFunc callback, gpointer data);
+
     NewSocket Adopt(int descriptor, SocketWatch::Phase phase);
     SocketWatch& WatchOf(SocketId socket);
+    void RestListener(SocketId listener);
+    void RunDueTimers();
+    void UpdateTimerSource();
 
     GMainContext* context_;
     bool ownsContext_;
+    std::unique_ptr<SocketPoll> poll_;
     std::unordered_map<SocketId, std::shared_ptr<SocketWatch>> sockets_;
-    std::unordered_map<TimerId, GSource*> timers_;
-    TimerId lastTimer_ = 0;
+    GSource* timerSource_;
+    TimerQueue timers_;
+    std::unordered_map<SocketId, TimerId> socketTimers_;
     bool quit_ = false;
 };
 

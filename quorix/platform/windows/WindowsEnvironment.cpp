@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <utility>
 
 #include "quorix/base/WireText.h"
 #include "quorix/platform/windows/CodePages.h"
@@ -85,7 +86,7 @@ void CALLBACK OnTick(HWND, UINT, UINT_PTR timer, DWORD) {
     auto found = ticks.find(timer);
     if (found == ticks.end()) return;
     try {
-        found->second();
+        TimerTick(found->second)();  // it may kill its timer
     } catch (...) {
         // The caller is the system, which knows no exceptions.
     }
@@ -202,7 +203,7 @@ public:
 
     TimerId SetTimer(std::int32_t milliseconds, TimerTick tick) override {
         const UINT_PTR id = ::SetTimer(nullptr, 0, static_cast<UINT>(std::max(milliseconds, 10)), &OnTick);
-        if (id != 0) ticks[id] = tick;
+        if (id != 0) ticks[id] = std::move(tick);
         return static_cast<TimerId>(id);
     }
 

@@ -1,5 +1,6 @@
 // The socket on the system's own sockets and message loop.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <ctime>
 
@@ -82,6 +83,21 @@ TEST_F(Loopback, WhatNobodyServesCostsNoTime) {
     RunUntil([] { return false; }, 1);
     EXPECT_LT(std::clock() - before, 0.3 * CLOCKS_PER_SEC);
     EXPECT_EQ(std::count(listener->log.begin(), listener->log.end(), "request"), 2);
+}
+
+TEST_F(Loopback, AListenerOutOfDescriptorsRestsAndThenTakesTheConnection) {
+    rlimit usual{};
+    getrlimit(RLIMIT_NOFILE, &usual);
+    rlimit none{3, usual.rlim_max};
+    auto requests = [&] { return std::count(listener->log.begin(), listener->log.end(), "request"); };
+    client->socket->Connect();
+    setrlimit(RLIMIT_NOFILE, &none);
+    RunUntil([] { return false; }, 1);
+    setrlimit(RLIMIT_NOFILE, &usual);
+    EXPECT_GE(requests(), 1);
+    EXPECT_LE(requests(), 2);
+    client->socket->SendData(u"still here");
+    EXPECT_TRUE(RunUntil([&] { return server->received == "still here"; }));
 }
 
 TEST_F(Loopback, ALateByteFindsNoSocketUnderTheSameNumber) {

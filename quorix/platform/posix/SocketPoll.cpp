@@ -1,0 +1,111 @@
+#include "quorix/platform/posix/SocketPoll.h"
+
+#include <sys/epoll.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace quorix {
+
+namespace {
+
+constexpr int kEventsAtOnce = 64;
+constexpr std::int64_t kLongestTurn = 10000;  // microseconds; then other sources have theirs
+
+}  // namespace
+
+struct SocketPoll::Source {
+    GSource base;
+    SocketPoll* poll;
+};
+
+SocketPoll::SocketPoll(GMainContext* context) : epoll_(epoll_create1(EPOLL_CLOEXEC)) {
+    static GSourceFuncs functions = {OnPrepare, OnCheck, OnDispatch, nullptr, nullptr, nullptr};
+    source_ = g_source_new(&functions, sizeof(Source));
+    reinterpret_cast<Source*>(source_)->poll = this;
+    g_source_set_can_recurse(source_, TRUE);  // a pump nested in a handler must deliver too
+    polled_ = g_source_add_unix_fd(source_, epoll_, G_IO_IN);
+    g_source_attach(source_, context);
+}
+
+SocketPoll::~SocketPoll() {
+    g_source_destroy(source_);
+    g_source_unref(source_);
+    close(epoll_);
+}
+
+void SocketPoll::Touch(SocketWatch& watch) {
+    if (!std::exchange(watch.isTouched_, true)) touched_.push_back(watch.weak_from_this());
+}
+
+// A descriptor that was closed behind our back has left the set by itself.
+void SocketPoll::Wait(SocketWatch& watch, unsigned former, unsigned wanted) {
+    epoll_event event{};
+    event.events = wanted;
+    event.data.ptr = &watch;
+    int operation = former == 0 ? EPOLL_CTL_ADD : EPOLL_CTL_MOD;
+    if (wanted == 0) operation = EPOLL_CTL_DEL;
+    int result = epoll_ctl(epoll_, operation, watch.socket_, &event);
+    if (result == 0 || wanted == 0) return;
+    if (errno == ENOENT) epoll_ctl(epoll_, EPOLL_CTL_ADD, watch.socket_, &event);
+    if (errno == EEXIST) epoll_ctl(epoll_, EPOLL_CTL_MOD, watch.socket_, &event);
+}
+
+gboolean SocketPoll::OnPrepare(GSource* source, gint* timeout) {
+    SocketPoll& poll = *reinterpret_cast<Source*>(source)->poll;
+    *timeout = -1;
+    poll.AskTouched();
+    return !poll.due_.empty();
+}
+
+gboolean SocketPoll::OnCheck(GSource* source) {
+    const SocketPoll& poll = *reinterpret_cast<Source*>(source)->poll;
+    return !poll.due_.empty() || poll.HasNews();
+}
+
+gboolean SocketPoll::OnDispatch(GSource* source, GSourceFunc, gpointer) {
+    SocketPoll& poll = *reinterpret_cast<Source*>(source)->poll;
+    if (poll.HasNews()) poll.Gather();
+    poll.DeliverForATurn();
+    return G_SOURCE_CONTINUE;
+}
+
+bool SocketPoll::HasNews() const { return g_source_query_unix_fd(source_, polled_) != 0; }
+
+void SocketPoll::AskTouched() {
+    for (const std::weak_ptr<SocketWatch>& touched : std::exchange(touched_, {})) {
+        std::shared_ptr<SocketWatch> watch = touched.lock();
+        if (watch == nullptr) continue;
+        watch->isTouched_ = false;
+        if (watch->Settle()) Enqueue(*watch);
+    }
+}
+
+void SocketPoll::Enqueue(SocketWatch& watch) {
+    if (!std::exchange(watch.isDue_, true)) due_.push_back(watch.weak_from_this());
+}
+
+void SocketPoll::Gather() {
+    std::array<epoll_event, kEventsAtOnce> events;
+    int count = epoll_wait(epoll_, events.data(), kEventsAtOnce, 0);
+    for (int i = 0; i < count; ++i) {
+        SocketWatch& watch = *static_cast<SocketWatch*>(events[i].data.ptr);
+        watch.ready_ |= events[i].events;
+        Enqueue(watch);
+    }
+}
+
+// What is left when the turn is over stays due. A pump nested in a handler goes on with it.
+void SocketPoll::DeliverForATurn() {
+    std::int64_t end = g_get_monotonic_time() + kLongestTurn;
+    while (!due_.empty()) {
+        std::shared_ptr<SocketWatch> watch = due_.front().lock();
+        due_.pop_front();
+        if (watch != nullptr) watch->Dispatch();
+        if (g_get_monotonic_time() >= end) return;
+    }
+}
+
+}  // namespace quorix
