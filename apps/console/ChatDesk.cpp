@@ -1,121 +1,136 @@
 #include "apps/console/ChatDesk.h"
 
 #include "apps/console/Console.h"
-#include "quorix/base/WireText.h"
+#include "apps/console/StanzaError.h"
+#include "apps/console/Text.h"
+#include "quorix/base/Jid.h"
 
 namespace quorix::console {
 
 namespace {
 
-String Names(const Collection<String>& groups) {
-    String names;
-    for (const String& group : groups) names += Concat({u" [", group, u"]"});
-    return names;
+std::string_view TypeName(eMsgType type) {
+    switch (type) {
+        case MSG_Chat: return "chat";
+        case MSG_GroupChat: return "groupchat";
+        case MSG_Headline: return "headline";
+        default: return "normal";
+    }
 }
 
-StringView Sight(eSubscriptionType subscription) {
-    switch (subscription) {
-        case KV_To: return u", does not see you";
-        case KV_From: return u", not seen by you";
-        case KV_Both: return u"";
-        case KV_Remove: return u", removed";
-        default: return u", not subscribed";
+// When the server has kept the message back; servers of today say so in another form than the session reads.
+String SentAt(const cMessage& message) {
+    if (!message.Stamp().empty()) return message.Stamp();
+    const String xml = message.xml();
+    if (xml.find(u"urn:xmpp:delay") == String::npos) return {};
+    cXML_Node node;
+    node.xml(xml);
+    return node.getNode(u"/*/delay[@xmlns='urn:xmpp:delay']").Attribute(u"stamp");
+}
+
+// What else a message says than its text, in one pair of brackets.
+String Remarks(const Fields& fields) {
+    String remarks;
+    for (const Field& field : fields) {
+        const auto* text = std::get_if<std::string>(&field.value);
+        if (text == nullptr || text->empty()) continue;
+        remarks += Concat({remarks.empty() ? u" (" : u"; ", TextFromUtf8(field.name), u": ", TextFromUtf8(*text)});
     }
+    return remarks.empty() ? remarks : remarks + u")";
+}
+
+// People are known by their bare address; in a room everybody is a resource.
+String SenderName(const String& from, eMsgType type) {
+    return type == MSG_GroupChat && !GetResource(from).empty() ? from : RemoveResource(from);
 }
 
 }  // namespace
 
-StringView Mood(const cPresenceItem& item) {
-    StringView show = ShowText(item.ShowType());
-    return show.empty() ? StringView(u"online") : show;
+// -- Going out --
+
+std::shared_ptr<cMessage> ChatDesk::NewMessage(StringView jid) {
+    auto message = Session().CreateMessage(Encoded(Session(), jid), MSG_Chat, {}, {});
+    message->AddEvent(KV_Displayed);
+    message->AddEvent(KV_Composing);
+    return message;
 }
 
-cSession& ChatDesk::Session() { return console_.Session(); }
-void ChatDesk::Print(std::initializer_list<StringView> parts) { console_.Print(Concat(parts)); }
-
-// -- Messages --
-
-void ChatDesk::OnMessage(const std::shared_ptr<cMessage>& Message) {
-    const String from = Message->FromJid();
-    const String sender = Readable(from);
-    if (Message->Body().empty()) {
-        bool reports = Message->getEvent(KV_Composing);
-        if (typing_.erase(from) > 0 && !reports) Print({u"* ", sender, u" has stopped typing"});
+// A room sends everything back, so it is not shown before.
+void ChatDesk::Send(StringView jid, StringView text) {
+    const Chat* chat = chats_.Find(jid);
+    if (chat != nullptr && chat->isRoom && GetResource(jid).empty()) {
+        Session().CreateMessage(Encoded(Session(), jid), MSG_GroupChat, text, {})->SendMessage();
         return;
     }
-    typing_.erase(from);
-    last_[from] = Message;
-    if (!Message->Stamp().empty()) Print({u"(sent at ", Message->Stamp(), u")"});
-    Print({sender, u": ", Message->Body()});
-    if (!Message->XHTML().empty()) Print({u"  as markup: ", Message->XHTML()});
-    if (!Message->URL().empty())
-        Print({u"  link: ", Readable(Message->URL()), u" ", Readable(Message->desc())});
-    if (Message->HasCC()) Print({u"  with copies to others"});
+    auto message = NewMessage(jid);
+    message->Body(text);
+    message->SendMessage();
+    Show("sent", {{"to", jid}, {"text", text}});
+}
+
+void ChatDesk::Typing(StringView jid, bool stopped) {
+    const Chat* chat = chats_.Find(jid);
+    if (chat == nullptr || chat->lastFrom.empty()) return Fail(u"Nothing to answer", u"no message from there");
+    Session().SendEvent(chat->lastFrom, KV_Composing, chat->lastId, stopped);
+}
+
+// -- Coming in --
+
+void ChatDesk::OnMessage(const std::shared_ptr<cMessage>& Message) {
+    const String from = Text(Message->FromJid());
+    if (!Message->Body().empty() || !Message->Subject().empty()) return ShowMessage(*Message, from);
+    Chat* chat = chats_.Find(from);
+    if (chat == nullptr || !chat->typing || Message->getEvent(KV_Composing)) return;
+    chat->typing = false;
+    Show("stopped", {{"from", RemoveResource(from)}});
+}
+
+void ChatDesk::ShowMessage(cMessage& message, const String& from) {
+    const eMsgType type = message.MSG_Type();
+    Chat& chat = chats_.Received(from);
+    chat.isRoom = chat.isRoom || type == MSG_GroupChat;
+    chat.lastFrom = message.FromJid();
+    chat.lastId = message.ID();
+    const Fields remarks{{"subject", message.Subject()},
+                         {"sent", SentAt(message)},
+                         {"link", Text(message.URL())},
+                         {"description", Text(message.desc())},
+                         {"markup", message.XHTML()}};
+    Fields fields{{"from", SenderName(from, type)},
+                  {"text", message.Body()},
+                  {"more", Remarks(remarks)},
+                  {"jid", from},
+                  {"type", std::string(TypeName(type))},
+                  {"id", Text(message.ID())},
+                  {"copies", message.HasCC()}};
+    fields.insert(fields.end(), remarks.begin(), remarks.end());
+    Show("message", fields);
 }
 
 // A message with text asks for reports, one without is a report.
 void ChatDesk::OnMessageEvent(bool NoBody, std::int32_t EventKind, StringView FromJid) {
     if (NoBody) return ShowReport(EventKind, FromJid);
-    auto asked = last_.find(String(FromJid));
-    if (EventKind != KV_Displayed || asked == last_.end()) return;
-    Session().SendEvent(FromJid, KV_Displayed, asked->second->ID());
+    const Chat* chat = chats_.Find(Text(FromJid));
+    if (EventKind == KV_Displayed && chat != nullptr) Session().SendEvent(FromJid, KV_Displayed, chat->lastId);
 }
 
 void ChatDesk::ShowReport(std::int32_t eventKind, StringView fromJid) {
-    const String sender = Readable(fromJid);
-    if (eventKind == KV_Composing && typing_.insert(String(fromJid)).second)
-        Print({u"* ", sender, u" is typing"});
-    if (eventKind == KV_Displayed) Print({u"* ", sender, u" has seen your message"});
-    if (eventKind == KV_Delivered) Print({u"* your message has reached ", sender});
-    if (eventKind == KV_Offline) Print({u"* your message waits for ", sender});
+    const String from = RemoveResource(Text(fromJid));
+    if (eventKind == KV_Composing && !std::exchange(chats_.With(from).typing, true)) Show("typing", {{"from", from}});
+    if (eventKind == KV_Displayed) Show("displayed", {{"from", from}});
+    if (eventKind == KV_Delivered) Show("delivered", {{"from", from}});
+    if (eventKind == KV_Offline) Show("stored", {{"from", from}});
 }
 
-void ChatDesk::Typing(StringView jid, bool stopped) {
-    for (const auto& [sender, message] : last_) {
-        bool isMeant = sender == jid || RemoveResource(sender) == ToLower(jid);
-        if (isMeant) Session().SendEvent(sender, KV_Composing, message->ID(), stopped);
-    }
+void ChatDesk::OnError(const NodePtr& XMLElement, StringView FromJid, std::int16_t /*eErrorCode*/,
+                       StringView /*ErrorDescription*/) {
+    if (!XMLElement || !XMLElement->Root().Is(u"message")) return;
+    const String from = FromJid.empty() ? String(u"its recipient") : Text(FromJid);
+    Owner().Refused(Concat({u"Your message did not reach ", from}), XMLElement);
 }
 
-// -- Presence --
-
-void ChatDesk::OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem, bool bAvailable,
-                          StringView /*ShowType*/, std::int32_t /*ItemType*/, const NodePtr& /*XMLElement*/) {
-    Print({u"* ", PresenceItem->JID(), u"/", PresenceItem->Resource(), u" is ",
-           bAvailable ? Mood(*PresenceItem) : StringView(u"offline"), u" ", PresenceItem->Status()});
-}
-
-void ChatDesk::OnSubscriptionRequest(StringView FromJid, std::int32_t SubType, StringView Status) {
-    if (SubType == KV_UnSubscribe) return Print({u"* ", FromJid, u" no longer wants to see you"});
-    Print({u"* ", FromJid, u" wants to see you: ", Status, u" (/accept ", FromJid, u" or /deny ", FromJid,
-           u")"});
-}
-
-void ChatDesk::OnSubscriptionAccept(StringView FromJid, StringView Status) {
-    Print({u"* ", FromJid, u" lets you see when it is there ", Status});
-}
-
-void ChatDesk::OnSubscriptionDenied(StringView FromJid, StringView Status) {
-    Print({u"* ", FromJid, u" does not let you see when it is there ", Status});
-}
-
-// -- Contacts --
-
-// The table keeps the name that it knows; here the name is what the server says.
-void ChatDesk::OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
-                            const std::shared_ptr<cPresenceItem>& PresenceItem, const NodePtr& XMLElement) {
-    String name = Session().Convert2Unicode(XMLElement->Root().Attribute(u"name"));
-    if (!name.empty()) RosterItem->NickName(name);
-    bool isAsked = RosterItem->Ask() == u"subscribe" && XMLElement->Root().HasAttribute(u"ask");
-    Print({PresenceItem ? u"+ " : u"- ", RosterItem->NickName(), u" <", Readable(RosterItem->JID()), u"> ",
-           PresenceItem ? Mood(*PresenceItem) : StringView(u"offline"), Names(RosterItem->Groups()),
-           Sight(RosterItem->Subscription()), isAsked ? u", asked" : u""});
-}
-
-void ChatDesk::OnReceiveRosterItem(const std::shared_ptr<cRosterItem>& RosterItem, StringView FromJid) {
-    const String jid = Readable(RosterItem->JID());
-    const String name = Session().Convert2Unicode(RosterItem->NickName());
-    Print({u"* ", Readable(FromJid), u" sends you a contact: /add ", jid, u" ", name});
+void ChatDesk::OnDisConnected() {
+    for (const Chat& chat : chats_.All()) chats_.With(chat.jid).typing = false;
 }
 
 }  // namespace quorix::console

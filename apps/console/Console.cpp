@@ -1,12 +1,17 @@
 #include "apps/console/Console.h"
 
-#include <glib.h>
-#include <openssl/x509.h>
+#include <fmt/format.h>
+#include <glib-unix.h>
+#include <signal.h>
+#include <unistd.h>
 
-#include <utility>
+#include <cstdlib>
 
-#include "apps/console/Mask.h"
-#include "apps/console/Proxy.h"
+#include "apps/console/Clean.h"
+#include "apps/console/Folders.h"
+#include "apps/console/StanzaError.h"
+#include "apps/console/Text.h"
+#include "quorix/base/Jid.h"
 #include "quorix/base/WireText.h"
 #include "quorix/platform/MessageLoop.h"
 
@@ -14,183 +19,212 @@ namespace quorix::console {
 
 namespace {
 
-constexpr std::int32_t kLinger = 1;  // seconds for answers to the last line of a script
+constexpr unsigned kLinger = 1;  // seconds for answers to the last line of a script
+constexpr std::int64_t kPatience = 2'000'000;  // microseconds before the status tells of a wait
 
-gboolean ResumeTerminal(gpointer terminal) {
-    static_cast<Terminal*>(terminal)->Resume();
-    return G_SOURCE_REMOVE;
+bool Chosen(const std::string& choice, bool automatic) {
+    return choice == "auto" ? automatic : choice == "always";
+}
+
+OutputStyle StyleOf(const Options& options, bool onTerminal) {
+    const char* noColor = std::getenv("NO_COLOR");
+    const char* kind = std::getenv("TERM");
+    const bool canColor = onTerminal && (noColor == nullptr || *noColor == '\0') && kind != nullptr &&
+                          std::string_view(kind) != "dumb";
+    return {options.json, Chosen(options.times, onTerminal), Chosen(options.color, canColor),
+            options.bell && onTerminal};
+}
+
+// A source of the message loop that calls `then` once after `seconds`.
+void After(unsigned seconds, std::function<void()> then) {
+    auto run = [](gpointer call) -> gboolean {
+        (*static_cast<std::function<void()>*>(call))();
+        return G_SOURCE_REMOVE;
+    };
+    auto free = [](gpointer call) { delete static_cast<std::function<void()>*>(call); };
+    g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, seconds, run, new std::function<void()>(std::move(then)), free);
 }
 
 }  // namespace
 
-String Arguments::Word() {
-    std::size_t end = rest_.find(u' ');
-    String word(rest_.substr(0, end));
-    rest_ = end == StringView::npos ? StringView() : Trim(rest_.substr(end));
-    return word;
-}
+// What ends a program from outside says good-bye first, and the terminal is left as it was.
+class Console::Signals {
+public:
+    explicit Signals(Console& console) {
+        auto quit = [](gpointer self) -> gboolean {
+            static_cast<Console*>(self)->Quit();
+            return G_SOURCE_CONTINUE;
+        };
+        for (std::size_t index = 0; index < kSignals.size(); ++index) {
+            sources_[index] = g_unix_signal_add(kSignals[index], quit, &console);
+        }
+    }
+    ~Signals() {
+        for (guint source : sources_) g_source_remove(source);
+    }
+    Signals(const Signals&) = delete;
+    Signals& operator=(const Signals&) = delete;
+
+private:
+    static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+    std::array<guint, kSignals.size()> sources_{};
+};
 
 Console::Console(Options options)
     : options_(std::move(options)),
       session_(cSession::Create()),
+      line_(std::make_shared<Connection>(*this, options_)),
       chat_(std::make_shared<ChatDesk>(*this)),
-      desk_(std::make_shared<ServiceDesk>(*this)) {}
+      contacts_(std::make_shared<ContactDesk>(*this)),
+      rooms_(std::make_shared<RoomDesk>(*this)),
+      services_(std::make_shared<ServiceDesk>(*this)),
+      account_(std::make_shared<AccountDesk>(*this)),
+      answers_(std::make_shared<AnswerDesk>(*this)) {}
 Console::~Console() = default;
 
-int Console::Run() {
-    terminal_ = std::make_unique<Terminal>([this](const std::string& line) { TakeLine(TextFromUtf8(line)); },
-                                           [this] { TakeEnd(); });
-    session_->Advise(shared_from_this());
-    session_->Advise(chat_);
-    session_->Advise(desk_);
-    ApplyOptions();
-    Print(Concat({u"Connecting to ", session_->ServerAddress(), u" ..."}));
-    session_->Connect(options_.newUser);
-    if (options_.tls && session_->IsConnected() && !TrustsPeer()) {
-        exitCode_ = 1;
-        Quit();
-    }
-    MessageLoop::Run();
-    session_->Unadvise(shared_from_this());
+ExitCode Console::Run() {
+    terminal_ = Terminal::Create({[this](const std::string& line) { interpreter_.TakeLine(TextFromUtf8(line)); },
+                                  [this] { IsInteractive() ? Quit() : Finish(); },
+                                  [this](const std::string& before, const std::string& word) {
+                                      return interpreter_.Complete(before, word);
+                                  }},
+                                 options_.task == Options::Task::chat ? StateFile("history") : "");
+    const bool onTerminal = IsInteractive() || isatty(STDOUT_FILENO) != 0;
+    output_ = std::make_unique<Output>(*terminal_, StyleOf(options_, onTerminal));
+    const Signals signals(*this);
+    const std::shared_ptr<SessionEvents> sinks[] = {line_, chat_, contacts_, rooms_, services_, account_, answers_};
+    for (const auto& sink : sinks) session_->Advise(sink);
+    UpdateInput();
+    auto tick = [](gpointer self) -> gboolean {
+        static_cast<Console*>(self)->UpdateStatus();
+        return G_SOURCE_CONTINUE;
+    };
+    const guint clock = IsInteractive() ? g_timeout_add_seconds(1, tick, this) : 0;
+    line_->Open();
+    if (!quitting_) MessageLoop::Run();
+    if (clock != 0) g_source_remove(clock);
+    for (const auto& sink : sinks) session_->Unadvise(sink);
     terminal_.reset();
     return exitCode_;
 }
 
-void Console::ApplyOptions() {
-    session_->ServerAddress(TextFromUtf8(options_.server));
-    session_->Port(static_cast<std::int16_t>(options_.port));
-    session_->username(WireFromBytes(options_.user));
-    session_->Password(TextFromUtf8(options_.password));
-    session_->Resource(TextFromUtf8(options_.resource));
-    session_->UseSSL(options_.tls);
-    session_->Socket()->SSLCAFile(TextFromUtf8(options_.ca));
-    ApplyProxy();
+// -- Telling --
+
+void Console::Show(std::string_view event, const Fields& fields) {
+    const EventKind kind = FormOf(event).kind;
+    const bool isTraffic = event.starts_with("xml-") || event == "presence" || event == "message";
+    if (!isTraffic && (kind == EventKind::data || kind == EventKind::error)) awaited_.clear();
+    output_->Show(event, fields);
+    if (event == "message") CountMessage();
+    UpdateStatus();
 }
 
-void Console::ApplyProxy() {
-    std::optional<Proxy> proxy = ParseProxy(options_.proxy);
-    if (!proxy) return;
-    session_->ProxyType(proxy->type);
-    session_->ProxyHostname(TextFromUtf8(proxy->host));
-    session_->ProxyPort(proxy->port);
-    session_->ProxyAuthentication(proxy->withLogin ? KV_SocksUserPass : KV_SocksNoAuth);
-    session_->ProxyUsername(WireFromBytes(proxy->user));
-    session_->ProxyPassword(WireFromBytes(proxy->password));
-    session_->ProxyUseRemoteDNS(options_.remoteDns);
+void Console::Fail(const String& what, StringView reason) {
+    Show("error", {{"what", what}, {"reason", reason}});
 }
 
-// -- Trust --
-
-String Console::PeerIdentity() const {
-    const cSocketSSL& socket = *session_->Socket();
-    return Concat({u"certificate of ", socket.SSLSubject(), u", issued by ", socket.SSLIssuer(), u": ",
-                   WireFromBytes(X509_verify_cert_error_string(socket.SSLTrusted()))});
+void Console::Refused(const String& what, const NodePtr& stanza) {
+    const StanzaError error = StanzaError::Of(stanza->Root());
+    Show("error", {{"what", what},
+                   {"reason", Text(error.Reason())},
+                   {"code", error.code},
+                   {"condition", error.condition},
+                   {"message", Text(error.text)}});
 }
 
-bool Console::IsPeerAccepted() const {
-    bool trusted = session_->Socket()->SSLTrusted() == X509_V_OK;
-    return !options_.tls || trusted || options_.insecure || PeerIdentity() == acceptedPeer_;
+String Console::Text(StringView value) const { return Readable(*session_, value); }
+
+void Console::UpdateStatus() {
+    if (!IsInteractive()) return;
+    Chats& chats = chat_->All();
+    const Chat* current = chats.Current();
+    const std::string partner = current == nullptr ? "" : Clean(Utf8FromText(current->jid), Lines::one);
+    terminal_->Prompt(partner.substr(0, partner.find('@')) + (current != nullptr && current->typing ? " (typing)" : "") +
+                      "> ");
+    std::string status = fmt::format(" {} | {}", Clean(Utf8FromText(Text(session_->MyJid())), Lines::one), line_->State());
+    if (chats.Unread() > 0) status += fmt::format(" | {} unread", chats.Unread());
+    const std::int64_t waited = g_get_monotonic_time() - awaitedSince_;
+    if (!awaited_.empty() && waited > kPatience) status += fmt::format(" | {} {} s", awaited_, waited / G_USEC_PER_SEC);
+    terminal_->Status(status + " ");
 }
 
-bool Console::TrustsPeer() {
-    Print(Concat({u"TLS with ", session_->Socket()->SSLCipher(), u", ", PeerIdentity()}));
-    if (IsPeerAccepted()) return true;
-    Print(u"! The server is not trusted.");
-    if (!terminal_->Ask("Go on all the same? [y/N] ")) return false;
-    acceptedPeer_ = PeerIdentity();
-    return true;
+// -- Asking --
+
+void Console::Ask(const std::string& question, std::function<void(bool yes)> then) {
+    if (options_.yes) return then(true);
+    terminal_->Ask(question + " [y/N] ", false, [then](const std::optional<std::string>& answer) {
+        then(answer && (*answer == "y" || *answer == "Y" || *answer == "yes"));
+    });
 }
 
-void Console::Print(StringView text) { terminal_->Print(Utf8FromText(text)); }
+void Console::AskSecret(const std::string& question, std::function<void(const String& answer)> then) {
+    terminal_->Ask(question, true,
+                   [then](const std::optional<std::string>& answer) { then(TextFromUtf8(answer.value_or(""))); });
+}
 
-void Console::Quit() {
-    quitting_ = true;
+// -- Going on --
+
+void Console::OnReady() {
+    if (options_.task != Options::Task::send) {
+        contacts_->Fetch(false);  // only who has the list is told of changes, and by some servers of answers
+        session_->SendMyPresence();
+    }
+    UpdateInput();
+    DoTask();
+    interpreter_.Release();
+}
+
+void Console::OnLost() {
+    UpdateInput();
+    if (options_.task == Options::Task::send) Quit(ExitCode::network);
+}
+
+void Console::DoTask() {
+    if (options_.task == Options::Task::send) {
+        chat_->Send(TextFromUtf8(options_.recipient), TextFromUtf8(options_.text));
+        Finish();
+    }
+    if (options_.task == Options::Task::listen && options_.duration > 0) {
+        After(static_cast<unsigned>(std::exchange(options_.duration, 0)),
+              [this] { Quit(options_.count > 0 ? ExitCode::failed : ExitCode::success); });
+    }
+}
+
+void Console::CountMessage() {
+    if (options_.task == Options::Task::listen && ++heard_ == options_.count) Quit();
+}
+
+// A script waits for the connection; a person can always quit.
+void Console::UpdateInput() {
+    const bool takesLines = options_.task == Options::Task::chat && !waiting_;
+    const bool ready = IsInteractive() || line_->IsOnline();
+    takesLines && ready ? terminal_->Resume() : terminal_->Pause();
+}
+
+void Console::Wait(int seconds) {
+    waiting_ = true;
+    UpdateInput();
+    After(static_cast<unsigned>(seconds), [this] {
+        waiting_ = false;
+        UpdateInput();
+    });
+}
+
+void Console::WaitFor(std::string_view command) {
+    awaited_ = command;
+    awaitedSince_ = g_get_monotonic_time();
+}
+
+void Console::Quit(ExitCode code) {
+    if (std::exchange(quitting_, true)) return;
+    const bool failed = !IsInteractive() && output_->HadError();
+    exitCode_ = code == ExitCode::success && failed ? ExitCode::failed : code;
     session_->Disconnect();
     MessageLoop::Quit();
 }
 
-void Console::Wait(std::int32_t seconds) {
-    terminal_->Pause();
-    g_timeout_add_seconds(static_cast<guint>(seconds), ResumeTerminal, terminal_.get());
-}
-
-// A line that is no command goes nowhere: nobody should say in public what was meant for the program.
-void Console::TakeLine(StringView line) {
-    Arguments arguments(line);
-    if (arguments.Empty()) return;
-    String name = arguments.Word();
-    for (const Command& command : Commands()) {
-        if (command.name != name) continue;
-        try {
-            command.run(*this, arguments);
-        } catch (const AutomationError& error) {
-            Print(Concat({u"! ", error.Description()}));
-        }
-        return;
-    }
-    Print(Concat({u"! Unknown command ", name, u"; /help lists them."}));
-}
-
-void Console::TakeEnd() {
-    auto quit = [](gpointer console) -> gboolean {
-        static_cast<Console*>(console)->Quit();
-        return G_SOURCE_REMOVE;
-    };
-    g_timeout_add_seconds(kLinger, quit, this);
-}
-
-// -- The connection --
-
-void Console::OnAuthorized() {
-    Print(Concat({u"Logged in as ", Readable(session_->MyJid()), u"/", session_->Resource(), u"."}));
-    if (!std::exchange(loggedIn_, true)) terminal_->Resume();
-    session_->FetchRoster();  // only who has it is told of changes, and by some servers of answers
-    session_->SendMyPresence();
-}
-
-void Console::OnNewUserCreated() {
-    Print(u"Account created; logging in with it.");
-    accountCreated_ = true;
-}
-
-void Console::OnDisConnected() {
-    if (quitting_ || std::exchange(accountCreated_, false)) return;
-    Print(u"Disconnected.");
-    if (loggedIn_) return;
-    exitCode_ = 1;
-    MessageLoop::Quit();
-}
-
-void Console::OnError(const NodePtr& /*XMLElement*/, StringView FromJid, std::int16_t eErrorCode,
-                      StringView ErrorDescription) {
-    Print(Concat({u"! Error ", ToString(eErrorCode), u" from ", Readable(FromJid), u": ",
-                  Readable(ErrorDescription)}));
-}
-
-void Console::OnIQError(const NodePtr& /*XMLElement*/, StringView FromJid, std::int16_t eErrorCode,
-                        StringView ErrorDescription) {
-    Print(Concat({u"! Query failed (", ToString(eErrorCode), u") at ", Readable(FromJid), u": ",
-                  Readable(ErrorDescription)}));
-}
-
-void Console::OnSocketError(const NodePtr& /*XMLElement*/, StringView Description, std::int16_t Code) {
-    Print(Concat({u"! Network error ", ToString(Code), u": ", Description}));
-    if (loggedIn_) return;
-    exitCode_ = 1;
-    MessageLoop::Quit();
-}
-
-// A reconnection is judged here: nothing secret has been sent when the server's first text arrives.
-void Console::OnIncomingXML(StringView XML) {
-    if (!IsPeerAccepted()) {
-        Print(Concat({u"! Another server answers, which is not trusted, ", PeerIdentity()}));
-        return Quit();
-    }
-    if (options_.xml) Print(Concat({u"<< ", Readable(MaskSecrets(XML))}));
-}
-
-void Console::OnOutgoingXML(StringView XML) {
-    if (options_.xml) Print(Concat({u">> ", Readable(MaskSecrets(XML))}));
+void Console::Finish() {
+    After(kLinger, [this] { Quit(); });
 }
 
 }  // namespace quorix::console

@@ -1,94 +1,100 @@
-// The console client: prints what happens on one session, and does what is typed.
+// The console client: one session, what is typed, and what is shown.
 #pragma once
 
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "apps/console/AccountDesk.h"
+#include "apps/console/AnswerDesk.h"
 #include "apps/console/ChatDesk.h"
+#include "apps/console/Connection.h"
+#include "apps/console/ContactDesk.h"
+#include "apps/console/ExitCode.h"
+#include "apps/console/Interpreter.h"
 #include "apps/console/Options.h"
+#include "apps/console/Output.h"
+#include "apps/console/RoomDesk.h"
 #include "apps/console/ServiceDesk.h"
 #include "apps/console/Terminal.h"
-#include "quorix/session/cSession.h"
 
 namespace quorix::console {
 
-class Console;
-
-// What stands behind the command's name on its line: words first, free text last.
-class Arguments {
-public:
-    explicit Arguments(StringView text) : rest_(Trim(text)) {}
-    String Word();
-    String Rest() const { return String(rest_); }
-    bool Empty() const { return rest_.empty(); }
-
-private:
-    StringView rest_;
-};
-
-struct Command {
-    StringView name;
-    StringView arguments;
-    StringView help;
-    void (*run)(Console& console, Arguments arguments);
-};
-
-class Console : public SessionEvents, public std::enable_shared_from_this<Console> {
+class Console {
 public:
     explicit Console(Options options);
-    ~Console() override;
+    ~Console();
 
-    // Connects and serves until /quit, the end of input, or a refused login. The process's exit code.
-    int Run();
+    // Connects and serves until /quit, the end of input, or an end that no reconnection mends.
+    ExitCode Run();
 
     cSession& Session() { return *session_; }
+    Connection& Line() { return *line_; }
     ChatDesk& Chat() { return *chat_; }
-    ServiceDesk& Desk() { return *desk_; }
-    void Print(StringView text);
-    void Quit();
+    ContactDesk& Contacts() { return *contacts_; }
+    RoomDesk& Rooms() { return *rooms_; }
+    ServiceDesk& Services() { return *services_; }
+    AccountDesk& Account() { return *account_; }
 
+    // -- Telling --
+
+    void Show(std::string_view event, const Fields& fields);
+    void Notice(const std::string& text) { Show("notice", {{"text", text}}); }
+    void Usage(const std::string& text) { Show("usage", {{"text", text}}); }
+    void Fail(const String& what, StringView reason);
+    // With the code, the condition and the text of the error in `stanza`.
+    void Refused(const String& what, const NodePtr& stanza);
+    // A value of a record or an event, as text.
+    String Text(StringView value) const;
+
+    // -- Asking --
+
+    bool IsInteractive() const { return terminal_->IsInteractive(); }
+    // Yes or no. In a script --yes answers for everything, and nothing else does.
+    void Ask(const std::string& question, std::function<void(bool yes)> then);
+    void AskSecret(const std::string& question, std::function<void(const String& answer)> then);
+    void Remember(const std::string& line) { terminal_->Remember(line); }
+
+    // -- Going on --
+
+    void OnReady();
+    void OnLost();
     // Input waits meanwhile: scripts need time to see answers.
-    void Wait(std::int32_t seconds);
-
-    void OnAuthorized() override;
-    void OnNewUserCreated() override;
-    void OnDisConnected() override;
-    void OnError(const NodePtr& XMLElement, StringView FromJid, std::int16_t eErrorCode,
-                 StringView ErrorDescription) override;
-    void OnSocketError(const NodePtr& XMLElement, StringView Description, std::int16_t Code) override;
-    void OnIQError(const NodePtr& XMLElement, StringView FromJid, std::int16_t eErrorCode,
-                   StringView ErrorDescription) override;
-    void OnIncomingXML(StringView XML) override;
-    void OnOutgoingXML(StringView XML) override;
+    void Wait(int seconds);
+    // An answer to `command` is awaited; whatever is shown next ends the wait.
+    void WaitFor(std::string_view command);
+    void Quit(ExitCode code = ExitCode::success);
+    bool IsQuitting() const { return quitting_; }
+    // Quits when what was sent before has been answered.
+    void Finish();
 
 private:
-    void ApplyOptions();
-    void ApplyProxy();
-    bool IsPeerAccepted() const;
-    bool TrustsPeer();
-    String PeerIdentity() const;
-    void TakeLine(StringView line);
-    void TakeEnd();
+    class Signals;
+
+    void DoTask();
+    void Listen();
+    void CountMessage();
+    void UpdateInput();
+    void UpdateStatus();
 
     Options options_;
     std::shared_ptr<cSession> session_;
-    std::shared_ptr<ChatDesk> chat_;
-    std::shared_ptr<ServiceDesk> desk_;
     std::unique_ptr<Terminal> terminal_;
-    String acceptedPeer_;  // the one that the user did not mind
-    bool loggedIn_ = false;
+    std::unique_ptr<Output> output_;
+    Interpreter interpreter_{*this};
+    std::shared_ptr<Connection> line_;
+    std::shared_ptr<ChatDesk> chat_;
+    std::shared_ptr<ContactDesk> contacts_;
+    std::shared_ptr<RoomDesk> rooms_;
+    std::shared_ptr<ServiceDesk> services_;
+    std::shared_ptr<AccountDesk> account_;
+    std::shared_ptr<AnswerDesk> answers_;
+    std::string awaited_;
+    std::int64_t awaitedSince_ = 0;  // microseconds of the system's steady clock
+    int heard_ = 0;
+    bool waiting_ = false;
     bool quitting_ = false;
-    bool accountCreated_ = false;  // the connection ends now, and the login follows
-    int exitCode_ = 0;
+    ExitCode exitCode_ = ExitCode::success;
 };
-
-// What chat and the services offer. Commands has them too.
-const std::vector<Command>& ChatCommands();
-const std::vector<Command>& ServiceCommands();
-
-// All commands, in the order in which /help lists them.
-const std::vector<Command>& Commands();
 
 }  // namespace quorix::console

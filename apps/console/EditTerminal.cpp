@@ -1,0 +1,277 @@
+#include "apps/console/EditTerminal.h"
+
+#include <fmt/core.h>
+#include <glib-unix.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <term.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+// readline's header needs stdio's first.
+#include <readline/history.h>
+#include <readline/readline.h>
+
+#include "apps/console/Locale.h"
+#include "apps/console/Wrap.h"
+
+// term.h has macros of these names.
+#undef columns
+#undef lines
+
+namespace quorix::console {
+
+namespace {
+
+constexpr int kHistoryLines = 1000;
+
+void Write(const std::string& utf8) {
+    const std::string text = ToLocale(utf8);
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+// What the terminal's description calls `name`; nothing on one that cannot.
+void Control(const char* name) {
+    const char* text = tigetstr(name);
+    if (text != nullptr && text != reinterpret_cast<const char*>(-1)) putp(text);
+}
+
+bool CanMoveUp() {
+    const char* text = tigetstr("cuu1");
+    return text != nullptr && text != reinterpret_cast<const char*>(-1);
+}
+
+}  // namespace
+
+EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
+    : handlers_(std::move(handlers)), historyFile_(std::move(historyFile)) {
+    current = this;
+    Install();
+    using_history();
+    stifle_history(kHistoryLines);
+    if (!historyFile_.empty()) read_history(historyFile_.c_str());
+    auto resized = [](gpointer /*self*/) -> gboolean {
+        current->Hide();
+        rl_resize_terminal();
+        current->ShowSoon();
+        return G_SOURCE_CONTINUE;
+    };
+    resizing_ = g_unix_signal_add(SIGWINCH, resized, this);
+}
+
+EditTerminal::~EditTerminal() {
+    Hide();
+    if (showing_ != 0) g_source_remove(showing_);
+    g_source_remove(resizing_);
+    std::fflush(stdout);
+    rl_callback_handler_remove();
+    current = nullptr;
+}
+
+void EditTerminal::Install() {
+    int error = 0;
+    setupterm(nullptr, fileno(stdout), &error);
+    rl_readline_name = "quorix-console";
+    rl_catch_signals = 0;  // the program ends by itself, and leaves the terminal as it was
+    rl_catch_sigwinch = 0;
+    rl_attempted_completion_function = OnComplete;
+    rl_completion_display_matches_hook = OnMatches;
+    rl_completer_word_break_characters = const_cast<char*>(" ");
+    rl_redisplay_function = OnRedisplay;
+    rl_callback_handler_install("", OnEnd);
+    for (Keymap map : {emacs_standard_keymap, vi_insertion_keymap, vi_movement_keymap}) {
+        rl_bind_key_in_map('\r', OnEnter, map);
+        rl_bind_key_in_map('\n', OnEnter, map);
+    }
+    shown_ = true;
+    Hide();
+    ShowSoon();
+}
+
+// -- Input --
+
+void EditTerminal::Read() {
+    Show();
+    rl_callback_read_char();
+}
+
+// readline's own way ends the line with a line break first; taken before that, the line gives way to what it
+// brings about.
+int EditTerminal::OnEnter(int /*count*/, int /*key*/) {
+    current->TakeLine();
+    return 0;
+}
+
+void EditTerminal::OnEnd(char* line) {
+    std::free(line);  // NOLINT: readline allocates with malloc
+    current->TakeEnd();
+}
+
+void EditTerminal::TakeLine() {
+    const std::string line = FromLocale(rl_line_buffer);
+    Hide();
+    rl_replace_line("", 1);
+    using_history();
+    if (answer_) {
+        AnswerQuestion(line);
+    } else {
+        handlers_.line(line);
+    }
+    ShowSoon();
+}
+
+void EditTerminal::TakeEnd() {
+    shown_ = false;  // readline has gone to the next line
+    if (answer_) {
+        AnswerQuestion({});
+        return ShowSoon();
+    }
+    Pause();
+    handlers_.end();
+}
+
+void EditTerminal::Ask(const std::string& question, bool secret, Answer answer) {
+    Hide();
+    if (answer_) AnswerQuestion({});
+    question_ = question;
+    answer_ = std::move(answer);
+    secret_ = secret;
+    Resume();
+    UsePrompt();
+}
+
+void EditTerminal::AnswerQuestion(std::optional<std::string> answer) {
+    const Answer take = std::exchange(answer_, nullptr);
+    if (!secret_) Print(question_ + answer.value_or(""));
+    secret_ = false;
+    UsePrompt();
+    take(std::move(answer));
+}
+
+void EditTerminal::Remember(const std::string& line) {
+    add_history(ToLocale(line).c_str());
+    if (historyFile_.empty()) return;
+    const mode_t mask = umask(077);
+    write_history(historyFile_.c_str());
+    umask(mask);
+}
+
+// -- Output --
+
+void EditTerminal::Print(const std::string& text) {
+    Hide();
+    Write(text + "\n");
+    std::fflush(stdout);
+    ShowSoon();
+}
+
+void EditTerminal::Bell() { rl_ding(); }
+
+int EditTerminal::Columns() const {
+    int rows = 0;
+    int columns = 0;
+    rl_get_screen_size(&rows, &columns);
+    return columns;
+}
+
+void EditTerminal::Prompt(const std::string& prompt) {
+    if (prompt == prompt_) return;
+    prompt_ = prompt;
+    UsePrompt();
+}
+
+void EditTerminal::UsePrompt() {
+    Hide();
+    ShowSoon();
+}
+
+void EditTerminal::Status(const std::string& status) {
+    if (status == status_) return;
+    Hide();
+    status_ = status;
+    ShowSoon();
+}
+
+// Takes prompt and status off the screen and leaves the cursor where the status began.
+void EditTerminal::Hide() {
+    if (!std::exchange(shown_, false)) return;
+    rl_clear_visible_line();
+    std::fflush(rl_outstream);
+    if (statusWidth_ > 0) {
+        // A terminal that has become narrower has broken the status into more lines.
+        const int lines = 1 + (statusWidth_ - 1) / std::max(Columns(), 1);
+        for (int line = 0; line < lines; ++line) Control("cuu1");
+        Control("ed");
+    }
+    std::fflush(stdout);
+}
+
+void EditTerminal::Show() {
+    if (showing_ != 0) g_source_remove(std::exchange(showing_, 0U));
+    if (std::exchange(shown_, true)) return;
+    const std::string status = CanMoveUp() && !answer_ ? Cut(status_, Columns() - 1) : "";
+    statusWidth_ = Width(status);
+    if (statusWidth_ > 0) {
+        Control("rev");
+        Write(status);
+        Control("sgr0");
+        Write("\n");
+    }
+    std::fflush(stdout);
+    rl_set_prompt(ToLocale(answer_ ? question_ : prompt_).c_str());
+    rl_on_new_line();
+    rl_forced_update_display();
+}
+
+// After everything that is about to be printed at once.
+void EditTerminal::ShowSoon() {
+    auto show = [](gpointer self) -> gboolean {
+        static_cast<EditTerminal*>(self)->showing_ = 0;
+        static_cast<EditTerminal*>(self)->Show();
+        return G_SOURCE_REMOVE;
+    };
+    if (showing_ == 0 && !shown_) showing_ = g_idle_add_full(G_PRIORITY_HIGH_IDLE, show, this, nullptr);
+}
+
+// A secret is edited like any line; only the drawing is told that the line is empty.
+void EditTerminal::OnRedisplay() {
+    if (current == nullptr || !current->secret_) return rl_redisplay();
+    const int end = std::exchange(rl_end, 0);
+    const int point = std::exchange(rl_point, 0);
+    const char first = std::exchange(rl_line_buffer[0], '\0');
+    rl_redisplay();
+    rl_line_buffer[0] = first;
+    rl_point = point;
+    rl_end = end;
+}
+
+// -- Completion --
+
+char** EditTerminal::OnComplete(const char* word, int start, int /*end*/) {
+    rl_attempted_completion_over = 1;  // never names of files
+    if (current->answer_) return nullptr;
+    const std::string before(rl_line_buffer, static_cast<std::size_t>(start));
+    const std::vector<std::string> found = current->handlers_.complete(FromLocale(before), FromLocale(word));
+    if (found.empty()) return nullptr;
+    static std::vector<std::string> words;
+    words.clear();
+    for (const std::string& each : found) words.push_back(ToLocale(each));
+    auto next = [](const char* /*word*/, int state) -> char* {
+        static std::size_t index = 0;
+        if (state == 0) index = 0;
+        return index < words.size() ? strdup(words[index++].c_str()) : nullptr;
+    };
+    return rl_completion_matches(word, next);
+}
+
+void EditTerminal::OnMatches(char** matches, int count, int /*longest*/) {
+    std::string line;
+    for (int index = 1; index <= count; ++index) line += FromLocale(matches[index]) + "  ";
+    current->Print(Wrap(line, current->Columns(), 2));
+    current->Show();
+}
+
+}  // namespace quorix::console

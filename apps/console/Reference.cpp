@@ -1,0 +1,147 @@
+#include "apps/console/Reference.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <stdexcept>
+
+#include "apps/console/Command.h"
+#include "apps/console/Event.h"
+#include "apps/console/ExitCode.h"
+
+namespace quorix::console {
+
+namespace {
+
+// A bar would end a cell of a table.
+std::string Cell(std::string_view text) {
+    std::string cell;
+    for (char c : text) {
+        if (c == '|' || c == '<' || c == '*' || c == '_') cell += '\\';
+        cell += c;
+    }
+    return cell;
+}
+
+std::string Table(const std::string& first, const std::string& second) {
+    return fmt::format("| {} | {} |\n|---|---|\n", first, second);
+}
+
+std::vector<const CLI::Option*> ShownOptions(const CLI::App& app) {
+    return app.get_options([](const CLI::Option* option) { return !option->get_group().empty(); });
+}
+
+std::string OptionTable(const CLI::App& app) {
+    std::string text = Table("Option", "Meaning");
+    for (const CLI::Option* option : ShownOptions(app)) {
+        const std::string value = option->get_items_expected() == 0 ? "" : " VALUE";
+        text += fmt::format("| `{}{}` | {} |\n", option->get_name(false, true), value, Cell(option->get_description()));
+    }
+    return text;
+}
+
+std::string TaskTables(const CLI::App& app) {
+    std::string text;
+    for (const CLI::App* task : app.get_subcommands({})) {
+        text += fmt::format("\n### {}\n\n{}:\n\n{}", task->get_name(), task->get_description(), OptionTable(*task));
+    }
+    return text;
+}
+
+std::string CommandTables() {
+    std::string text;
+    for (const CommandGroup& group : CommandGroups()) {
+        text += fmt::format("\n### {}\n\n{}", group.title, Table("Command", "Does"));
+        for (const Command& command : group.commands) {
+            text += fmt::format("| `{}` | {}{} |\n", UsageOf(command), Cell(command.help),
+                                command.question.empty() ? "" : "; asks before");
+        }
+    }
+    return text;
+}
+
+std::string ParameterTable() {
+    std::string text = Table("Parameter", "Is");
+    for (const ParameterKind& kind : ParameterKinds()) text += fmt::format("| `{}` | {} |\n", kind.name, Cell(kind.help));
+    return text;
+}
+
+std::string EventTable() {
+    std::string text = Table("Event", "Means");
+    for (const EventForm& form : EventForms()) text += fmt::format("| `{}` | {} |\n", form.name, Cell(form.help));
+    return text;
+}
+
+std::string ExitCodeTable() {
+    std::string text = Table("Code", "Means");
+    for (const auto& [code, help] : kExitCodes) text += fmt::format("| {} | {} |\n", static_cast<int>(code), help);
+    return text;
+}
+
+std::string Markdown(const CLI::App& app) {
+    return fmt::format(
+        "## Options\n\n{}{}\n## Commands\n{}\n### Parameters\n\n{}\n## Events\n\n{}\n## Exit codes\n\n{}",
+        OptionTable(app), TaskTables(app), CommandTables(), ParameterTable(), EventTable(), ExitCodeTable());
+}
+
+std::string LongNames(const CLI::App& app) {
+    std::string names;
+    for (const CLI::Option* option : ShownOptions(app)) {
+        for (const std::string& name : option->get_lnames()) names += " --" + name;
+    }
+    for (const CLI::App* task : app.get_subcommands({})) names += " " + task->get_name();
+    return names.substr(1);
+}
+
+std::string Bash(const CLI::App& app) {
+    return fmt::format(
+        "_quorix_console() {{\n"
+        "    local word=${{COMP_WORDS[COMP_CWORD]}}\n"
+        "    case ${{COMP_WORDS[COMP_CWORD-1]}} in\n"
+        "        --config | --password-file | --ca | --exec) COMPREPLY=($(compgen -f -- \"$word\")) ;;\n"
+        "        --color) COMPREPLY=($(compgen -W 'always never auto' -- \"$word\")) ;;\n"
+        "        *) COMPREPLY=($(compgen -W '{}' -- \"$word\")) ;;\n"
+        "    esac\n"
+        "}}\n"
+        "complete -F _quorix_console quorix-console\n",
+        LongNames(app));
+}
+
+std::string ZshLine(const CLI::Option& option, const std::string& name) {
+    std::string help;
+    for (char c : option.get_description()) {
+        if (c == '\'') help += "'\\'";
+        if (c == '[' || c == ']' || c == ':') help += '\\';
+        help += c;
+    }
+    const bool takesValue = option.get_items_expected() != 0;
+    return fmt::format("    '--{}[{}]{}'", name, help, takesValue ? ":value:_files" : "");
+}
+
+std::string Zsh(const CLI::App& app) {
+    std::string text = "#compdef quorix-console\n_arguments";
+    for (const CLI::Option* option : ShownOptions(app)) {
+        for (const std::string& name : option->get_lnames()) text += " \\\n" + ZshLine(*option, name);
+    }
+    std::string tasks;
+    for (const CLI::App* task : app.get_subcommands({})) tasks += " " + task->get_name();
+    return text + fmt::format(" \\\n    '*:account or task:({})'\n", tasks.substr(1));
+}
+
+}  // namespace
+
+std::string Reference(const CLI::App& app, const std::string& kind) {
+    if (kind == "markdown") return Markdown(app);
+    if (kind == "bash") return Bash(app);
+    if (kind == "zsh") return Zsh(app);
+    throw std::runtime_error("There is no reference " + kind);
+}
+
+std::string ExitCodeHelp() {
+    std::string text = "Exit codes:\n";
+    for (const auto& [code, help] : kExitCodes) text += fmt::format("  {}  {}\n", static_cast<int>(code), help);
+    return text;
+}
+
+}  // namespace quorix::console
