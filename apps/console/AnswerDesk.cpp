@@ -70,7 +70,8 @@ void AnswerDesk::OnIQError(const NodePtr& XMLElement, StringView FromJid, std::i
     const String who = FromJid.empty() ? Session().ServerAddress() : Text(FromJid);
     const String topic = Text(XMLElement->Root().FirstElement().Attribute(u"xmlns"));
     const bool isNamed = StartsWith(topic, u"jabber:iq:");
-    Owner().Refused(Concat({who, u" refused ", isNamed ? topic.substr(10) : String(u"a request")}), XMLElement);
+    Owner().Refused(Concat({who, u" refused ", isNamed ? topic.substr(10) : String(u"a request")}),
+                    XMLElement);
 }
 
 }  // namespace quorix::console

@@ -23,7 +23,8 @@ void ListChats(Console& console, const Words& values) {
     const std::vector<Chat>& all = chats.All();
     if (!values[0].empty()) {
         const auto number = static_cast<std::size_t>(std::stoi(Utf8FromText(values[0])));
-        if (number == 0 || number > all.size()) return console.Usage("There is no chat of that number; /w lists them.");
+        if (number == 0 || number > all.size())
+            return console.Usage("There is no chat of that number; /w lists them.");
         return Enter(console, {all[number - 1].jid});
     }
     if (all.empty()) return console.Notice("No chat is open; /chat JID opens one.");
@@ -74,8 +75,10 @@ void Stopped(Console& console, const Words& values) { console.Chat().Typing(valu
 std::span<const Command> ChatCommands() {
     static constexpr Command kCommands[] = {
         {"/msg", "JID TEXT", "sends a message", Msg},
-        {"/chat", "[JID]", "sends what you type to somebody or a room; alone, to nobody", Enter, Command::kOffline},
-        {"/w", "[NUMBER]", "lists the open chats and what is unread, or goes to one", ListChats, Command::kOffline},
+        {"/chat", "[JID]", "sends what you type to somebody or a room; alone, to nobody", Enter,
+         Command::kOffline},
+        {"/w", "[NUMBER]", "lists the open chats and what is unread, or goes to one", ListChats,
+         Command::kOffline},
         {"/xhtml", "JID MARKUP", "sends a message with formatted text", Markup},
         {"/cc", "JID JIDS TEXT", "sends a message, and copies of it to others", Copies},
         {"/typing", "JID", "tells who wrote to you that you are typing an answer", Typing},

@@ -4,6 +4,7 @@
 #include "apps/console/StanzaError.h"
 #include "apps/console/Text.h"
 #include "quorix/base/Jid.h"
+#include "quorix/base/WireText.h"
 
 namespace quorix::console {
 
@@ -34,7 +35,8 @@ String Remarks(const Fields& fields) {
     for (const Field& field : fields) {
         const auto* text = std::get_if<std::string>(&field.value);
         if (text == nullptr || text->empty()) continue;
-        remarks += Concat({remarks.empty() ? u" (" : u"; ", TextFromUtf8(field.name), u": ", TextFromUtf8(*text)});
+        remarks +=
+            Concat({remarks.empty() ? u" (" : u"; ", TextFromUtf8(field.name), u": ", TextFromUtf8(*text)});
     }
     return remarks.empty() ? remarks : remarks + u")";
 }
@@ -70,7 +72,8 @@ void ChatDesk::Send(StringView jid, StringView text) {
 
 void ChatDesk::Typing(StringView jid, bool stopped) {
     const Chat* chat = chats_.Find(jid);
-    if (chat == nullptr || chat->lastFrom.empty()) return Fail(u"Nothing to answer", u"no message from there");
+    if (chat == nullptr || chat->lastFrom.empty())
+        return Fail(u"Nothing to answer", u"no message from there");
     Session().SendEvent(chat->lastFrom, KV_Composing, chat->lastId, stopped);
 }
 
@@ -111,12 +114,14 @@ void ChatDesk::ShowMessage(cMessage& message, const String& from) {
 void ChatDesk::OnMessageEvent(bool NoBody, std::int32_t EventKind, StringView FromJid) {
     if (NoBody) return ShowReport(EventKind, FromJid);
     const Chat* chat = chats_.Find(Text(FromJid));
-    if (EventKind == KV_Displayed && chat != nullptr) Session().SendEvent(FromJid, KV_Displayed, chat->lastId);
+    if (EventKind == KV_Displayed && chat != nullptr)
+        Session().SendEvent(FromJid, KV_Displayed, chat->lastId);
 }
 
 void ChatDesk::ShowReport(std::int32_t eventKind, StringView fromJid) {
     const String from = RemoveResource(Text(fromJid));
-    if (eventKind == KV_Composing && !std::exchange(chats_.With(from).typing, true)) Show("typing", {{"from", from}});
+    if (eventKind == KV_Composing && !std::exchange(chats_.With(from).typing, true))
+        Show("typing", {{"from", from}});
     if (eventKind == KV_Displayed) Show("displayed", {{"from", from}});
     if (eventKind == KV_Delivered) Show("delivered", {{"from", from}});
     if (eventKind == KV_Offline) Show("stored", {{"from", from}});

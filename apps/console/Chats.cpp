@@ -18,7 +18,8 @@ String Key(StringView jid) { return ToLower(RemoveResource(jid)); }
 
 Chat* Chats::Find(StringView jid) {
     const String key = Key(jid);
-    auto found = std::find_if(chats_.begin(), chats_.end(), [&](const Chat& chat) { return chat.jid == key; });
+    auto found =
+        std::find_if(chats_.begin(), chats_.end(), [&](const Chat& chat) { return chat.jid == key; });
     return found == chats_.end() ? nullptr : &*found;
 }
 

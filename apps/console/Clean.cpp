@@ -22,20 +22,21 @@ bool IsHarmlessFormat(gunichar c) {
 
 bool IsLineBreak(gunichar c) {
     const GUnicodeType type = g_unichar_type(c);
-    return c == '\n' || c == '\r' || type == G_UNICODE_LINE_SEPARATOR || type == G_UNICODE_PARAGRAPH_SEPARATOR;
+    return c == '\n' || c == '\r' || type == G_UNICODE_LINE_SEPARATOR ||
+           type == G_UNICODE_PARAGRAPH_SEPARATOR;
 }
 
 bool NeedsMark(gunichar c) {
     const GUnicodeType type = g_unichar_type(c);
-    return type == G_UNICODE_CONTROL || IsLineBreak(c) ||
-           (type == G_UNICODE_FORMAT && !IsHarmlessFormat(c));
+    return type == G_UNICODE_CONTROL || IsLineBreak(c) || (type == G_UNICODE_FORMAT && !IsHarmlessFormat(c));
 }
 
 // The blocks that Unicode reserves for scripts from right to left.
 bool IsRightToLeft(gunichar c) {
     constexpr struct {
         gunichar first, last;
-    } kBlocks[] = {{0x590, 0x8FF}, {0xFB1D, 0xFDFF}, {0xFE70, 0xFEFE}, {0x10800, 0x10FFF}, {0x1E800, 0x1EFFF}};
+    } kBlocks[] = {
+        {0x590, 0x8FF}, {0xFB1D, 0xFDFF}, {0xFE70, 0xFEFE}, {0x10800, 0x10FFF}, {0x1E800, 0x1EFFF}};
     return std::any_of(std::begin(kBlocks), std::end(kBlocks),
                        [c](const auto& block) { return c >= block.first && c <= block.last; });
 }

@@ -1,5 +1,5 @@
-// The commands that can be typed. This table is the only place that knows them: usage lines, /help, completion,
-// the manual and the check of what is typed are made from it.
+// The commands that can be typed. This table is the only place that knows them: usage lines, /help,
+// completion, the manual and the check of what is typed are made from it.
 #pragma once
 
 #include <span>

@@ -20,7 +20,8 @@ namespace quorix::console {
 
 namespace {
 
-// "USER@SERVER/RESOURCE" fills what is not given by itself. With an address, --server is only where to connect.
+// "USER@SERVER/RESOURCE" fills what is not given by itself. With an address, --server is only where to
+// connect.
 void ApplyAddress(Options& options) {
     const String jid = TextFromUtf8(options.account);
     const std::size_t at = jid.find(u'@');
@@ -70,10 +71,13 @@ void ReadText(Options& options) {
 }
 
 void WarnOfPassword(const CLI::App& app, int argc, char** argv) {
-    const auto isPassword = [](std::string_view word) { return word == "--password" || word.starts_with("--password="); };
+    const auto isPassword = [](std::string_view word) {
+        return word == "--password" || word.starts_with("--password=");
+    };
     const bool isGiven = std::any_of(argv, argv + argc, isPassword);
     if (isGiven && isatty(STDERR_FILENO) != 0) {
-        fmt::print(stderr, "{}: a password on the command line can be seen by others on this machine.\n", app.get_name());
+        fmt::print(stderr, "{}: a password on the command line can be seen by others on this machine.\n",
+                   app.get_name());
     }
 }
 
@@ -81,7 +85,8 @@ void WarnOfPassword(const CLI::App& app, int argc, char** argv) {
 
 CommandLineResult ReadCommandLine(int argc, char** argv) {
     Options options;
-    CLI::App app{"A Jabber client for the console, for servers that offer the jabber:iq:auth login.", "quorix-console"};
+    CLI::App app{"A Jabber client for the console, for servers that offer the jabber:iq:auth login.",
+                 "quorix-console"};
     Declare(app, options);
     app.footer(ExitCodeHelp());
     std::string reference;

@@ -20,6 +20,7 @@ Connection::Connection(Console& console, const Options& options)
 
 void Connection::Apply() {
     cSession& session = Session();
+    session.Mode(options_.classic ? KV_Classic : KV_Modern);
     session.ServerAddress(TextFromUtf8(options_.server));
     session.Port(static_cast<std::int16_t>(options_.port));
     session.username(Inserted(session, TextFromUtf8(options_.user)));
@@ -89,8 +90,8 @@ void Connection::Distrust() {
     Session().Disconnect();
     StopDeadline();
     if (!before.empty()) {
-        Show("usage", {{"text", Concat({u"THE CERTIFICATE HAS CHANGED. You had accepted ", TextFromUtf8(before),
-                                        u". Somebody may be listening."})}});
+        Show("usage", {{"text", Concat({u"THE CERTIFICATE HAS CHANGED. You had accepted ",
+                                        TextFromUtf8(before), u". Somebody may be listening."})}});
     }
     auto answered = [this, identity](bool yes) {
         if (!yes) return End(ExitCode::untrusted, u"No login", reason_);
@@ -110,7 +111,8 @@ void Connection::StartDeadline() {
         connection->End(ExitCode::silence, u"No login", u"the server does not answer");
         return G_SOURCE_REMOVE;
     };
-    if (options_.timeout > 0) deadline_ = g_timeout_add_seconds(static_cast<guint>(options_.timeout), passed, this);
+    if (options_.timeout > 0)
+        deadline_ = g_timeout_add_seconds(static_cast<guint>(options_.timeout), passed, this);
 }
 
 void Connection::StopDeadline() {
@@ -174,15 +176,18 @@ void Connection::End(ExitCode code, const String& what, StringView reason) {
 }
 
 std::string Connection::State() const {
-    if (online_) return options_.tls ? (Session().Socket()->SSLTrusted() == X509_V_OK ? "online, TLS" : "online, TLS by your word")
-                                     : "online, no TLS";
+    if (online_)
+        return options_.tls ? (Session().Socket()->SSLTrusted() == X509_V_OK ? "online, TLS"
+                                                                             : "online, TLS by your word")
+                            : "online, no TLS";
     return wasOnline_ ? "offline, connecting again" : "connecting";
 }
 
 // -- The traffic --
 
 void Connection::OnIncomingXML(StringView XML) {
-    if (!IsTrusted()) return Distrust();  // a reconnection is judged here, before anything secret has gone out
+    if (!IsTrusted())
+        return Distrust();  // a reconnection is judged here, before anything secret has gone out
     if (options_.xml) Show("xml-in", {{"xml", MaskSecrets(Text(XML))}});
 }
 

@@ -43,7 +43,7 @@ private:
 
     Options options_;
     KnownServers known_;
-    String reason_;        // why the connection ends, as far as is known
+    String reason_;  // why the connection ends, as far as is known
     unsigned deadline_ = 0;
     bool online_ = false;
     bool wasOnline_ = false;

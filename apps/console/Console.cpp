@@ -19,7 +19,7 @@ namespace quorix::console {
 
 namespace {
 
-constexpr unsigned kLinger = 1;  // seconds for answers to the last line of a script
+constexpr unsigned kLinger = 1;                // seconds for answers to the last line of a script
 constexpr std::int64_t kPatience = 2'000'000;  // microseconds before the status tells of a wait
 
 bool Chosen(const std::string& choice, bool automatic) {
@@ -42,7 +42,8 @@ void After(unsigned seconds, std::function<void()> then) {
         return G_SOURCE_REMOVE;
     };
     auto free = [](gpointer call) { delete static_cast<std::function<void()>*>(call); };
-    g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, seconds, run, new std::function<void()>(std::move(then)), free);
+    g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, seconds, run, new std::function<void()>(std::move(then)),
+                               free);
 }
 
 }  // namespace
@@ -83,16 +84,18 @@ Console::Console(Options options)
 Console::~Console() = default;
 
 ExitCode Console::Run() {
-    terminal_ = Terminal::Create({[this](const std::string& line) { interpreter_.TakeLine(TextFromUtf8(line)); },
-                                  [this] { IsInteractive() ? Quit() : Finish(); },
-                                  [this](const std::string& before, const std::string& word) {
-                                      return interpreter_.Complete(before, word);
-                                  }},
-                                 options_.task == Options::Task::chat ? StateFile("history") : "");
+    terminal_ =
+        Terminal::Create({[this](const std::string& line) { interpreter_.TakeLine(TextFromUtf8(line)); },
+                          [this] { IsInteractive() ? Quit() : Finish(); },
+                          [this](const std::string& before, const std::string& word) {
+                              return interpreter_.Complete(before, word);
+                          }},
+                         options_.task == Options::Task::chat ? StateFile("history") : "");
     const bool onTerminal = IsInteractive() || isatty(STDOUT_FILENO) != 0;
     output_ = std::make_unique<Output>(*terminal_, StyleOf(options_, onTerminal));
     const Signals signals(*this);
-    const std::shared_ptr<SessionEvents> sinks[] = {line_, chat_, contacts_, rooms_, services_, account_, answers_};
+    const std::shared_ptr<SessionEvents> sinks[] = {line_,     chat_,    contacts_, rooms_,
+                                                    services_, account_, answers_};
     for (const auto& sink : sinks) session_->Advise(sink);
     UpdateInput();
     auto tick = [](gpointer self) -> gboolean {
@@ -113,7 +116,7 @@ ExitCode Console::Run() {
 void Console::Show(std::string_view event, const Fields& fields) {
     const EventKind kind = FormOf(event).kind;
     const bool isTraffic = event.starts_with("xml-") || event == "presence" || event == "message";
-    if (!isTraffic && (kind == EventKind::data || kind == EventKind::error)) awaited_.clear();
+    if (!isTraffic && kind != EventKind::echo && kind != EventKind::notice) awaited_.clear();
     output_->Show(event, fields);
     if (event == "message") CountMessage();
     UpdateStatus();
@@ -137,14 +140,16 @@ String Console::Text(StringView value) const { return Readable(*session_, value)
 void Console::UpdateStatus() {
     if (!IsInteractive()) return;
     Chats& chats = chat_->All();
-    const Chat* current = chats.Current();
+    const auto* current = chats.Current();
     const std::string partner = current == nullptr ? "" : Clean(Utf8FromText(current->jid), Lines::one);
-    terminal_->Prompt(partner.substr(0, partner.find('@')) + (current != nullptr && current->typing ? " (typing)" : "") +
-                      "> ");
-    std::string status = fmt::format(" {} | {}", Clean(Utf8FromText(Text(session_->MyJid())), Lines::one), line_->State());
+    terminal_->Prompt(partner.substr(0, partner.find('@')) +
+                      (current != nullptr && current->typing ? " (typing)" : "") + "> ");
+    std::string status =
+        fmt::format(" {} | {}", Clean(Utf8FromText(Text(session_->MyJid())), Lines::one), line_->State());
     if (chats.Unread() > 0) status += fmt::format(" | {} unread", chats.Unread());
     const std::int64_t waited = g_get_monotonic_time() - awaitedSince_;
-    if (!awaited_.empty() && waited > kPatience) status += fmt::format(" | {} {} s", awaited_, waited / G_USEC_PER_SEC);
+    if (!awaited_.empty() && waited > kPatience)
+        status += fmt::format(" | {} {} s", awaited_, waited / G_USEC_PER_SEC);
     terminal_->Status(status + " ");
 }
 
@@ -158,8 +163,9 @@ void Console::Ask(const std::string& question, std::function<void(bool yes)> the
 }
 
 void Console::AskSecret(const std::string& question, std::function<void(const String& answer)> then) {
-    terminal_->Ask(question, true,
-                   [then](const std::optional<std::string>& answer) { then(TextFromUtf8(answer.value_or(""))); });
+    terminal_->Ask(question, true, [then](const std::optional<std::string>& answer) {
+        then(TextFromUtf8(answer.value_or("")));
+    });
 }
 
 // -- Going on --
@@ -198,7 +204,7 @@ void Console::CountMessage() {
 void Console::UpdateInput() {
     const bool takesLines = options_.task == Options::Task::chat && !waiting_;
     const bool ready = IsInteractive() || line_->IsOnline();
-    takesLines && ready ? terminal_->Resume() : terminal_->Pause();
+    takesLines&& ready ? terminal_->Resume() : terminal_->Pause();
 }
 
 void Console::Wait(int seconds) {

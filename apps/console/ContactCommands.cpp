@@ -65,8 +65,7 @@ void Remove(Console& console, const Words& values) {
 }
 
 void Give(Console& console, const Words& values) {
-    auto message =
-        console.Session().CreateMessage(Encoded(console.Session(), values[0]), MSG_Normal, {}, {});
+    auto message = console.Session().CreateMessage(Encoded(console.Session(), values[0]), MSG_Normal, {}, {});
     for (const String& jid : Parts(values[1], u' ')) {
         auto contact = Contact(console, jid);
         if (!contact) return;

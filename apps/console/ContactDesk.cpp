@@ -32,7 +32,8 @@ StringView Mood(const cPresenceItem& item) {
 // -- Presence --
 
 void ContactDesk::OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem, bool bAvailable,
-                             StringView /*ShowType*/, std::int32_t /*ItemType*/, const NodePtr& /*XMLElement*/) {
+                             StringView /*ShowType*/, std::int32_t /*ItemType*/,
+                             const NodePtr& /*XMLElement*/) {
     const String jid = PresenceItem->JID();
     const String resource = PresenceItem->Resource();
     if (bAvailable && Owner().Rooms().HasJoined(jid, resource)) return;
@@ -66,7 +67,8 @@ void ContactDesk::Fetch(bool listed) {
 
 // The table keeps the name that it knows; here the name is what the server says.
 void ContactDesk::OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
-                               const std::shared_ptr<cPresenceItem>& PresenceItem, const NodePtr& XMLElement) {
+                               const std::shared_ptr<cPresenceItem>& PresenceItem,
+                               const NodePtr& XMLElement) {
     const String name = Text(XMLElement->Root().Attribute(u"name"));
     if (!name.empty()) RosterItem->NickName(name);
     if (countsOnly_) return;
@@ -80,13 +82,13 @@ void ContactDesk::OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
 }
 
 void ContactDesk::OnRosterEnd() {
-    if (std::exchange(countsOnly_, false)) Show("contacts", {{"count", std::int64_t{Session().Roster().Count()}}});
+    if (std::exchange(countsOnly_, false))
+        Show("contacts", {{"count", std::int64_t{Session().Roster().Count()}}});
 }
 
 void ContactDesk::OnReceiveRosterItem(const std::shared_ptr<cRosterItem>& RosterItem, StringView FromJid) {
-    Show("contact-received", {{"from", Text(FromJid)},
-                              {"jid", Text(RosterItem->JID())},
-                              {"name", Text(RosterItem->NickName())}});
+    Show("contact-received",
+         {{"from", Text(FromJid)}, {"jid", Text(RosterItem->JID())}, {"name", Text(RosterItem->NickName())}});
 }
 
 }  // namespace quorix::console

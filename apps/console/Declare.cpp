@@ -17,28 +17,30 @@ public:
     std::vector<CLI::ConfigItem> from_config(std::istream& input) const override {
         const std::vector<CLI::ConfigItem> all = CLI::ConfigTOML::from_config(input);
         const std::string account = Account(all);
-        std::vector<CLI::ConfigItem> items = In(account, all);
+        std::vector<CLI::ConfigItem> found = In(account, all);
         for (const CLI::ConfigItem& item : In("", all)) {
             auto isSame = [&](const CLI::ConfigItem& known) { return known.name == item.name; };
-            const bool isTaken = std::any_of(items.begin(), items.end(), isSame);
-            if (!isTaken && item.name != "account") items.push_back(item);
+            const bool isTaken = std::any_of(found.begin(), found.end(), isSame);
+            if (!isTaken && item.name != "account") found.push_back(item);
         }
-        return items;
+        return found;
     }
 
 private:
-    std::string Account(const std::vector<CLI::ConfigItem>& items) const {
+    std::string Account(const std::vector<CLI::ConfigItem>& all) const {
         const auto& given = app_.get_option("account")->results();
         if (!given.empty()) return given.front();
-        for (const CLI::ConfigItem& item : items) {
-            if (item.parents.empty() && item.name == "account" && !item.inputs.empty()) return item.inputs.front();
+        for (const CLI::ConfigItem& item : all) {
+            if (item.parents.empty() && item.name == "account" && !item.inputs.empty())
+                return item.inputs.front();
         }
         return "";
     }
 
-    static std::vector<CLI::ConfigItem> In(const std::string& section, const std::vector<CLI::ConfigItem>& items) {
+    static std::vector<CLI::ConfigItem> In(const std::string& section,
+                                           const std::vector<CLI::ConfigItem>& all) {
         std::vector<CLI::ConfigItem> found;
-        for (CLI::ConfigItem item : items) {
+        for (CLI::ConfigItem item : all) {
             const bool isMark = item.name == "++" || item.name == "--";  // of a section's beginning and end
             const bool isHere = section.empty() ? item.parents.empty() : item.parents == std::vector{section};
             item.parents.clear();
@@ -57,7 +59,8 @@ void DeclareAccount(CLI::App& app, Options& options) {
                    "USER@SERVER[/RESOURCE], or the name of an account in the configuration");
     app.add_option("--jid", options.account, "the account's address, in the configuration")->group("");
     app.add_option("--user", options.user, "the name before the @, when no ACCOUNT is given");
-    app.add_option("--server", options.server, "the server; its host when it is not the account's own domain");
+    app.add_option("--server", options.server,
+                   "the server; its host when it is not the account's own domain");
     app.add_option("--port", options.port, "its port; 0 looks it up");
     app.add_option("--resource", options.resource, "names this connection; one of its own when not given");
     app.add_option("--password", options.password, "the password; others on this machine can see it here")
@@ -97,7 +100,8 @@ void DeclareTasks(CLI::App& app, Options& options) {
     send->callback([&options] { options.task = Options::Task::send; });
     CLI::App* listen = app.add_subcommand("listen", "prints what comes, and reads no commands");
     listen->add_option("--count", options.count, "ends after so many messages")->check(CLI::PositiveNumber);
-    listen->add_option("--for", options.duration, "ends after so many seconds")->check(CLI::Range(1, 1000000));
+    listen->add_option("--for", options.duration, "ends after so many seconds")
+        ->check(CLI::Range(1, 1000000));
     listen->callback([&options] { options.task = Options::Task::listen; });
     for (CLI::App* task : {send, listen}) task->fallthrough();
 }
@@ -106,7 +110,8 @@ void DeclareTasks(CLI::App& app, Options& options) {
 
 void Declare(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "quorix-console " QUORIX_VERSION);
-    app.set_config("--config", ConfigFile(), "the configuration file");
+    app.set_config("--config", ConfigFile(), "the configuration file")
+        ->default_str("~/.config/quorix/console.toml");
     app.config_formatter(std::make_shared<AccountConfig>(app));
     DeclareAccount(app, options);
     DeclareConnection(app, options);

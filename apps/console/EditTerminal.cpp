@@ -4,8 +4,8 @@
 #include <glib-unix.h>
 #include <signal.h>
 #include <sys/stat.h>
-#include <term.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,12 +15,9 @@
 #include <readline/history.h>
 #include <readline/readline.h>
 
+#include "apps/console/Capability.h"
 #include "apps/console/Locale.h"
 #include "apps/console/Wrap.h"
-
-// term.h has macros of these names.
-#undef columns
-#undef lines
 
 namespace quorix::console {
 
@@ -31,17 +28,6 @@ constexpr int kHistoryLines = 1000;
 void Write(const std::string& utf8) {
     const std::string text = ToLocale(utf8);
     std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-// What the terminal's description calls `name`; nothing on one that cannot.
-void Control(const char* name) {
-    const char* text = tigetstr(name);
-    if (text != nullptr && text != reinterpret_cast<const char*>(-1)) putp(text);
-}
-
-bool CanMoveUp() {
-    const char* text = tigetstr("cuu1");
-    return text != nullptr && text != reinterpret_cast<const char*>(-1);
 }
 
 }  // namespace
@@ -72,8 +58,7 @@ EditTerminal::~EditTerminal() {
 }
 
 void EditTerminal::Install() {
-    int error = 0;
-    setupterm(nullptr, fileno(stdout), &error);
+    ReadTerminalDescription();
     rl_readline_name = "quorix-console";
     rl_catch_signals = 0;  // the program ends by itself, and leaves the terminal as it was
     rl_catch_sigwinch = 0;
@@ -86,8 +71,6 @@ void EditTerminal::Install() {
         rl_bind_key_in_map('\r', OnEnter, map);
         rl_bind_key_in_map('\n', OnEnter, map);
     }
-    shown_ = true;
-    Hide();
     ShowSoon();
 }
 
@@ -203,8 +186,8 @@ void EditTerminal::Hide() {
     if (statusWidth_ > 0) {
         // A terminal that has become narrower has broken the status into more lines.
         const int lines = 1 + (statusWidth_ - 1) / std::max(Columns(), 1);
-        for (int line = 0; line < lines; ++line) Control("cuu1");
-        Control("ed");
+        for (int line = 0; line < lines; ++line) UseCapability("cuu1");
+        UseCapability("ed");
     }
     std::fflush(stdout);
 }
@@ -212,12 +195,12 @@ void EditTerminal::Hide() {
 void EditTerminal::Show() {
     if (showing_ != 0) g_source_remove(std::exchange(showing_, 0U));
     if (std::exchange(shown_, true)) return;
-    const std::string status = CanMoveUp() && !answer_ ? Cut(status_, Columns() - 1) : "";
+    const std::string status = HasCapability("cuu1") && !answer_ ? Cut(status_, Columns() - 1) : "";
     statusWidth_ = Width(status);
     if (statusWidth_ > 0) {
-        Control("rev");
+        UseCapability("rev");
         Write(status);
-        Control("sgr0");
+        UseCapability("sgr0");
         Write("\n");
     }
     std::fflush(stdout);
@@ -236,9 +219,11 @@ void EditTerminal::ShowSoon() {
     if (showing_ == 0 && !shown_) showing_ = g_idle_add_full(G_PRIORITY_HIGH_IDLE, show, this, nullptr);
 }
 
-// A secret is edited like any line; only the drawing is told that the line is empty.
+// readline draws after each key, also while the prompt is hidden. A secret is edited like any line; only the
+// drawing is told that the line is empty.
 void EditTerminal::OnRedisplay() {
-    if (current == nullptr || !current->secret_) return rl_redisplay();
+    if (!current->shown_) return;
+    if (!current->secret_) return rl_redisplay();
     const int end = std::exchange(rl_end, 0);
     const int point = std::exchange(rl_point, 0);
     const char first = std::exchange(rl_line_buffer[0], '\0');

@@ -48,11 +48,11 @@ private:
     std::string prompt_ = "> ";
     std::string status_;
     std::string question_;
-    Answer answer_;           // of the question at hand
+    Answer answer_;  // of the question at hand
     bool secret_ = false;
-    bool shown_ = false;      // prompt and status are on the screen
-    int statusWidth_ = 0;     // as it was drawn
-    unsigned showing_ = 0;    // the source that will show them
+    bool shown_ = false;    // prompt and status are on the screen
+    int statusWidth_ = 0;   // as it was drawn
+    unsigned showing_ = 0;  // the source that will show them
     unsigned resizing_ = 0;
 
     inline static EditTerminal* current = nullptr;

@@ -18,8 +18,8 @@ struct Field {
     Field(const char* fieldName, StringView text);
     Field(const char* fieldName, std::string text) : name(fieldName), value(std::move(text)) {}
     template <std::integral Number>
-        requires(!std::same_as<Number, bool>)
-    Field(const char* fieldName, Number number) : name(fieldName), value(std::int64_t{number}) {}
+    requires(!std::same_as<Number, bool>) Field(const char* fieldName, Number number)
+        : name(fieldName), value(static_cast<std::int64_t>(number)) {}
     template <std::same_as<bool> Flag>  // a template, since a pointer would be taken for a flag
     Field(const char* fieldName, Flag flag) : name(fieldName), value(flag) {}
 
@@ -28,9 +28,10 @@ struct Field {
 };
 using Fields = std::vector<Field>;
 
-// data: what somebody wants to know; standard output. echo: what the user did, shown on a terminal or as JSON
-// only. notice, error: about the program itself; standard error unless on a terminal or as JSON.
-enum class EventKind { data, echo, notice, error };
+// data: what somebody wants to know; standard output. list: the same, and no moment belongs to it. echo: what
+// the user did, shown on a terminal or as JSON only. notice, error: about the program itself; standard error
+// unless on a terminal or as JSON.
+enum class EventKind { data, list, echo, notice, error };
 
 struct EventForm {
     std::string_view name;

@@ -6,7 +6,9 @@
 
 namespace quorix::console {
 
-std::string ConfigFile() { return (std::filesystem::path(g_get_user_config_dir()) / "quorix/console.toml").string(); }
+std::string ConfigFile() {
+    return (std::filesystem::path(g_get_user_config_dir()) / "quorix/console.toml").string();
+}
 
 std::string StateFile(const char* name) {
     const auto folder = std::filesystem::path(g_get_user_state_dir()) / "quorix";

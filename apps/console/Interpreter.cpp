@@ -16,7 +16,8 @@ constexpr std::size_t kMaxKept = 100;
 
 // A command's line as others may see it.
 std::string Harmless(const Command* command, StringView line) {
-    const bool isSecret = command != nullptr && command->Is(Command::kSecret) && line.find(u' ') != StringView::npos;
+    const bool isSecret =
+        command != nullptr && command->Is(Command::kSecret) && line.find(u' ') != StringView::npos;
     return isSecret ? std::string(command->name) + " ***" : Utf8FromText(line);
 }
 
@@ -34,7 +35,8 @@ void Interpreter::Say(StringView text) {
     console_.Remember(Utf8FromText(text));
     Chat* chat = console_.Chat().All().Current();
     if (chat == nullptr) {
-        return console_.Usage("No chat is open: /chat JID opens one, /msg JID TEXT writes to somebody, /help lists all.");
+        return console_.Usage(
+            "No chat is open: /chat JID opens one, /msg JID TEXT writes to somebody, /help lists all.");
     }
     const String jid = chat->jid;
     if (!console_.Line().IsOnline()) return Keep(Concat({u"/msg ", jid, u" ", text}));
@@ -47,7 +49,8 @@ void Interpreter::TakeCommand(StringView line) {
     const std::string harmless = Harmless(command, line);
     console_.Show("echo", {{"text", harmless}});
     if (command == nullptr) {
-        return console_.Usage(fmt::format("There is no command {}; /help lists them.", Clean(name, Lines::one)));
+        return console_.Usage(
+            fmt::format("There is no command {}; /help lists them.", Clean(name, Lines::one)));
     }
     console_.Remember(harmless);
     Check(*command, line);
@@ -57,7 +60,8 @@ void Interpreter::Check(const Command& command, StringView line) {
     const ParsedLine parsed = ParseLine(command.usage, line.substr(command.name.size()));
     if (parsed.onlyPasswordMissing && console_.IsInteractive()) return AskForPassword(command, parsed.values);
     if (!parsed.complaint.empty()) {
-        return console_.Usage(fmt::format("{} Usage: {} ({})", parsed.complaint, UsageOf(command), command.help));
+        return console_.Usage(
+            fmt::format("{} Usage: {} ({})", parsed.complaint, UsageOf(command), command.help));
     }
     if (!command.Is(Command::kOffline) && !console_.Line().IsOnline()) return Keep(line);
     Confirm(command, parsed.values);
@@ -140,11 +144,14 @@ std::vector<String> Interpreter::Candidates(const ParameterKind& kind) const {
         if (takesPeople || (kind.name == "ROOM" && chat.isRoom)) candidates.push_back(chat.jid);
     }
     if (takesPeople) {
-        for (const auto& contact : console_.Session().Roster()) candidates.push_back(console_.Text(contact->JID()));
-        for (const auto& agent : console_.Session().Agents()) candidates.push_back(console_.Text(agent->JID()));
+        for (const auto& contact : console_.Session().Roster())
+            candidates.push_back(console_.Text(contact->JID()));
+        for (const auto& agent : console_.Session().Agents())
+            candidates.push_back(console_.Text(agent->JID()));
     }
     if (kind.name == "VALUES") {
-        for (const CardLine& line : CardLines()) candidates.push_back(TextFromUtf8(std::string(line.name) + "="));
+        for (const CardLine& line : CardLines())
+            candidates.push_back(TextFromUtf8(std::string(line.name) + "="));
     }
     if (kind.name == "WORD") {
         for (const CommandGroup& group : CommandGroups()) {

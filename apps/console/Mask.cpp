@@ -51,7 +51,8 @@ Tag::Tag(StringView xml) {
             continue;
         }
         const StringView attribute = xml.substr(start, at - start);
-        if (at + 1 >= xml.size() || xml[at] != u'=' || (xml[at + 1] != u'"' && xml[at + 1] != u'\'')) continue;
+        if (at + 1 >= xml.size() || xml[at] != u'=' || (xml[at + 1] != u'"' && xml[at + 1] != u'\''))
+            continue;
         const std::size_t end = std::min(xml.find(xml[at + 1], at + 2), xml.size());
         attributes.push_back({attribute, xml.substr(at + 2, end - at - 2)});
         at = std::min(end + 1, xml.size());
@@ -64,12 +65,14 @@ Tag::Tag(StringView xml) {
 
 bool Tag::IsSecret() const {
     const StringView local = LocalName();
-    const bool isSecretElement = std::any_of(std::begin(kSecretElements), std::end(kSecretElements),
-                                             [&](StringView secret) { return EqualsIgnoringCase(local, secret); });
-    const bool isSecretField = local == u"field" && std::any_of(attributes.begin(), attributes.end(), [](auto& each) {
-                                   return (each.name == u"type" && each.value == u"text-private") ||
-                                          (each.name == u"var" && SoundsSecret(each.value));
-                               });
+    const bool isSecretElement =
+        std::any_of(std::begin(kSecretElements), std::end(kSecretElements),
+                    [&](StringView secret) { return EqualsIgnoringCase(local, secret); });
+    const bool isSecretField =
+        local == u"field" && std::any_of(attributes.begin(), attributes.end(), [](auto& each) {
+            return (each.name == u"type" && each.value == u"text-private") ||
+                   (each.name == u"var" && SoundsSecret(each.value));
+        });
     return isSecretElement || isSecretField || SoundsSecret(local);
 }
 
@@ -85,8 +88,8 @@ String MaskedTag(const Tag& tag) {
     return masked + String(rest);
 }
 
-// Where the content of `tag`, which begins at the front of `xml`, ends. A field ends at its first end tag, since
-// others follow it; a secret at its last: it may hold one itself.
+// Where the content of `tag`, which begins at the front of `xml`, ends. A field ends at its first end tag,
+// since others follow it; a secret at its last: it may hold one itself.
 std::size_t ContentEnd(const Tag& tag, StringView xml) {
     const String endTag = Concat({u"</", tag.name});
     return std::min(tag.LocalName() == u"field" ? xml.find(endTag) : xml.rfind(endTag), xml.size());

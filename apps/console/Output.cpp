@@ -16,6 +16,7 @@ namespace quorix::console {
 namespace {
 
 constexpr int kIndent = 4;
+constexpr int kHelpColumn = 30;
 
 // Only the text of a message may have lines; a break in a name or an address is a trick.
 std::string Shown(const Field& field) {
@@ -57,7 +58,8 @@ fmt::text_style SenderStyle(std::string_view sender) {
 fmt::text_style KindStyle(EventKind kind) {
     switch (kind) {
         case EventKind::error: return fmt::fg(fmt::terminal_color::red);
-        case EventKind::data: return {};
+        case EventKind::data:
+        case EventKind::list: return {};
         default: return fmt::emphasis::faint;
     }
 }
@@ -74,21 +76,22 @@ void Output::Show(std::string_view name, const Fields& fields) {
 }
 
 void Output::ShowLine(const EventForm& form, const Fields& fields) {
-    const std::string clock = style_.times ? Clock() : "";
-    const std::string text = Wrap(clock + Composed(form, fields), terminal_.Columns(), kIndent);
+    const std::string clock = style_.times && form.kind != EventKind::list ? Clock() : "";
+    const int indent = form.name == "help" ? kHelpColumn : kIndent;
+    const std::string text = Wrap(clock + Composed(form, fields), terminal_.Columns(), indent);
     const std::string line = style_.colors ? Painted(form, fields, text) : text;
-    const bool isData = form.kind == EventKind::data;
+    const bool isData = form.kind == EventKind::data || form.kind == EventKind::list;
     isData ? terminal_.Print(line) : terminal_.Notice(line);
 }
 
 std::string Output::Painted(const EventForm& form, const Fields& fields, const std::string& text) const {
     const fmt::text_style style = KindStyle(form.kind);
-    if (form.kind != EventKind::data) return fmt::format(style, "{}", text);
-    if (form.name != "message" || fields.front().name != std::string_view("from")) return text;
+    if (form.name != "message") return fmt::format(style, "{}", text);
     const std::string sender = Shown(fields.front());
     const std::size_t at = text.find(sender);
     if (at == std::string::npos) return text;
-    return text.substr(0, at) + fmt::format(SenderStyle(sender), "{}", sender) + text.substr(at + sender.size());
+    return text.substr(0, at) + fmt::format(SenderStyle(sender), "{}", sender) +
+           text.substr(at + sender.size());
 }
 
 }  // namespace quorix::console

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <utility>
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/WireText.h"
@@ -35,7 +36,8 @@ bool IsHost(StringView host) {
 bool IsRoom(StringView text) { return IsJid(text) && RemoveResource(text).find(u'@') != String::npos; }
 
 bool AreJids(const Words& jids) {
-    return !jids.empty() && std::all_of(jids.begin(), jids.end(), [](const String& jid) { return IsJid(jid); });
+    return !jids.empty() &&
+           std::all_of(jids.begin(), jids.end(), [](const String& jid) { return IsJid(jid); });
 }
 
 bool IsNumber(StringView text, int least, int most) {
@@ -54,7 +56,8 @@ bool IsNamespace(StringView text) {
 
 constexpr ParameterKind kKinds[] = {
     {"JID", false, IsJid, "an address: name@server or server, with or without /resource"},
-    {"JIDS", false, [](StringView text) { return AreJids(Parts(text, u',')); }, "addresses with commas between them"},
+    {"JIDS", false, [](StringView text) { return AreJids(Parts(text, u',')); },
+     "addresses with commas between them"},
     {"CONTACTS", true, [](StringView text) { return AreJids(Parts(text, u' ')); },
      "addresses of contacts with blanks between them"},
     {"ROOM", false, IsRoom, "the address of a room: name@server"},
@@ -67,8 +70,10 @@ constexpr ParameterKind kKinds[] = {
     {"VALUES", true, [](StringView text) { return !ParseValues(text).empty(); }, "NAME=VALUE; NAME=VALUE"},
     {"USER", false, IsName, "the name of an account, without @server"},
     {"PASSWORD", true, Anything, "the rest of the line; on a terminal asked for when missing"},
-    {"PRIORITY", false, [](StringView text) { return IsNumber(text, -128, 127); }, "a number from -128 to 127"},
-    {"SECONDS", false, [](StringView text) { return IsNumber(text, 0, kMaxWait); }, "a number from 0 to 86400"},
+    {"PRIORITY", false, [](StringView text) { return IsNumber(text, -128, 127); },
+     "a number from -128 to 127"},
+    {"SECONDS", false, [](StringView text) { return IsNumber(text, 0, kMaxWait); },
+     "a number from 0 to 86400"},
     {"NUMBER", false, [](StringView text) { return IsNumber(text, 0, kMaxWait); }, "a whole number from 0"},
     {"URL", false, IsUrl, "an address such as https://example.org/file"},
     {"NAMESPACE", false, IsNamespace, "the name of an XML namespace with a colon, such as notes:mine"},
@@ -76,8 +81,8 @@ constexpr ParameterKind kKinds[] = {
 };
 
 const ParameterKind& KindOf(std::string_view name) {
-    const auto* found =
-        std::find_if(std::begin(kKinds), std::end(kKinds), [&](const auto& kind) { return kind.name == name; });
+    const auto* found = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                     [&](const auto& kind) { return kind.name == name; });
     if (found == std::end(kKinds)) throw std::logic_error("No kind of parameter " + std::string(name));
     return *found;
 }
@@ -120,7 +125,8 @@ ParsedLine ParseLine(std::string_view usage, StringView line) {
         parsed.values.push_back(value);
     }
     if (!rest.empty()) parsed.complaint = fmt::format("{} is too much.", Utf8FromText(rest));
-    if (parsed.complaint != "PASSWORD is missing." && !parsed.complaint.empty()) parsed.onlyPasswordMissing = false;
+    if (parsed.complaint != "PASSWORD is missing." && !parsed.complaint.empty())
+        parsed.onlyPasswordMissing = false;
     return parsed;
 }
 

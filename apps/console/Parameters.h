@@ -1,5 +1,5 @@
-// What may stand behind the name of a command. A usage line such as "JID [TEXT]" says it all: its words are the
-// kinds of parameters in this table, in brackets when they may be missing.
+// What may stand behind the name of a command. A usage line such as "JID [TEXT]" says it all: its words are
+// the kinds of parameters in this table, in brackets when they may be missing.
 #pragma once
 
 #include <span>
@@ -15,7 +15,7 @@ using Words = std::vector<String>;
 
 struct ParameterKind {
     std::string_view name;
-    bool takesRest;              // of the line, blanks included
+    bool takesRest;  // of the line, blanks included
     bool (*accepts)(StringView value);
     std::string_view help;
 };

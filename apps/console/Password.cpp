@@ -2,10 +2,10 @@
 
 #include <bsd/readpassphrase.h>
 
+#include <string.h>
 #include <array>
 #include <fstream>
 #include <stdexcept>
-#include <string.h>
 
 #include "apps/console/Locale.h"
 

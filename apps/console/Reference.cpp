@@ -36,7 +36,8 @@ std::string OptionTable(const CLI::App& app) {
     std::string text = Table("Option", "Meaning");
     for (const CLI::Option* option : ShownOptions(app)) {
         const std::string value = option->get_items_expected() == 0 ? "" : " VALUE";
-        text += fmt::format("| `{}{}` | {} |\n", option->get_name(false, true), value, Cell(option->get_description()));
+        text += fmt::format("| `{}{}` | {} |\n", option->get_name(false, true), value,
+                            Cell(option->get_description()));
     }
     return text;
 }
@@ -44,7 +45,8 @@ std::string OptionTable(const CLI::App& app) {
 std::string TaskTables(const CLI::App& app) {
     std::string text;
     for (const CLI::App* task : app.get_subcommands({})) {
-        text += fmt::format("\n### {}\n\n{}:\n\n{}", task->get_name(), task->get_description(), OptionTable(*task));
+        text += fmt::format("\n### {}\n\n{}:\n\n{}", task->get_name(), task->get_description(),
+                            OptionTable(*task));
     }
     return text;
 }
@@ -63,19 +65,22 @@ std::string CommandTables() {
 
 std::string ParameterTable() {
     std::string text = Table("Parameter", "Is");
-    for (const ParameterKind& kind : ParameterKinds()) text += fmt::format("| `{}` | {} |\n", kind.name, Cell(kind.help));
+    for (const ParameterKind& kind : ParameterKinds())
+        text += fmt::format("| `{}` | {} |\n", kind.name, Cell(kind.help));
     return text;
 }
 
 std::string EventTable() {
     std::string text = Table("Event", "Means");
-    for (const EventForm& form : EventForms()) text += fmt::format("| `{}` | {} |\n", form.name, Cell(form.help));
+    for (const EventForm& form : EventForms())
+        text += fmt::format("| `{}` | {} |\n", form.name, Cell(form.help));
     return text;
 }
 
 std::string ExitCodeTable() {
     std::string text = Table("Code", "Means");
-    for (const auto& [code, help] : kExitCodes) text += fmt::format("| {} | {} |\n", static_cast<int>(code), help);
+    for (const auto& [code, help] : kExitCodes)
+        text += fmt::format("| {} | {} |\n", static_cast<int>(code), help);
     return text;
 }
 
@@ -140,7 +145,8 @@ std::string Reference(const CLI::App& app, const std::string& kind) {
 
 std::string ExitCodeHelp() {
     std::string text = "Exit codes:\n";
-    for (const auto& [code, help] : kExitCodes) text += fmt::format("  {}  {}\n", static_cast<int>(code), help);
+    for (const auto& [code, help] : kExitCodes)
+        text += fmt::format("  {}  {}\n", static_cast<int>(code), help);
     return text;
 }
 

@@ -41,7 +41,8 @@ std::span<const Command> RoomCommands() {
     static constexpr Command kCommands[] = {
         {"/rooms", "JID", "lists the rooms of a conference server", ListRooms, Command::kAsks},
         {"/look", "ROOM", "lists who is in a room", LookIntoRoom, Command::kAsks},
-        {"/join", "ROOM NICK", "enters a room, or changes the nickname by entering again", Join, Command::kAsks},
+        {"/join", "ROOM NICK", "enters a room, or changes the nickname by entering again", Join,
+         Command::kAsks},
         {"/leave", "ROOM", "leaves a room", Leave},
         {"/say", "ROOM TEXT", "says something to a room", Say},
         {"/nick", "ROOM NICK", "asks a room of the old kind for another nickname", SetNick},

@@ -19,8 +19,8 @@ void RoomDesk::Join(StringView roomJid, StringView nickname) {
 
 RoomDesk::Member* RoomDesk::Find(StringView roomJid) {
     const String jid = ToLower(RemoveResource(roomJid));
-    auto found =
-        std::find_if(rooms_.begin(), rooms_.end(), [&](const Member& known) { return known.room->JID() == jid; });
+    auto found = std::find_if(rooms_.begin(), rooms_.end(),
+                              [&](const Member& known) { return known.room->JID() == jid; });
     return found == rooms_.end() ? nullptr : &*found;
 }
 
@@ -69,7 +69,8 @@ void RoomDesk::OnIncomingXML(StringView XML) {
 
 // -- Looking around --
 
-void RoomDesk::OnChatServerBrowseResult(const std::shared_ptr<cGroupChat>& Room, const NodePtr& /*XMLElement*/) {
+void RoomDesk::OnChatServerBrowseResult(const std::shared_ptr<cGroupChat>& Room,
+                                        const NodePtr& /*XMLElement*/) {
     if (!Room) return Show("no-rooms", {});
     Show("room", {{"jid", Text(Room->JID())},
                   {"name", Text(Room->RoomName())},
@@ -82,7 +83,8 @@ void RoomDesk::OnChatRoomBrowseResult(StringView FromJid, const NodePtr& /*XMLEl
 
 void RoomDesk::OnGroupChatItem(const std::shared_ptr<cBrowseItem>& BrowseItem, StringView FromJid,
                                const NodePtr& /*XMLElement*/) {
-    Show("room-entry", {{"name", Text(BrowseItem->Name())}, {"jid", Text(BrowseItem->JID())}, {"room", Text(FromJid)}});
+    Show("room-entry",
+         {{"name", Text(BrowseItem->Name())}, {"jid", Text(BrowseItem->JID())}, {"room", Text(FromJid)}});
 }
 
 void RoomDesk::OnGCInvite10(StringView RoomJid, StringView FromJid, StringView Body, StringView /*Subject*/,

@@ -23,7 +23,8 @@ public:
                     std::int32_t ItemType, const NodePtr& XMLElement) override;
     void OnIncomingXML(StringView XML) override;
     void OnDisConnected() override { rooms_.clear(); }
-    void OnChatServerBrowseResult(const std::shared_ptr<cGroupChat>& Room, const NodePtr& XMLElement) override;
+    void OnChatServerBrowseResult(const std::shared_ptr<cGroupChat>& Room,
+                                  const NodePtr& XMLElement) override;
     void OnChatRoomBrowseResult(StringView FromJid, const NodePtr& XMLElement) override;
     void OnGroupChatItem(const std::shared_ptr<cBrowseItem>& BrowseItem, StringView FromJid,
                          const NodePtr& XMLElement) override;

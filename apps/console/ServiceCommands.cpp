@@ -44,8 +44,8 @@ void Search(Console& console, const Words& values) {
 void ShowCard(Console& console, const Words& values) {
     cSession& session = console.Session();
     const String address = values[0].empty() ? String() : Concat({u" to='", InXml(session, values[0]), u"'"});
-    session.SendXML(Concat({u"<iq type='get' id='", session.GetNextID(), u"'", address,
-                            u"><vCard xmlns='vcard-temp'/></iq>"}));
+    session.SendXML(Concat(
+        {u"<iq type='get' id='", session.GetNextID(), u"'", address, u"><vCard xmlns='vcard-temp'/></iq>"}));
 }
 
 const CardLine* FindCardLine(StringView name) {
@@ -81,7 +81,8 @@ void Question(Console& console, const Words& values) {
 void Private(Console& console, const Words& values) {
     cSession& session = console.Session();
     const String xmlns = InXml(session, values[0]);
-    if (!values[1].empty()) return session.StorePrivateData(Inserted(session, values[0]), InXml(session, values[1]));
+    if (!values[1].empty())
+        return session.StorePrivateData(Inserted(session, values[0]), InXml(session, values[1]));
     const StringView name = StringView(xmlns).substr(0, xmlns.find(u':'));
     session.SendXML(
         Concat({u"<iq type='get' id='", session.GetNextID(), u"'><query xmlns='jabber:iq:private'><", name,
@@ -111,12 +112,13 @@ std::span<const Command> ServiceCommands() {
         {"/version", "JID", "asks for the software and its version", Question<&cSession::SendVersionRequest>,
          Command::kAsks},
         {"/time", "JID", "asks for the local time", Question<&cSession::SendTimeRequest>, Command::kAsks},
-        {"/last", "JID", "asks how long somebody has been idle or away", Question<&cSession::SendLastSeenRequest>,
-         Command::kAsks},
+        {"/last", "JID", "asks how long somebody has been idle or away",
+         Question<&cSession::SendLastSeenRequest>, Command::kAsks},
         {"/private", "NAMESPACE [TEXT]", "shows what is stored on the server, or stores TEXT", Private,
          Command::kAsks | Command::kSecret},
         {"/offer", "JID URL [TEXT]", "offers a file by its address", Offer},
-        {"/fetched", "JID", "tells that an offered file has been fetched", Question<&cSession::SendOOBComplete>},
+        {"/fetched", "JID", "tells that an offered file has been fetched",
+         Question<&cSession::SendOOBComplete>},
     };
     return kCommands;
 }

@@ -41,11 +41,12 @@ std::span<const CardLine> CardLines() {
 // -- Agents --
 
 void ServiceDesk::OnAgentItem(const std::shared_ptr<cAgentItem>& Agent, const NodePtr& /*XMLElement*/) {
-    Show("agent", {{"jid", Text(Agent->JID())},
-                   {"name", Text(Agent->Name())},
-                   {"abilities", Concat({Agent->CanRegister() ? u" register" : u"", Agent->CanSearch() ? u" search" : u"",
-                                         Agent->IsGroupChat() ? u" rooms" : u"",
-                                         Agent->IsTransport() ? u" gateway" : u""})}});
+    Show("agent",
+         {{"jid", Text(Agent->JID())},
+          {"name", Text(Agent->Name())},
+          {"abilities",
+           Concat({Agent->CanRegister() ? u" register" : u"", Agent->CanSearch() ? u" search" : u"",
+                   Agent->IsGroupChat() ? u" rooms" : u"", Agent->IsTransport() ? u" gateway" : u""})}});
 }
 
 void ServiceDesk::OnAgentEnd() { Show("agents", {{"count", Session().Agents().Count()}}); }
@@ -79,7 +80,8 @@ void ServiceDesk::ContinueRegistration(StringView from) {
     }
     for (const auto& field : agent->Fields()) {
         const bool isSecret = field->Name() == u"password" || field->Name() == u"key";
-        Show("field", {{"name", Text(field->Name())}, {"value", isSecret ? String(u"***") : Text(field->Value())}});
+        Show("field",
+             {{"name", Text(field->Name())}, {"value", isSecret ? String(u"***") : Text(field->Value())}});
     }
     if (!wanted.values.empty()) agent->Update();
 }
@@ -102,16 +104,17 @@ void ServiceDesk::ShowForm() {
         Show("form-field", {{"name", Text(field->FieldName())}, {"label", Text(field->FieldData())}});
     }
     for (const auto& field : Session().SearchXData()->Fields()) {
-        Show("form-field", {{"name", Text(field->Var())}, {"label", Concat({u"(", Text(field->Label()), u")"})}});
+        Show("form-field",
+             {{"name", Text(field->Var())}, {"label", Concat({u"(", Text(field->Label()), u")"})}});
     }
 }
 
 void ServiceDesk::SubmitSearch() {
     const bool asForm = Session().SearchXData()->Fields().Count() > 0;
     const Pending search = std::exchange(search_, {});
-    Session().SendXML(Concat({u"<iq type='set' id='", Session().GetNextID(), u"' to='", InXml(Session(), search.jid),
-                              u"'><query xmlns='jabber:iq:search'>", SearchBody(Session(), search.values, asForm),
-                              u"</query></iq>"}));
+    Session().SendXML(Concat({u"<iq type='set' id='", Session().GetNextID(), u"' to='",
+                              InXml(Session(), search.jid), u"'><query xmlns='jabber:iq:search'>",
+                              SearchBody(Session(), search.values, asForm), u"</query></iq>"}));
 }
 
 void ServiceDesk::OnSearchResults(const std::shared_ptr<cSearchResults>& Searchresults) {

@@ -19,7 +19,8 @@ public:
     void OnGatewayInfo(const NodePtr& XMLElement, StringView Desc) override;
     void OnSearchFields(const std::shared_ptr<cSearchFields>& SearchFields) override;
     void OnSearchResults(const std::shared_ptr<cSearchResults>& Searchresults) override;
-    void OnVCardResult(const std::shared_ptr<cVcard>& Vcard, StringView FromJid, const NodePtr& XMLElement) override;
+    void OnVCardResult(const std::shared_ptr<cVcard>& Vcard, StringView FromJid,
+                       const NodePtr& XMLElement) override;
     void OnIQ(const NodePtr& XMLElement) override;
 
 private:

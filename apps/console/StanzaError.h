@@ -5,8 +5,8 @@
 
 namespace quorix::console {
 
-// The code and the text of a stanza's error (0 and "" when absent), and its condition: the name of the element
-// that says what is wrong ("item-not-found").
+// The code and the text of a stanza's error (0 and "" when absent), and its condition: the name of the
+// element that says what is wrong ("item-not-found").
 struct StanzaError {
     static StanzaError Of(const XmlNode& stanza);
 

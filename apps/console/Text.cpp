@@ -7,7 +7,7 @@ namespace quorix::console {
 
 namespace {
 
-bool TakesWireText(const cSession& /*session*/) { return true; }
+bool TakesWireText(const cSession& session) { return session.Mode() == KV_Classic; }
 
 String Wire(StringView text) { return WireFromBytes(Utf8FromText(text)); }
 

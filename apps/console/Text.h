@@ -1,5 +1,5 @@
-// Between what a user types or reads and what a session takes or tells. The only place of the console that knows
-// that a session of the classic mode has values in wire text, and how each of its members takes them.
+// Between what a user types or reads and what a session takes or tells. The only place of the console that
+// knows that a session of the classic mode has values in wire text, and how each of its members takes them.
 #pragma once
 
 #include "quorix/session/cSession.h"

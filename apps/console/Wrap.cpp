@@ -2,6 +2,8 @@
 
 #include <glib.h>
 
+#include <algorithm>
+
 namespace quorix::console {
 
 namespace {
@@ -43,7 +45,7 @@ int Width(std::string_view utf8) {
 }
 
 std::string Wrap(std::string_view utf8, int columns, int indent) {
-    if (columns > 0 && indent * 2 > columns) indent = 1;
+    if (columns > 0 && indent * 2 > columns) indent = std::min(4, columns / 4);
     const std::string margin(static_cast<std::size_t>(indent), ' ');
     std::string result;
     int room = columns;
