@@ -60,7 +60,10 @@ void Connection::Open() {
 }
 
 void Connection::OpenNew(StringView user, StringView password) {
+    isEndExpected_ = true;
     Session().Disconnect();
+    isEndExpected_ = false;
+    online_ = false;
     options_.user = Utf8FromText(user);
     options_.password = Utf8FromText(password);
     newUser_ = true;
@@ -86,7 +89,7 @@ void Connection::Distrust() {
     const String identity = PeerIdentity();
     const std::string before = known_.Fingerprint(options_.server);
     reason_ = u"the certificate is not trusted";
-    accountCreated_ = true;  // the end of this attempt is told here
+    isEndExpected_ = true;
     Session().Disconnect();
     StopDeadline();
     if (!before.empty()) {
@@ -133,13 +136,13 @@ void Connection::OnAuthorized() {
 
 void Connection::OnNewUserCreated() {
     Show("account-created", {});
-    accountCreated_ = true;
+    isEndExpected_ = true;
     newUser_ = false;
 }
 
 void Connection::OnDisConnected() {
     online_ = false;
-    if (Owner().IsQuitting() || std::exchange(accountCreated_, false)) return;
+    if (Owner().IsQuitting() || std::exchange(isEndExpected_, false)) return;
     const String reason = std::exchange(reason_, String());
     const String told = reason.empty() ? String(u"the server has closed the connection") : reason;
     if (!wasOnline_) return End(ExitCode::network, u"No login", told);

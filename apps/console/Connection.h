@@ -47,7 +47,7 @@ private:
     unsigned deadline_ = 0;
     bool online_ = false;
     bool wasOnline_ = false;
-    bool accountCreated_ = false;  // the connection ends now, and the login follows
+    bool isEndExpected_ = false;  // what follows is told elsewhere
     bool newUser_ = false;
 };
 

@@ -156,10 +156,14 @@ void Console::UpdateStatus() {
 // -- Asking --
 
 void Console::Ask(const std::string& question, std::function<void(bool yes)> then) {
-    if (options_.yes) return then(true);
     terminal_->Ask(question + " [y/N] ", false, [then](const std::optional<std::string>& answer) {
         then(answer && (*answer == "y" || *answer == "Y" || *answer == "yes"));
     });
+}
+
+void Console::Confirm(const std::string& question, std::function<void(bool yes)> then) {
+    if (options_.yes) return then(true);
+    Ask(question, std::move(then));
 }
 
 void Console::AskSecret(const std::string& question, std::function<void(const String& answer)> then) {

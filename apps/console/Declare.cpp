@@ -84,7 +84,7 @@ void DeclareConnection(CLI::App& app, Options& options) {
 
 void DeclareOutput(CLI::App& app, Options& options) {
     app.add_option("--exec", options.script, "reads the commands from this file")->check(CLI::ExistingFile);
-    app.add_flag("--yes", options.yes, "answers yes to every question");
+    app.add_flag("--yes", options.yes, "answers yes to every question before a command");
     app.add_flag("--json", options.json, "one event a line, as JSON");
     app.add_flag("--xml", options.xml, "shows the traffic, with secrets masked");
     app.add_flag("--time{always},--no-time{never}", options.times, "a time before each line, or none");

@@ -49,7 +49,7 @@ constexpr EventForm kForms[] = {
     {"subscription-denied", data, "* {jid} does not let you see when it is there {text}", "... or refused"},
     {"contact", data, "{mark} {name} <{jid}> {show}{groups}{sight}",
      "a contact of the list, or a change of it"},
-    {"contacts", notice, "{count} contacts (/roster lists them).", "the list has arrived"},
+    {"contacts", notice, "Contacts: {count} (/roster lists them).", "the list has arrived"},
     {"contact-received", data, "* {from} sends you a contact: /add {jid} {name}",
      "somebody recommends a contact"},
     // The account

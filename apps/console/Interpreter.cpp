@@ -80,7 +80,7 @@ void Interpreter::AskForPassword(const Command& command, const Words& values) {
 
 void Interpreter::Confirm(const Command& command, const Words& values) {
     if (command.question.empty()) return Run(command, values);
-    console_.Ask(std::string(command.question), [this, &command, values](bool yes) {
+    console_.Confirm(std::string(command.question), [this, &command, values](bool yes) {
         if (yes) return Run(command, values);
         console_.Usage(fmt::format("{}: nothing was done{}.", command.name,
                                    console_.IsInteractive() ? "" : "; in a script it needs --yes"));

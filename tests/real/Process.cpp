@@ -57,7 +57,9 @@ Process::Process(const ProcessSetup& setup) {
 }
 
 bool Process::Running() {
-    if (pid_ != 0 && waitpid(pid_, nullptr, WNOHANG) == pid_) {
+    int status = 0;
+    if (pid_ != 0 && waitpid(pid_, &status, WNOHANG) == pid_) {
+        if (WIFEXITED(status)) exitCode_ = WEXITSTATUS(status);
         kill(-pid_, SIGKILL);
         pid_ = 0;
     }

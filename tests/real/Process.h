@@ -29,11 +29,13 @@ public:
     Process& operator=(const Process&) = delete;
 
     bool Running();
+    int ExitCode() const { return exitCode_; }  // -1 while it runs, and after a signal
     void Signal(int number) const;
     void Kill();  // SIGKILL to the group, and waits for the program's end
 
 private:
     pid_t pid_ = 0;
+    int exitCode_ = -1;
 };
 
 }  // namespace quorix::real

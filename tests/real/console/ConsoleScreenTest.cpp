@@ -1,0 +1,112 @@
+// The console client as a person sees it, on terminals of two sizes and two locales.
+#include <gmock/gmock.h>
+
+#ifdef QUORIX_CONSOLE
+
+#include "testkit/Certificates.h"
+#include "testkit/LoopbackServer.h"
+#include "tests/real/Person.h"
+#include "tests/real/RunUntil.h"
+#include "tests/real/console/ConsoleProgram.h"
+#include "tests/real/console/ConsoleScreen.h"
+
+namespace quorix::real {
+namespace {
+
+using namespace testkit;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class ConsoleOnATerminal : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!ConsoleScreen::IsPossible()) SkipOrFail("needs /usr/bin/tmux");
+        server->AddAccount(u"juliet", {u"secret"});
+        port = server->Start();
+    }
+
+    std::vector<std::string> Login(std::vector<std::string> more = {}) {
+        return LoginOptions(port, "juliet", std::move(more));
+    }
+
+    int port = 0;
+    std::shared_ptr<LoopbackServer> server = LoopbackServer::Create();
+};
+
+TEST_F(ConsoleOnATerminal, KeepsPromptAndStatusBelowWhatItPrints) {
+    for (const auto& [size, locale] :
+         {std::pair(ConsoleScreen::Size{80, 24}, "C.UTF-8"), std::pair(ConsoleScreen::Size{40, 10}, "C")}) {
+        const ConsoleScreen screen(size, Login(), locale);
+        ASSERT_TRUE(screen.Shows("Logged in as juliet@localhost/console."));
+        screen.Enter("/bogus");
+        ASSERT_TRUE(screen.Shows("! There is no command /bogus"));
+        EXPECT_THAT(screen.Text(), Not(HasSubstr("> /bogus>")));
+        EXPECT_TRUE(RunUntil([&] { return screen.LastLine() == ">"; })) << screen.Text();
+        screen.Type("/msg half a line");
+        ASSERT_TRUE(screen.Shows("> /msg half a line"));
+        screen.Resize({size.columns / 2 + 15, size.rows});
+        server->DropConnections();
+        ASSERT_TRUE(screen.Shows("Disconnected: "));
+        EXPECT_TRUE(screen.Shows("offline"));
+        EXPECT_TRUE(RunUntil([&] { return screen.LastLine() == "> /msg half a line"; })) << screen.Text();
+        screen.Press("C-u");
+        screen.Enter("/quit");
+        EXPECT_TRUE(screen.Ended());
+    }
+}
+
+TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
+    const ConsoleScreen screen({}, Login());
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    server->DropConnections();
+    ASSERT_TRUE(screen.Shows("Disconnected: "));
+    screen.Enter("/msg echo@localhost dropped");
+    ASSERT_TRUE(screen.Shows("Not connected. Do this when the connection is back?"));
+    screen.Enter("n");
+    ASSERT_TRUE(screen.Shows("It was dropped."));
+    screen.Enter("/unregister");
+    screen.Enter("n");
+    EXPECT_TRUE(screen.Shows("/unregister"));
+}
+
+TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
+    const ConsoleScreen screen({}, Login());
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    screen.Enter("/passwd");
+    ASSERT_TRUE(screen.Shows("Password:"));
+    screen.Enter("new hidden");
+    ASSERT_TRUE(screen.Shows("Once more:"));
+    screen.Enter("new hidden");
+    ASSERT_TRUE(screen.Shows("Password changed."));
+    screen.Enter("/passwd typed hidden");
+    ASSERT_TRUE(screen.Shows("> /passwd ***"));
+    screen.Press("Up");
+    EXPECT_TRUE(screen.Shows("> /passwd ***"));
+    EXPECT_THAT(screen.Text(), Not(HasSubstr("hidden")));
+    screen.Press("C-u");
+    screen.Enter("/unregister");
+    ASSERT_TRUE(screen.Shows("for good. Go on? [y/N]"));
+    screen.Enter("n");
+    EXPECT_TRUE(screen.Shows("/unregister: nothing was done."));
+}
+
+TEST_F(ConsoleOnATerminal, CompletesAndTalksToOnePartner) {
+    const ConsoleScreen screen({}, Login());
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    screen.Enter("/msg echo@localhost ä😀 first");
+    ASSERT_TRUE(screen.Shows("me to echo@localhost: ä😀 first") && screen.Shows("1 unread"));
+    screen.Type("/chat e");
+    screen.Press("Tab");
+    screen.Press("Enter");
+    ASSERT_TRUE(RunUntil([&] { return screen.LastLine() == "echo>"; })) << screen.Text();
+    EXPECT_THAT(screen.Text(), Not(HasSubstr("unread")));
+    screen.Enter("just typed");
+    EXPECT_TRUE(screen.Shows("me to echo@localhost: just typed"));
+    screen.Enter("/w");
+    EXPECT_TRUE(screen.Shows("1 echo@localhost <- here"));
+}
+
+}  // namespace
+}  // namespace quorix::real
+
+#endif
