@@ -4,6 +4,7 @@
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
+#include <atomic>
 #include <fstream>
 
 namespace quorix::testkit {
@@ -27,7 +28,7 @@ void Extend(X509* certificate, int kind, const std::string& value) {
 }
 
 long NextSerial() {
-    static long last = 0;
+    static std::atomic<long> last = 0;
     return ++last;
 }
 

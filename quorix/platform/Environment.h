@@ -48,6 +48,10 @@ struct Address {
 // The shortest interval of a timer, in milliseconds; a shorter one counts as this.
 constexpr std::int32_t kShortestInterval = 10;
 
+// How many unread bytes are taken off a connection at most when it is closed. Closing it with unread bytes
+// would reset it, and the peer would lose what was sent last.
+constexpr std::size_t kMostDrained = 1'000'000;
+
 // What a transfer did: the count of bytes, or -1 and an error. A receive of 0 bytes is the end of the stream.
 struct Transfer {
     std::int32_t count = 0;
@@ -117,7 +121,8 @@ public:
     // the reader itself holds some. SOCK_Close waits until then.
     virtual void ReadAgain(SocketId socket) = 0;
 
-    // Stops every notification and timer of the socket, those already queued included, and closes it.
+    // Stops every notification and timer of the socket, those already queued included, and closes it. What
+    // was sent still reaches the peer, unread bytes or not; nothing is waited for.
     virtual void Close(SocketId socket) = 0;
 
     // Chooses the events (a sum of eSocketEvent) that are notified, and makes the socket non-blocking. With

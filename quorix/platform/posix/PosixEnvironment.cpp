@@ -82,6 +82,14 @@ void SendAtOnce(int descriptor) {
     setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
+void EndSendingAndDrain(int descriptor) {
+    shutdown(descriptor, SHUT_WR);
+    std::array<char, 16384> unread;
+    for (std::size_t taken = 0; taken < kMostDrained; taken += unread.size()) {
+        if (recv(descriptor, unread.data(), unread.size(), MSG_DONTWAIT) <= 0) return;
+    }
+}
+
 bool IsMainThread() { return gettid() == getpid(); }
 
 }  // namespace
@@ -215,6 +223,7 @@ void PosixEnvironment::Close(SocketId socket) {
     auto found = sockets_.find(socket);
     if (found != sockets_.end()) {
         found->second->Deselect();
+        if (found->second->IsConnected()) EndSendingAndDrain(socket);
         KillSocketTimer(socket, {});
         sockets_.erase(found);
     }

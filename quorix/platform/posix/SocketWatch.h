@@ -27,6 +27,7 @@ public:
     void Deselect();
     bool IsSelected() const { return sink_ != nullptr; }
 
+    bool IsConnected() const { return phase_ == Phase::Connected; }
     void EnterPhase(Phase phase);
     // The connection attempt has ended already; the pump still has to say so.
     void ConnectEnded(std::int32_t error);

@@ -53,6 +53,16 @@ Transfer Transferred(int count) {
     return {count, SOCKERR_None};
 }
 
+void EndSendingAndDrain(SOCKET socket) {
+    constexpr int sending = 1;
+    u_long nonBlocking = 1;
+    if (shutdown(socket, sending) != 0 || ioctlsocket(socket, FIONBIO, &nonBlocking) != 0) return;
+    char unread[16384];
+    for (std::size_t taken = 0; taken < kMostDrained; taken += sizeof unread) {
+        if (recv(socket, unread, sizeof unread, 0) <= 0) return;
+    }
+}
+
 std::int32_t Wait(SocketId socket, std::int32_t milliseconds, bool forWriting) {
     fd_set wanted;
     FD_ZERO(&wanted);
@@ -138,6 +148,8 @@ public:
     void ReadAgain(SocketId socket) override { windows::NotifyReadAgain(socket); }
 
     void Close(SocketId socket) override {
+        WSAAsyncSelect(Native(socket), nullptr, 0, 0);  // or draining is notified
+        EndSendingAndDrain(Native(socket));
         closesocket(Native(socket));
         windows::DisownSocket(socket);
     }

@@ -1,7 +1,9 @@
 // The socket on the system's own sockets and message loop.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 
+#include <array>
 #include <ctime>
 
 #include "quorix/net/mSocketSSL.h"
@@ -58,11 +60,29 @@ TEST_F(Loopback, CarriesBytesBothWaysAlsoForAPumpInsideAHandlerAndCloses) {
     EXPECT_EQ(client->log, (Log{"data:answer", "closed"}));
 }
 
+// A reset would take the last word from a peer that has not read it yet.
+TEST_F(Loopback, ClosingWithUnreadBytesIsNoReset) {
+    Establish();
+    server->on["data"] = [&] {
+        server->socket->SendData(u"good-bye");
+        server->socket->Disconnect();
+    };
+    SocketId peer = client->socket->SocketHandle();
+    client->socket->SocketHandle(0);  // read below, by bare calls
+    std::string unread(5000, 'x');
+    send(peer, unread.data(), unread.size(), 0);
+    ASSERT_TRUE(RunUntil([&] { return !server->log.empty(); }));
+    std::array<char, 100> heard;
+    EXPECT_EQ(recv(peer, heard.data(), heard.size(), 0), 8);
+    EXPECT_EQ(recv(peer, heard.data(), heard.size(), 0), 0);
+    Environment::Current().Close(peer);
+}
+
 TEST_F(Loopback, AResetIsAClosing) {
     Establish();
-    client->socket->SendData(u"unread");  // closing with unread data resets the connection
-    server->on["data"] = [&] { server->socket->Disconnect(); };
-    client->socket->SendBytes(std::string(5000, 'x'));
+    linger atOnce{1, 0};
+    setsockopt(server->socket->SocketHandle(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    server->socket->Disconnect();
     ASSERT_TRUE(RunUntil([&] { return !client->log.empty(); }));
     EXPECT_EQ(client->log, Log{"closed"});
     client->socket->SendData(u"nobody takes this, and no signal is raised");
