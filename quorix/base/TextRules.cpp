@@ -18,9 +18,12 @@ public:
                 if (!AppendEncoded(xml, value, true)) AppendGuarded(xml, value, place);
                 return;
             case Put::Held: return AppendEscaped(xml, value, place);
+            case Put::Text:
+                if (!AppendEncoded(xml, value, place)) AppendEscaped(xml, value, place);
+                return;
         }
     }
-    String ToNode(StringView text) const override { return EncodeUTF8(text, false); }
+    String ToNode(StringView text) const override { return WithoutForbidden(EncodeUTF8(text, false)); }
     String Read(StringView received) const override { return DecodeUTF8(received, true); }
     std::string ToBytes(StringView xml) const override { return BytesFromWire(xml); }
 };
@@ -30,7 +33,7 @@ public:
     void Append(String& xml, StringView value, Put /*put*/, Place place) const override {
         AppendEscaped(xml, value, place);
     }
-    String ToNode(StringView text) const override { return String(text); }
+    String ToNode(StringView text) const override { return WithoutForbidden(text); }
     String Read(StringView received) const override { return String(received); }
     std::string ToBytes(StringView xml) const override { return Utf8FromText(xml); }
 };

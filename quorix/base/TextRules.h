@@ -14,13 +14,15 @@
 
 namespace quorix {
 
-// How the classic manner puts a value; the modern one needs no telling. What the codec gives up is put Raw.
+// How the classic manner puts a value; the modern one needs no telling. What the codec gives up is put as it
+// would be without the codec.
 enum class Put {
     Own,      // as it is, whatever becomes of the stanza: the account's own name and passwords
     Raw,      // as it is, as far as it can stand in its place
     Encoded,  // through EncodeUTF8, as far as that can stand in its place
     Escaped,  // through EncodeUTF8 with escaping
-    Held,     // as a node that holds it is written: escaped, and no more
+    Held,     // as the serializer writes a node that holds it
+    Text,     // as the serializer writes a node that holds it by ToNode
 };
 
 class TextRules {
@@ -30,7 +32,7 @@ public:
     // Appends `value` to the text of a stanza. Every sender puts every value by this.
     virtual void Append(String& xml, StringView value, Put put, Place place) const = 0;
 
-    // A text as a node of a stanza holds it.
+    // A text as a node of a stanza holds it: without what XML cannot hold.
     virtual String ToNode(StringView text) const = 0;
 
     // A value as received, from a node, as text.

@@ -1,7 +1,6 @@
 #include "quorix/base/XmlText.h"
 
 #include <algorithm>
-#include <array>
 
 namespace quorix {
 
@@ -15,22 +14,15 @@ bool IsLoneHalf(StringView text, std::size_t at) {
     return IsLowHalf(text[at]) && (at == 0 || !IsHighHalf(text[at - 1]));
 }
 
-// What may be more than itself in some place. All other characters are copied in runs.
-constexpr std::array<bool, 64> kSuspects = [] {
-    std::array<bool, 64> suspects{};
-    for (unsigned unit = 0; unit < 0x20; ++unit) suspects[unit] = true;
-    for (char c : {'&', '<', '>', '"', '\''}) suspects[static_cast<unsigned>(c)] = true;
-    return suspects;
-}();
+// What stands for itself in every place. It is copied in runs.
+bool IsPlain(char16_t unit) { return IsPlainAscii(unit) || (unit >= 0x80 && unit < 0xD800); }
 
-constexpr bool IsSuspect(char16_t unit) { return unit < 64 ? kSuspects[unit] : unit >= 0xD800; }
-
-// Appends `value`, with `replace(at)` in place of a suspect wherever that is not empty.
+// Appends `value`, with `replace(at)` for the unit there wherever that is not empty.
 template <class Replace>
 void AppendReplaced(String& out, StringView value, Replace replace) {
     std::size_t copied = 0;
     for (std::size_t at = 0; at < value.size(); ++at) {
-        if (!IsSuspect(value[at])) continue;
+        if (IsPlain(value[at])) continue;
         StringView replacement = replace(at);
         if (replacement.empty()) continue;
         out.append(value, copied, at - copied);
@@ -99,7 +91,7 @@ bool HasForbidden(StringView text) { return std::any_of(text.begin(), text.end()
 String WithoutForbidden(StringView text) {
     String result(text);
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (!IsSuspect(text[at])) continue;
+        if (IsPlain(text[at])) continue;
         if (IsForbidden(text[at]) || IsLoneHalf(text, at)) result[at] = kReplacement;
     }
     return result;

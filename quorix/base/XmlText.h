@@ -1,6 +1,8 @@
 // What XML makes of single characters: which of them cannot be in it, and which are written as references.
 #pragma once
 
+#include <array>
+
 #include "quorix/base/String.h"
 
 namespace quorix {
@@ -17,6 +19,15 @@ inline constexpr StringView kWireReplacement = u"\u00EF\u00BF\u00BD";
 constexpr bool IsForbidden(char16_t unit) {
     return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
 }
+
+// The ASCII characters that stand for themselves everywhere: no control characters, and no & < > " '.
+inline constexpr std::array<bool, 128> kPlainAscii = [] {
+    std::array<bool, 128> plain{};
+    for (std::size_t c = 0x20; c < plain.size(); ++c) plain[c] = true;
+    for (char c : {'&', '<', '>', '"', '\''}) plain[static_cast<std::size_t>(c)] = false;
+    return plain;
+}();
+constexpr bool IsPlainAscii(char16_t unit) { return unit < kPlainAscii.size() && kPlainAscii[unit]; }
 
 // Whether IsForbidden says so of a unit of `text`.
 bool HasForbidden(StringView text);

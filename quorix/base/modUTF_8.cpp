@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "quorix/base/XmlText.h"
-
 namespace quorix {
 
 namespace {
@@ -21,10 +19,6 @@ constexpr StringView EntityOf(char16_t unit) {
         case u'\'': return u"&apos;";
         default: return {};
     }
-}
-
-bool StaysAsItIs(char16_t unit, bool escape) {
-    return unit >= 0x20 && unit < 0x80 && !(escape && unit < 0x40 && !EntityOf(unit).empty());
 }
 
 void AppendSequence(String& out, unsigned unit) {
@@ -62,7 +56,47 @@ bool IsWire(StringView text) {
 }
 
 bool IsAscii(StringView text) {
-    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 128; });
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
+}
+
+bool FitsCodec(StringView text, bool escape) {
+    constexpr std::size_t kLongestEntity = 6;
+    if (!escape || text.size() <= kMaxCodecUnits / kLongestEntity) return text.size() <= kMaxCodecUnits;
+    std::size_t units = text.size();
+    for (char16_t unit : text) units += std::max<std::size_t>(EntityOf(unit).size(), 1) - 1;
+    return units <= kMaxCodecUnits;
+}
+
+// Appends the wire form of `text`, with `reference(unit)` for a unit wherever that is not empty. False where
+// a unit has none.
+template <class Reference>
+bool AppendWire(String& out, StringView text, Reference reference) {
+    std::size_t copied = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char16_t unit = text[at];
+        if (IsPlainAscii(unit)) continue;
+        out.append(text, copied, at - copied);
+        copied = at + 1;
+        if (StringView entity = reference(unit); !entity.empty()) {
+            out.append(entity);
+        } else if (IsForbidden(unit)) {
+            out.append(kWireReplacement);
+        } else if (unit < kUnitLimit) {
+            AppendSequence(out, unit);
+        } else {
+            return false;
+        }
+    }
+    out.append(text, copied);
+    return true;
+}
+
+template <class Reference>
+bool AppendWireOrNothing(String& out, StringView text, Reference reference) {
+    const std::size_t before = out.size();
+    if (AppendWire(out, text, reference)) return true;
+    out.resize(before);
+    return false;
 }
 
 // The character whose entity, but for its "&", `text` begins with, and that entity's length; "&amp;" aside.
@@ -108,29 +142,13 @@ String XmlUnescape(StringView text) {
 }
 
 bool AppendEncoded(String& out, StringView text, bool escape) {
-    const std::size_t before = out.size();
-    std::size_t units = text.size();  // after escaping
-    std::size_t copied = 0;
-    for (std::size_t at = 0; at < text.size() && units <= kMaxCodecUnits; ++at) {
-        const char16_t unit = text[at];
-        if (StaysAsItIs(unit, escape)) continue;
-        out.append(text, copied, at - copied);
-        copied = at + 1;
-        StringView entity = escape ? EntityOf(unit) : StringView();
-        if (!entity.empty()) {
-            out.append(entity);
-            units += entity.size() - 1;
-        } else if (IsForbidden(unit)) {
-            out.append(kWireReplacement);
-        } else if (unit < kUnitLimit) {
-            AppendSequence(out, unit);
-        } else {
-            units = kMaxCodecUnits + 1;
-        }
-    }
-    const bool done = units <= kMaxCodecUnits;
-    done ? void(out.append(text, copied)) : out.resize(before);
-    return done;
+    return FitsCodec(text, escape) &&
+           AppendWireOrNothing(out, text, [=](char16_t c) { return escape ? EntityOf(c) : StringView(); });
+}
+
+bool AppendEncoded(String& xml, StringView text, Place place) {
+    return FitsCodec(text, false) &&
+           AppendWireOrNothing(xml, text, [=](char16_t c) { return ReferenceOf(c, place); });
 }
 
 String EncodeUTF8(StringView text, bool escape) {

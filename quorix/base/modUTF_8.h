@@ -3,6 +3,7 @@
 #pragma once
 
 #include "quorix/base/String.h"
+#include "quorix/base/XmlText.h"
 
 namespace quorix {
 
@@ -16,6 +17,10 @@ String EncodeUTF8(StringView text, bool escape);
 
 // Appends what EncodeUTF8 would return, or nothing and false when that is `text` unchanged.
 bool AppendEncoded(String& out, StringView text, bool escape);
+
+// Appends what EncodeUTF8 would return without escaping, with the references of `place` (XmlText.h); or
+// nothing and false when that is `text` unchanged.
+bool AppendEncoded(String& xml, StringView text, Place place);
 
 // Wire text to text; with `unescape`, through XmlUnescape afterwards. Continuation bytes are not checked. A
 // sequence that is cut off at the end or whose value exceeds 32767, or an input of more than kMaxCodecUnits

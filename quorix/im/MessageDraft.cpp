@@ -11,11 +11,11 @@ constexpr std::size_t kMarkup = 100;  // what the tags take at most
 StanzaPart Attribute(StringView value) { return DoubleQuoted(value, Put::Held); }
 
 void AppendBody(String& xml, const TextRules& rules, StringView body) {
-    if (!body.empty()) Extend(xml, rules, {u"<body>", Content(body, Put::Held), u"</body>"});
+    if (!body.empty()) Extend(xml, rules, {u"<body>", Content(body, Put::Text), u"</body>"});
 }
 
 void AppendSubject(String& xml, const TextRules& rules, StringView subject) {
-    if (!subject.empty()) Extend(xml, rules, {u"<subject>", Content(subject, Put::Held), u"</subject>"});
+    if (!subject.empty()) Extend(xml, rules, {u"<subject>", Content(subject, Put::Text), u"</subject>"});
 }
 
 }  // namespace

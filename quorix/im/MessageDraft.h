@@ -6,14 +6,14 @@
 
 namespace quorix {
 
-// All values are what a node would hold.
+// All values are as they were given.
 struct MessageDraft {
     String id;
     String type;
     String to;
     String from;
-    String body;
-    String subject;
+    String body;                // text
+    String subject;             // text
     bool subjectFirst = false;  // its element was made before that of the body
 
     // The text of the element, as the serializer would write it.

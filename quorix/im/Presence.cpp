@@ -35,7 +35,7 @@ void AddressTo(String& xml, const TextRules& rules, StringView jid, const Presen
 
 void AppendStatus(String& xml, const TextRules& rules, StringView status) {
     if (status.empty()) return void(xml += u"<status/>");
-    Extend(xml, rules, {u"<status>", Content(rules.ToNode(status), Put::Held), u"</status>"});
+    Extend(xml, rules, {u"<status>", Content(status, Put::Text), u"</status>"});
 }
 
 std::int32_t ShowOf(StringView text, std::int32_t otherwise) {

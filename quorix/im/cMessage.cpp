@@ -41,8 +41,7 @@ XmlNode AppendRecipient(XmlNode list, StringView kind, StringView jid) {
 std::shared_ptr<cMessage> cMessage::Create(const std::shared_ptr<SessionLink>& session) {
     MessageDraft draft;
     draft.id = session->GetNextID();
-    draft.from =
-        WithoutForbidden(Concat({session->MyJid(), u"/", session->Text().ToNode(session->Resource())}));
+    draft.from = Concat({session->MyJid(), u"/", session->Text().ToNode(session->Resource())});
     return std::shared_ptr<cMessage>(new cMessage(session, std::move(draft)));
 }
 
@@ -62,22 +61,22 @@ const NodePtr& cMessage::Node() const {
 }
 
 String cMessage::Attribute(const Field& field) const {
-    return draft_ ? *draft_.*field.value : Root().Attribute(field.name);
+    return draft_ ? WithoutForbidden(*draft_.*field.value) : Root().Attribute(field.name);
 }
 
 void cMessage::Attribute(const Field& field, StringView value) {
     if (!draft_) return Root().SetAttribute(field.name, value);
-    *draft_.*field.value = WithoutForbidden(value);
+    *draft_.*field.value = value;
 }
 
 String cMessage::ChildText(const Field& field) const {
-    return text_.Read(draft_ ? *draft_.*field.value : Root().Child(field.name).Text());
+    return text_.Read(draft_ ? text_.ToNode(*draft_.*field.value) : Root().Child(field.name).Text());
 }
 
 void cMessage::ChildText(const Field& field, StringView value) {
     if (value.empty()) return;
     if (draft_) {
-        *draft_.*field.value = WithoutForbidden(text_.ToNode(value));
+        *draft_.*field.value = value;
         draft_->subjectFirst |= draft_->body.empty();
         return;
     }
