@@ -32,9 +32,9 @@ void ListChats(Console& console, const Words& values) {
         const Chat& chat = all[index];
         console.Show("chat", {{"number", index + 1},
                               {"jid", chat.jid},
-                              {"unread", chat.unread > 0 ? fmt::format(" ({} unread)", chat.unread) : ""},
-                              {"current", &chat == chats.Current() ? u" <- here" : u""},
-                              {"waiting", chat.unread}});
+                              {"_unread", chat.unread > 0 ? fmt::format(" ({} unread)", chat.unread) : ""},
+                              {"_current", &chat == chats.Current() ? u" <- here" : u""},
+                              {"unread", chat.unread}});
     }
 }
 

@@ -101,7 +101,7 @@ void ChatDesk::ShowMessage(cMessage& message, const String& from) {
                          {"markup", message.XHTML()}};
     Fields fields{{"from", SenderName(from, type)},
                   {"text", message.Body()},
-                  {"more", Remarks(remarks)},
+                  {"_more", Remarks(remarks)},
                   {"jid", from},
                   {"type", std::string(TypeName(type))},
                   {"id", Text(message.ID())},

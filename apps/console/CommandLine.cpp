@@ -23,10 +23,10 @@ namespace {
 // "USER@SERVER/RESOURCE" fills what is not given by itself. With an address, --server is only where to
 // connect.
 void ApplyAddress(Options& options) {
-    const String jid = TextFromUtf8(options.account);
+    const String jid = TextFromUtf8(options.jid.empty() ? options.account : options.jid);
     const std::size_t at = jid.find(u'@');
     if (at == String::npos) return;
-    if (!IsJid(jid)) throw std::runtime_error(options.account + " is no address of an account");
+    if (!IsJid(jid)) throw std::runtime_error(Utf8FromText(jid) + " is no address of an account");
     const String bare = RemoveResource(jid);
     options.user = Utf8FromText(bare.substr(0, at));
     if (options.server.empty()) options.server = Utf8FromText(bare.substr(at + 1));

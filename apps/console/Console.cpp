@@ -32,10 +32,10 @@ OutputStyle StyleOf(const Options& options, bool onTerminal) {
     const bool canColor = onTerminal && (noColor == nullptr || *noColor == '\0') && kind != nullptr &&
                           std::string_view(kind) != "dumb";
     return {options.json, Chosen(options.times, onTerminal), Chosen(options.color, canColor),
-            options.bell && onTerminal};
+            options.bell && onTerminal, options.task != Options::Task::chat};
 }
 
-// A source of the message loop that calls `then` once after `seconds`.
+// Calls `then` once after `seconds`, from the message loop.
 void After(unsigned seconds, std::function<void()> then) {
     auto run = [](gpointer call) -> gboolean {
         (*static_cast<std::function<void()>*>(call))();

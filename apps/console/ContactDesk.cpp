@@ -12,6 +12,22 @@ String Names(const Collection<String>& groups) {
     return names;
 }
 
+String Joined(const Collection<String>& groups) {
+    String names;
+    for (const String& group : groups) names += Concat({names.empty() ? u"" : u"; ", group});
+    return names;
+}
+
+std::string_view Name(eSubscriptionType subscription) {
+    switch (subscription) {
+        case KV_To: return "to";
+        case KV_From: return "from";
+        case KV_Both: return "both";
+        case KV_Remove: return "remove";
+        default: return "none";
+    }
+}
+
 StringView Sight(eSubscriptionType subscription) {
     switch (subscription) {
         case KV_To: return u", does not see you";
@@ -75,10 +91,13 @@ void ContactDesk::OnRosterItem(const std::shared_ptr<cRosterItem>& RosterItem,
     const bool isAsked = RosterItem->Ask() == u"subscribe" && XMLElement->Root().HasAttribute(u"ask");
     Show("contact", {{"jid", Text(RosterItem->JID())},
                      {"name", RosterItem->NickName()},
-                     {"mark", PresenceItem ? u"+" : u"-"},
+                     {"_mark", PresenceItem ? u"+" : u"-"},
                      {"show", PresenceItem ? Mood(*PresenceItem) : StringView(u"offline")},
-                     {"groups", Names(RosterItem->Groups())},
-                     {"sight", Concat({Sight(RosterItem->Subscription()), isAsked ? u", asked" : u""})}});
+                     {"_groups", Names(RosterItem->Groups())},
+                     {"_sight", Concat({Sight(RosterItem->Subscription()), isAsked ? u", asked" : u""})},
+                     {"groups", Joined(RosterItem->Groups())},
+                     {"subscription", std::string(Name(RosterItem->Subscription()))},
+                     {"asked", isAsked}});
 }
 
 void ContactDesk::OnRosterEnd() {

@@ -57,7 +57,7 @@ std::string CheckProxy(const std::string& text) { return ParseProxy(text) ? "" :
 void DeclareAccount(CLI::App& app, Options& options) {
     app.add_option("account,-a,--account", options.account,
                    "USER@SERVER[/RESOURCE], or the name of an account in the configuration");
-    app.add_option("--jid", options.account, "the account's address, in the configuration")->group("");
+    app.add_option("--jid", options.jid, "the account's address, in the configuration")->group("");
     app.add_option("--user", options.user, "the name before the @, when no ACCOUNT is given");
     app.add_option("--server", options.server,
                    "the server; its host when it is not the account's own domain");
@@ -110,8 +110,7 @@ void DeclareTasks(CLI::App& app, Options& options) {
 
 void Declare(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "quorix-console " QUORIX_VERSION);
-    app.set_config("--config", ConfigFile(), "the configuration file")
-        ->default_str("~/.config/quorix/console.toml");
+    app.set_config("--config", ConfigFile(), "the configuration file");
     app.config_formatter(std::make_shared<AccountConfig>(app));
     DeclareAccount(app, options);
     DeclareConnection(app, options);

@@ -13,7 +13,9 @@
 
 namespace quorix::console {
 
-// One named value of an event. Text is UTF-8, as it came: whoever shows it cleans it.
+// One named value of an event. Text is UTF-8, as it came: whoever shows it cleans it. Those whose name begins
+// with
+// "_" are words for people, made of others.
 struct Field {
     Field(const char* fieldName, StringView text);
     Field(const char* fieldName, std::string text) : name(fieldName), value(std::move(text)) {}

@@ -10,6 +10,7 @@ struct Options {
     enum class Task { chat, send, listen };
 
     std::string account;  // USER@SERVER[/RESOURCE] or the name of an account in the configuration
+    std::string jid;      // the address, when the account has a name
     std::string domain;   // of the account
     std::string server;   // where to connect
     std::uint16_t port = 0;

@@ -40,6 +40,7 @@ std::string Json(const EventForm& form, const Fields& fields) {
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     ordered_json event{{"event", form.name}, {"time", fmt::format("{:%FT%TZ}", now)}};
     for (const Field& field : fields) {
+        if (field.name[0] == '_') continue;
         std::visit([&](const auto& value) { event[field.name] = value; }, field.value);
     }
     return event.dump(-1, ' ', true, ordered_json::error_handler_t::replace);
@@ -71,6 +72,7 @@ void Output::Show(std::string_view name, const Fields& fields) {
     hadError_ = hadError_ || form.kind == EventKind::error;
     if (style_.json) return terminal_.Print(Json(form, fields));
     if (form.kind == EventKind::echo && !terminal_.IsInteractive()) return;
+    if (form.kind == EventKind::notice && style_.quiet) return;
     ShowLine(form, fields);
     if (style_.bell && name == "message") terminal_.Bell();
 }

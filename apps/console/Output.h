@@ -13,6 +13,7 @@ struct OutputStyle {
     bool times = false;
     bool colors = false;
     bool bell = false;
+    bool quiet = false;  // no notices
 };
 
 class Output {

@@ -32,12 +32,18 @@ std::vector<const CLI::Option*> ShownOptions(const CLI::App& app) {
     return app.get_options([](const CLI::Option* option) { return !option->get_group().empty(); });
 }
 
+std::string NamesOf(const CLI::Option& option) {
+    std::string names;
+    for (const std::string& name : option.get_snames()) names += ", -" + name;
+    for (const std::string& name : option.get_lnames()) names += ", --" + name;
+    return names.empty() ? option.get_name() : names.substr(2);
+}
+
 std::string OptionTable(const CLI::App& app) {
     std::string text = Table("Option", "Meaning");
     for (const CLI::Option* option : ShownOptions(app)) {
         const std::string value = option->get_items_expected() == 0 ? "" : " VALUE";
-        text += fmt::format("| `{}{}` | {} |\n", option->get_name(false, true), value,
-                            Cell(option->get_description()));
+        text += fmt::format("| `{}{}` | {} |\n", NamesOf(*option), value, Cell(option->get_description()));
     }
     return text;
 }

@@ -74,7 +74,8 @@ void RoomDesk::OnChatServerBrowseResult(const std::shared_ptr<cGroupChat>& Room,
     if (!Room) return Show("no-rooms", {});
     Show("room", {{"jid", Text(Room->JID())},
                   {"name", Text(Room->RoomName())},
-                  {"private", Room->ServerType() == KV_Private ? u" private" : u""}});
+                  {"_private", Room->ServerType() == KV_Private ? u" private" : u""},
+                  {"private", Room->ServerType() == KV_Private}});
 }
 
 void RoomDesk::OnChatRoomBrowseResult(StringView FromJid, const NodePtr& /*XMLElement*/) {

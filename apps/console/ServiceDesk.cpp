@@ -44,9 +44,13 @@ void ServiceDesk::OnAgentItem(const std::shared_ptr<cAgentItem>& Agent, const No
     Show("agent",
          {{"jid", Text(Agent->JID())},
           {"name", Text(Agent->Name())},
-          {"abilities",
+          {"_abilities",
            Concat({Agent->CanRegister() ? u" register" : u"", Agent->CanSearch() ? u" search" : u"",
-                   Agent->IsGroupChat() ? u" rooms" : u"", Agent->IsTransport() ? u" gateway" : u""})}});
+                   Agent->IsGroupChat() ? u" rooms" : u"", Agent->IsTransport() ? u" gateway" : u""})},
+          {"register", Agent->CanRegister()},
+          {"search", Agent->CanSearch()},
+          {"rooms", Agent->IsGroupChat()},
+          {"gateway", Agent->IsTransport()}});
 }
 
 void ServiceDesk::OnAgentEnd() { Show("agents", {{"count", Session().Agents().Count()}}); }
@@ -124,7 +128,9 @@ void ServiceDesk::OnSearchResults(const std::shared_ptr<cSearchResults>& Searchr
         for (const auto& field : *hit->Fields()) {
             if (!field->FieldData().empty()) values += Concat({u" | ", Text(field->FieldData())});
         }
-        Show("hit", {{"jid", Text(hit->SearchItem())}, {"values", values}});
+        Show("hit", {{"jid", Text(hit->SearchItem())},
+                     {"_values", values},
+                     {"values", values.empty() ? values : values.substr(3)}});
     }
 }
 
