@@ -18,6 +18,13 @@ TEST(Codec, EncodesAndDecodesUnitsOfOneToThreeBytes) {
     }
 }
 
+TEST(Codec, ReplacesWhatXmlCannotHold) {
+    const String replacement = u"\u00EF\u00BF\u00BD";
+    EXPECT_EQ(EncodeUTF8(StringView(u"\0\x1F<\t\r\n", 6), true), replacement + replacement + u"&lt;\t\r\n");
+    EXPECT_EQ(EncodeUTF8(u"\uFFFE\u00E9\uFFFF", false), replacement + u"\u00C3\u00A9" + replacement);
+    EXPECT_EQ(EncodeUTF8(u"\uFFFD", false), u"\uFFFD") << "a character from U+8000 on like any other";
+}
+
 // What the codec cannot do, it returns as it was: neither escaped nor converted.
 TEST(Codec, ReturnsItsInputWhereItEnds) {
     for (StringView text : {u"é<\u8000", u"é<\U0001F600"}) {

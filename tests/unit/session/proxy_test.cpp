@@ -44,6 +44,14 @@ TEST_F(Proxy, OfHttpGetsEachTextInARequestOfItsOwn) {
     EXPECT_EQ(events->outgoing, (Lines{kHeader, kFieldsQuery, "  \t  "}));
 }
 
+TEST_F(Proxy, OfHttpIsToldTheLengthInBytesInTheModernMode) {
+    session->Mode(KV_Modern);
+    ConnectThrough(KV_HTTPProxy);
+    Heard();
+    session->SendXML(u"<\u00e9\U0001F600>");
+    EXPECT_EQ(Heard(), Put("<é\xF0\x9F\x98\x80>"));
+}
+
 TEST_F(Proxy, OfHttpHasItsResponsesDroppedWithAllThatIsInTheirChunk) {
     ConnectThrough(KV_HTTPProxy);
     Say("HTTP/1.1 200 OK\r\n\r\n" + kServerHeader);

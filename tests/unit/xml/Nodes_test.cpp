@@ -31,9 +31,13 @@ TEST(XmlNode, EditsInPlace) {
     a.SetAttribute(u"b", u"<\"&\u00e9");
     a.RemoveAttribute(u"c");
     a.Child(u"d").Text(u"<new>");
-    a.AppendElement(u"n:f").Text(StringView(u"x\0y\xd800z", 5));  // what XML has no place for is replaced
+    a.AppendElement(u"n:f").Text(StringView(u"x\0y\xd800\x1\xfffe", 6));  // what XML cannot hold is replaced
     EXPECT_EQ(document->Xml(),
-              u"<a b=\"&lt;&quot;&amp;\u00e9\"><d>&lt;new&gt;</d><n:f>x\xfffdy\xfffdz</n:f></a>");
+              u"<a b=\"&lt;&quot;&amp;\u00e9\"><d>&lt;new&gt;</d><n:f>x\xfffdy\xfffd\xfffd\xfffd</n:f></a>");
+    EXPECT_EQ(ErrorOf([&] { a.AppendElement(u"a\x1"); }), 5);
+    a.SetAttribute(u"b", u"\t\r\n");
+    a.Text(u"\t\r\n");
+    EXPECT_EQ(document->Xml(), u"<a b=\"&#9;&#13;&#10;\">\t&#13;\n</a>") << "so that it reads back as it was";
 }
 
 TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
