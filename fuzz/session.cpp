@@ -11,6 +11,8 @@
 namespace quorix {
 namespace {
 
+using namespace std::string_view_literals;
+
 // One of each kind, so that the events of all of them are met by what an application may do in them.
 constexpr std::string_view kStanzas[] = {
     "<stream:stream id='1'>",
@@ -38,6 +40,12 @@ constexpr std::string_view kStanzas[] = {
     "<message from='a@s'><body>x</body><x xmlns='jabber:x:event'><composing/><delivered/></x></message>",
     "<message from='a@s'><x xmlns='jabber:x:roster'><item jid='b@s'/><item jid='c@s'/></x></message>",
     "<message from='a@s'><x xmlns='jabber:x:conference' jid='r@c'/></message>",
+    // What proxies say: a method chosen, a login granted, a tunnel opened; and a response.
+    "\5\0"sv,
+    "\5\2"sv,
+    "\1\0"sv,
+    "\5\0\0\1\0\0\0\0\0\0"sv,
+    "HTTP/1.1 200 OK\r\n\r\n",
 };
 
 // Does the same thing in every event.
