@@ -76,6 +76,23 @@ void ForEachType(Visit visit) {
     }
 }
 
+std::string HelpOf(ITypeInfo& info, MEMBERID member) {
+    Variant text;
+    text.vt = VT_BSTR;
+    info.GetDocumentation(member, nullptr, &text.bstrVal, nullptr, nullptr);
+    return windowstest::Words(text);
+}
+
+TEST(TypeLibrary, SaysWhatEachTypeAndMemberIs) {
+    ForEachType([](ITypeInfo& info, const TYPEATTR& type) {
+        EXPECT_NE(HelpOf(info, MEMBERID_NIL), "") << NameOf(info, MEMBERID_NIL);
+        if (type.typekind != TKIND_DISPATCH) return;
+        ForEachFunction(info, [&](const FUNCDESC& function) {
+            EXPECT_NE(HelpOf(info, function.memid), "") << NameOf(info, function.memid);
+        });
+    });
+}
+
 TEST(TypeLibrary, HasATableForEachClassAndCreatesTheSameOnes) {
     std::map<std::string, bool> declared;
     std::map<std::string, bool> bound;
