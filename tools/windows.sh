@@ -10,51 +10,7 @@ cd "$root"
 . "$root/tools/packages.sh"
 . "$root/tools/windows/ground.sh"
 . "$root/tools/windows/libraries.sh"
-
-declare -A targets=([32]=i686 [64]=x86_64)
-jobs=$(nproc)
-
-# What tools/windows/wine expects of its surroundings, for one width.
-wine_for() {
-    export QUORIX_TREE=$root QUORIX_WINE_PREFIX=$root/build/win$1/wine QUORIX_WINE32_ROOT=${wine32_root:-}
-}
-
-# A fresh drive C: in which windows can be made without a display.
-make_prefix() {
-    local ready=$QUORIX_WINE_PREFIX.ready
-    [ -e "$ready" ] && return
-    as_root rm -rf "$QUORIX_WINE_PREFIX"
-    mkdir -p "$(dirname "$QUORIX_WINE_PREFIX")"
-    "$root/tools/windows/wine" "$1" wineboot --init
-    "$root/tools/windows/wine" "$1" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
-    stop_wine "$1"
-    touch "$ready"
-}
-
-# Ends what still runs in this width's drive, and nothing else.
-stop_wine() { "$root/tools/windows/wine" "$1" wineboot --kill || true; }
-
-# What one width's build needs and later ones find again: a Wine and the libraries' folders.
-fill_store() {
-    source_apt
-    [ "$1" = 64 ] || make_wine32
-    local library folder
-    prefixes=
-    for library in libxml2 expat openssl; do
-        folder=$(provide_library "$library" "${targets[$1]}")
-        prefixes+=${prefixes:+;}$folder
-    done
-}
-
-configure_and_build() {
-    local build=$root/build/win$1
-    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/windows-${targets[$1]}.cmake" \
-        -DQUORIX_WINDOWS_PREFIXES="$prefixes" \
-        -DQUORIX_WINDOWS_EMULATOR="$root/tools/windows/wine;$1" -DQUORIX_APPS=OFF \
-        -DQUORIX_WITH_SERVER="$root/build/with_server/with_server"
-    cmake --build "$build" -j "$jobs"
-}
+. "$root/tools/windows/build.sh"
 
 # Real servers run on this machine, beside the programs that run under Wine.
 build_with_server() {
@@ -67,7 +23,8 @@ check_width() {
     shift
     wine_for "$width"
     make_prefix "$width"
-    configure_and_build "$width"
+    configure "$width" -DQUORIX_WITH_SERVER="$root/build/with_server/with_server"
+    cmake --build "$root/build/win$width" -j "$jobs"
     ctest --test-dir "$root/build/win$width" -j "$jobs" --output-on-failure --no-tests=error --timeout 300 "$@" || status=$?
     stop_wine "$width"
     return $status

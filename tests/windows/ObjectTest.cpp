@@ -68,6 +68,8 @@ TEST(Object, TurnsErrorsIntoExceptionsWithNumberAndText) {
     const Case cases[] = {
         {node.Try(kCall, L"getNode", {Of(L"//[")}), 5},
         {node.Try(kCall, L"GetTagLng", {Of(L"much")}), 6},
+        {session.Try(kPut, L"ShowType", {Of(40000)}), 6},
+        {session.Try(kPut, L"ProxyPort", {Of(65536)}), 6},
         {fields.Try(kGet, L"Item", {Of(0)}), 9},
         {node.Try(kCall, L"GetTagInt", {Of(L"word")}), 13},
         {node.Try(kCall, L"SaveXML_ToFile", {Of(L"Z:\\no\\such\\folder\\file.xml")}), 53},

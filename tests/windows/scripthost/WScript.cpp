@@ -8,10 +8,30 @@
 namespace scripthost {
 
 using namespace windowstest;
+using quorix::automation::Adopt;
 
 namespace {
 
 bool failed = false;
+
+// What WScript.Arguments is without a number behind it: an object with a Count.
+class Counted : public Called {
+public:
+    explicit Counted(std::size_t count) : count_(count) {}
+
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
+        ids[0] = 1;
+        return std::wstring(L"Count") == names[0] ? S_OK : DISP_E_UNKNOWNNAME;
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                        UINT*) override {
+        if (result != nullptr) Of(static_cast<int>(count_)).MoveTo(result);
+        return S_OK;
+    }
+
+private:
+    std::size_t count_;
+};
 
 int Number(const Variant& value) { return quorix::automation::Coerce(value, VT_I4).lVal; }
 
@@ -57,6 +77,7 @@ WScript::WScript(std::vector<std::wstring> given)
            }},
           {L"Arguments",
            [given](const Arguments& arguments) {
+               if (arguments.empty()) return Of(Adopt(new Counted(given.size())).Get());
                return Of(given.at(static_cast<std::size_t>(Number(arguments.at(0)))).c_str());
            }},
       } {}
