@@ -14,18 +14,14 @@ namespace quorix::console {
 
 namespace {
 
-// A bar would end a cell of a table.
-std::string Cell(std::string_view text) {
-    std::string cell;
-    for (char c : text) {
-        if (c == '|' || c == '<' || c == '*' || c == '_') cell += '\\';
-        cell += c;
+// A list serves a page on the web and the manual alike.
+std::string Item(const std::string& name, std::string_view help) {
+    std::string text = "- `" + name + "`: ";
+    for (char c : help) {
+        if (c == '<' || c == '*' || c == '_') text += '\\';
+        text += c;
     }
-    return cell;
-}
-
-std::string Table(const std::string& first, const std::string& second) {
-    return fmt::format("| {} | {} |\n|---|---|\n", first, second);
+    return text + "\n";
 }
 
 std::vector<const CLI::Option*> ShownOptions(const CLI::App& app) {
@@ -39,61 +35,58 @@ std::string NamesOf(const CLI::Option& option) {
     return names.empty() ? option.get_name() : names.substr(2);
 }
 
-std::string OptionTable(const CLI::App& app) {
-    std::string text = Table("Option", "Meaning");
+std::string OptionList(const CLI::App& app) {
+    std::string text;
     for (const CLI::Option* option : ShownOptions(app)) {
         const std::string value = option->get_items_expected() == 0 ? "" : " VALUE";
-        text += fmt::format("| `{}{}` | {} |\n", NamesOf(*option), value, Cell(option->get_description()));
+        text += Item(NamesOf(*option) + value, option->get_description());
     }
     return text;
 }
 
-std::string TaskTables(const CLI::App& app) {
+std::string TaskLists(const CLI::App& app) {
     std::string text;
     for (const CLI::App* task : app.get_subcommands({})) {
         text += fmt::format("\n### {}\n\n{}:\n\n{}", task->get_name(), task->get_description(),
-                            OptionTable(*task));
+                            OptionList(*task));
     }
     return text;
 }
 
-std::string CommandTables() {
+std::string CommandLists() {
     std::string text;
     for (const CommandGroup& group : CommandGroups()) {
-        text += fmt::format("\n### {}\n\n{}", group.title, Table("Command", "Does"));
+        text += fmt::format("\n### {}\n\n", group.title);
         for (const Command& command : group.commands) {
-            text += fmt::format("| `{}` | {}{} |\n", UsageOf(command), Cell(command.help),
-                                command.question.empty() ? "" : "; asks before");
+            text += Item(UsageOf(command),
+                         std::string(command.help) + (command.question.empty() ? "" : "; asks before"));
         }
     }
     return text;
 }
 
-std::string ParameterTable() {
-    std::string text = Table("Parameter", "Is");
-    for (const ParameterKind& kind : ParameterKinds())
-        text += fmt::format("| `{}` | {} |\n", kind.name, Cell(kind.help));
+std::string ParameterList() {
+    std::string text;
+    for (const ParameterKind& kind : ParameterKinds()) text += Item(std::string(kind.name), kind.help);
     return text;
 }
 
-std::string EventTable() {
-    std::string text = Table("Event", "Means");
-    for (const EventForm& form : EventForms())
-        text += fmt::format("| `{}` | {} |\n", form.name, Cell(form.help));
+std::string EventList() {
+    std::string text;
+    for (const EventForm& form : EventForms()) text += Item(std::string(form.name), form.help);
     return text;
 }
 
-std::string ExitCodeTable() {
-    std::string text = Table("Code", "Means");
-    for (const auto& [code, help] : kExitCodes)
-        text += fmt::format("| {} | {} |\n", static_cast<int>(code), help);
+std::string ExitCodeList() {
+    std::string text;
+    for (const auto& [code, help] : kExitCodes) text += Item(std::to_string(static_cast<int>(code)), help);
     return text;
 }
 
 std::string Markdown(const CLI::App& app) {
     return fmt::format(
         "## Options\n\n{}{}\n## Commands\n{}\n### Parameters\n\n{}\n## Events\n\n{}\n## Exit codes\n\n{}",
-        OptionTable(app), TaskTables(app), CommandTables(), ParameterTable(), EventTable(), ExitCodeTable());
+        OptionList(app), TaskLists(app), CommandLists(), ParameterList(), EventList(), ExitCodeList());
 }
 
 std::string LongNames(const CLI::App& app) {
