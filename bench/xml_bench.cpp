@@ -1,5 +1,7 @@
 #include <benchmark/benchmark.h>
 
+#include "quorix/base/WireText.h"
+#include "quorix/xml/StreamParser.h"
 #include "quorix/xml/cXML_Node.h"
 
 namespace quorix {
@@ -13,7 +15,8 @@ const String kMessage =
     u"Montague?</body><thread>e0ffe42b28561960c6b12b944a092794b9683a38</thread>"
     u"</message>";
 
-std::size_t ReadMessage(const XmlNode& root) {
+template <class Node>
+std::size_t ReadMessage(const Node& root) {
     return root.Attribute(u"from").size() + root.Attribute(u"to").size() + root.Attribute(u"id").size() +
            (root.AttributeIs(u"type", u"chat") ? 1U : 0U) + root.Child(u"body").Text().size() +
            root.Child(u"thread").Text().size();
@@ -37,20 +40,21 @@ void LoadAndRead(benchmark::State& state) {
 }
 BENCHMARK(LoadAndRead);
 
-// Ten messages in one chunk, each given a document of its own.
-void LoadContentAndDetach(benchmark::State& state) {
-    String chunk;
-    for (int i = 0; i < 10; ++i) chunk += kMessage;
+// Ten messages in one piece of a stream.
+void ReadStream(benchmark::State& state) {
+    std::string chunk;
+    for (int i = 0; i < 10; ++i) chunk += BytesFromWire(kMessage);
+    StreamParser parser(StreamParser::Bytes::Wire);
+    parser.BeginInside();
     for ([[maybe_unused]] auto _ : state) {
-        auto content = XmlDocument::Create();
-        content->LoadContent(chunk);
-        while (XmlNode stanza = content->Root().FirstChild()) {
-            benchmark::DoNotOptimize(ReadMessage(XmlDocument::Detach(stanza)->Root()));
+        parser.Feed(chunk);
+        while (parser.Next() == StreamParser::Event::Element) {
+            benchmark::DoNotOptimize(ReadMessage(parser.Take()->Root()));
         }
     }
     state.SetItemsProcessed(state.iterations() * 10);
 }
-BENCHMARK(LoadContentAndDetach);
+BENCHMARK(ReadStream);
 
 void QueryAndSearch(benchmark::State& state) {
     cXML_Node node;

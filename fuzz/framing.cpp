@@ -14,15 +14,15 @@ using Texts = std::vector<String>;
 
 class PlainFramer {
 public:
-    Texts Take(StringView chunk) {
+    Texts Take(const std::string& chunk) {
         waiting_ += chunk;
         Texts texts;
-        auto document = XmlDocument::Create();
-        if (document->Load(waiting_)) {
-            texts.push_back(waiting_);
-        } else if (document->LoadContent(waiting_)) {
-            XmlNode child = document->Root().FirstChild();
-            for (; child; child = child.NextSibling()) texts.push_back(child.Xml());
+        if (ParsedXml::FromWire(waiting_)) {
+            texts.push_back(WireFromBytes(waiting_));
+        } else if (ParsedXmlPtr content = ParsedXml::ContentFromWire(waiting_)) {
+            for (ParsedNode child = content->First(); child; child = child.NextSibling()) {
+                if (!child.IsBlankText()) texts.push_back(child.Xml());
+            }
         } else {
             return texts;
         }
@@ -31,14 +31,13 @@ public:
     }
 
 private:
-    String waiting_;
+    std::string waiting_;
 };
 
-Texts Take(Framer& framer, StringView chunk) {
+Texts Take(Framer& framer, std::string_view chunk) {
     framer.Append(chunk);
-    FrameBatch batch = framer.TakeComplete();
     Texts texts;
-    while (auto frame = batch.Next()) texts.push_back(frame->text);
+    while (auto frame = framer.Next()) texts.push_back(frame->Text());
     return texts;
 }
 
@@ -50,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     quorix::Framer framer;
     quorix::PlainFramer plain;
     while (input.remaining_bytes() > 0) {
-        quorix::String chunk = quorix::WireFromBytes(input.ConsumeRandomLengthString());
+        std::string chunk = input.ConsumeRandomLengthString();
         if (quorix::Take(framer, chunk) != plain.Take(chunk)) std::abort();
     }
     return 0;

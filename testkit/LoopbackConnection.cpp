@@ -15,11 +15,9 @@ const LoopbackConnection::Route LoopbackConnection::kRoutes[] = {
 // -- The stream --
 
 void LoopbackConnection::OnDataArrival(std::string_view bytes, StringView /*remoteHost*/) {
-    String text = WireFromBytes(bytes);
-    if (!streamOpen_) return OpenStream(text);
-    framer_.Append(text);
-    FrameBatch batch = framer_.TakeComplete();
-    while (std::optional<Frame> frame = batch.Next()) Take(Stanza(frame->node));
+    if (!streamOpen_) return OpenStream();
+    framer_.Append(bytes);
+    while (std::optional<Frame> frame = framer_.Next()) Take(Stanza(frame->tree, frame->node));
 }
 
 void LoopbackConnection::OnClosed() {
@@ -27,7 +25,7 @@ void LoopbackConnection::OnClosed() {
     server_.Forget(this);
 }
 
-void LoopbackConnection::OpenStream(StringView /*header*/) {
+void LoopbackConnection::OpenStream() {
     streamOpen_ = true;
     Send(Concat({u"<?xml version='1.0'?><stream:stream from='", LoopbackServer::kDomain, u"' id='", streamId_,
                  u"' xmlns='jabber:client' xmlns:stream='http://etherx.jabber.org/streams'>"}));
@@ -80,7 +78,7 @@ void LoopbackConnection::Auth(const Stanza& stanza) {
 }
 
 void LoopbackConnection::Login(const Stanza& stanza) {
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     String username = query.Child(u"username").Text();
     const LoopbackAccount* account = server_.FindAccount(username);
     if (account == nullptr || !Proves(*account, query)) return Error(stanza, u"401", u"Unauthorized");
@@ -90,21 +88,21 @@ void LoopbackConnection::Login(const Stanza& stanza) {
     Send(Concat({u"<iq type='result' id='", stanza.id, u"'/>"}));
 }
 
-bool LoopbackConnection::Proves(const LoopbackAccount& account, const XmlNode& query) const {
-    if (XmlNode digest = query.Child(u"digest")) {
+bool LoopbackConnection::Proves(const LoopbackAccount& account, const ParsedNode& query) const {
+    if (ParsedNode digest = query.Child(u"digest")) {
         return digest.Text() == SHAHash(Concat({streamId_, account.password}));
     }
-    if (XmlNode hash = query.Child(u"hash")) {
+    if (ParsedNode hash = query.Child(u"hash")) {
         String expected = SHAHash(Concat({SHAHash(account.password), account.token}));
         for (std::int32_t round = 0; round < account.sequence; ++round) expected = SHAHash(expected);
         return hash.Text() == expected;
     }
-    XmlNode password = query.Child(u"password");
+    ParsedNode password = query.Child(u"password");
     return password && password.Text() == account.password;
 }
 
 void LoopbackConnection::Register(const Stanza& stanza) {
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     if (stanza.IsGet()) {
         return Result(stanza,
                       u"<query xmlns='jabber:iq:register'><instructions>Choose a name and a password."
@@ -136,7 +134,7 @@ void LoopbackConnection::TakePresence(const Stanza& stanza) {
 void LoopbackConnection::TakeMessage(const Stanza& stanza) {
     for (const String& reply : server_.services_.AnswerMessage(stanza, FullJid())) Send(reply);
     if (RemoveResource(stanza.root.Attribute(u"to")) != LoopbackServer::kContact) return;
-    XmlNode body = stanza.root.Child(u"body");
+    ParsedNode body = stanza.root.Child(u"body");
     if (!body) return;
     auto reply = XmlDocument::Create();
     reply->Load(Concat({u"<message type='chat' from='", LoopbackServer::kContact, u"/loop' to='", FullJid(),

@@ -24,7 +24,7 @@ private:
     };
     static const Route kRoutes[];
 
-    void OpenStream(StringView header);
+    void OpenStream();
     void Take(const Stanza& stanza);
     void TakeIq(const Stanza& stanza);
     void TakePresence(const Stanza& stanza);
@@ -32,7 +32,7 @@ private:
 
     void Auth(const Stanza& stanza);
     void Login(const Stanza& stanza);
-    bool Proves(const LoopbackAccount& account, const XmlNode& query) const;
+    bool Proves(const LoopbackAccount& account, const ParsedNode& query) const;
     void Register(const Stanza& stanza);
     void RosterList(const Stanza& stanza);
 

@@ -16,12 +16,12 @@ constexpr Person kPeople[] = {
     {u"benvolio@localhost", u"ben", u"Benvolio", u"Montague"},
 };
 
-bool Matches(const XmlNode& query, StringView field, StringView value) {
+bool Matches(const ParsedNode& query, StringView field, StringView value) {
     String wanted = query.Child(field).Text();
     return wanted.empty() || EqualsIgnoringCase(wanted, value);
 }
 
-bool Matches(const XmlNode& query, const Person& person) {
+bool Matches(const ParsedNode& query, const Person& person) {
     return Matches(query, u"nick", person.nick) && Matches(query, u"first", person.first) &&
            Matches(query, u"last", person.last);
 }
@@ -127,13 +127,13 @@ String LoopbackServices::Card(const Stanza& query, StringView user) {
 }
 
 String LoopbackServices::StorePrivate(const Stanza& query, StringView user) {
-    XmlNode data = query.Query().FirstElement();
+    ParsedNode data = query.Query().FirstElement();
     private_.insert_or_assign(Concat({user, u" ", data.Attribute(u"xmlns")}), data.Xml());
     return {};
 }
 
 String LoopbackServices::Private(const Stanza& query, StringView user) {
-    XmlNode asked = query.Query().FirstElement();
+    ParsedNode asked = query.Query().FirstElement();
     auto data = private_.find(Concat({user, u" ", asked.Attribute(u"xmlns")}));
     String content = data == private_.end() ? asked.Xml() : data->second;
     return Concat({u"<query xmlns='jabber:iq:private'>", content, u"</query>"});

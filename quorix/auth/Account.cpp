@@ -1,6 +1,7 @@
 #include "quorix/auth/Account.h"
 
 #include "quorix/link/StanzaText.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -34,7 +35,7 @@ void RequestRegistrationForm(SessionLink& link) {
 
 void SendNewUser(SessionLink& link, const Stanza& form) {
     if (!link.IsConnected()) return;
-    String key = Compose(link.Text(), {u"<key>", Content(form.node->GetTag(u"key")), u"</key>"});
+    String key = Compose(link.Text(), {u"<key>", Content(FindTagBelow(form.root, u"key").Text()), u"</key>"});
     SendRegister(link, kNewUserId, Credentials(link, link.Password()) + key);
 }
 

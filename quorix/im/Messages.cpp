@@ -1,15 +1,15 @@
 #include "quorix/im/Messages.h"
 
-#include "quorix/im/Elements.h"
 #include "quorix/im/Roster.h"
 #include "quorix/link/StanzaText.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
 namespace {
 
 void RaiseMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
-    auto message = std::make_shared<cMessage>(session, stanza.node);
+    auto message = std::make_shared<cMessage>(session, stanza.Node());
     session->Raise(&SessionEvents::OnMessage, message);
     const bool noBody = message->Body().empty();
     for (eEvent event : {KV_Composing, KV_Delivered, KV_Displayed, KV_Offline, KV_Cancelled}) {
@@ -31,13 +31,13 @@ StringView ReportElement(eEvent event) {
 
 void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
     if (stanza.IsError()) {
-        session->Raise(&SessionEvents::OnError, stanza.node, stanza.from, stanza.ErrorCode(),
+        session->Raise(&SessionEvents::OnError, stanza.Node(), stanza.from, stanza.ErrorCode(),
                        stanza.ErrorText());
     } else if (FindExtension(stanza.root, u"jabber:x:roster")) {
-        ParseReceiveRoster(*session, *stanza.node);
-    } else if (XmlNode invitation = FindExtension(stanza.root, u"jabber:x:conference")) {
+        ParseReceiveRoster(*session, *stanza.Node());
+    } else if (ParsedNode invitation = FindExtension(stanza.root, u"jabber:x:conference")) {
         session->Raise(&SessionEvents::OnGCInvite10, invitation.Attribute(u"jid"), stanza.from,
-                       stanza.ChildText(u"body"), stanza.ChildText(u"subject"), stanza.node);
+                       stanza.ChildText(u"body"), stanza.ChildText(u"subject"), stanza.Node());
     } else {
         RaiseMessage(session, stanza);
     }

@@ -6,7 +6,7 @@
 #include "quorix/base/Number.h"
 #include "quorix/link/StanzaText.h"
 #include "quorix/platform/Environment.h"
-#include "quorix/xml/Outermost.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -45,10 +45,10 @@ std::int32_t ShowOf(StringView text, std::int32_t otherwise) {
     return otherwise;
 }
 
-void Read(const TextRules& rules, cPresenceItem& item, const cXML_Node& stanza) {
-    item.Status(rules.Read(stanza.GetTag(u"status")));
-    item.Priority(WireInt16(stanza.GetTag(u"priority")));
-    item.ShowType(static_cast<eShowType>(ShowOf(stanza.GetTag(u"show"), item.ShowType())));
+void Read(const TextRules& rules, cPresenceItem& item, const ParsedNode& stanza) {
+    item.Status(rules.Read(FindTagBelow(stanza, u"status").Text()));
+    item.Priority(WireInt16(FindTagBelow(stanza, u"priority").Text()));
+    item.ShowType(static_cast<eShowType>(ShowOf(FindTagBelow(stanza, u"show").Text(), item.ShowType())));
 }
 
 // One presence on its way into the table. `bareJid` is wire text, as agents and contacts keep theirs.
@@ -62,7 +62,7 @@ struct Arrival {
 
     void RaisePresence(bool available, eItemType kind) const {
         session->Raise(&SessionEvents::OnPresence, item, available, ToString(item->ShowType()), kind,
-                       stanza.node);
+                       stanza.Node());
     }
 };
 
@@ -136,7 +136,7 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
     item->SetSession(session);
     item->JID(bareJid);
     item->Resource(resource);
-    Read(rules, *item, *stanza.node);
+    Read(rules, *item, stanza.root);
 
     const Arrival arrival{session, table, stanza, bareJid, item, !isKnown};
     if (isAvailable) return Appear(arrival);
@@ -146,7 +146,7 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
 
 void ParsePresenceList(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
     session->Raise(&SessionEvents::OnWhoisOnlineStart);
-    for (const XmlNode& presence : Outermost(stanza.root, u"presence")) {
+    for (const ParsedNode& presence : Outermost(stanza.root, u"presence")) {
         auto item = std::make_shared<cPresenceItem>();
         item->SetSession(session);
         item->JID(presence.Attribute(u"from"));

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "quorix/im/cRosterItem.h"
-#include "quorix/xml/Outermost.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -11,14 +11,23 @@ void FetchRoster(SessionLink& session) {
     session.SendXML(u"<iq id='doroster_1' type='get'><query xmlns='jabber:iq:roster'/></iq>");
 }
 
-void ParseReceiveRoster(SessionLink& session, const cXML_Node& message) {
-    const String from = message.Root().Attribute(u"from");
-    for (const XmlNode& element : Outermost(message.Root(), u"item")) {
+namespace {
+
+template <class Node>
+void RaiseContacts(SessionLink& session, const Node& message) {
+    const String from = message.Attribute(u"from");
+    for (const Node& element : Outermost(message, u"item")) {
         auto item = std::make_shared<cRosterItem>();
-        item->JID(message.GetAttrib(u"jid", {element}));
-        item->NickName(message.GetAttrib(u"name", {element}));
+        item->JID(FindBearer(element, u"jid").Attribute(u"jid"));
+        item->NickName(FindBearer(element, u"name").Attribute(u"name"));
         session.Raise(&SessionEvents::OnReceiveRosterItem, item, from);
     }
+}
+
+}  // namespace
+
+void ParseReceiveRoster(SessionLink& session, const cXML_Node& message) {
+    message.AskRoot([&](const auto& root) { RaiseContacts(session, root); });
 }
 
 }  // namespace quorix

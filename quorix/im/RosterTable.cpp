@@ -4,7 +4,7 @@
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
-#include "quorix/xml/Outermost.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -12,19 +12,12 @@ namespace {
 
 enum class EmptyGroups { Keep, Skip };
 
-void AddGroups(const TextRules& rules, cRosterItem& item, const XmlNode& element, EmptyGroups empty) {
-    for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
+void AddGroups(const TextRules& rules, cRosterItem& item, const ParsedNode& element, EmptyGroups empty) {
+    for (ParsedNode child = element.FirstElement(); child; child = child.NextElement()) {
         if (!child.Is(u"group")) continue;
         String name = child.Text();
         if (!name.empty() || empty == EmptyGroups::Keep) item.AddGroup(rules.Read(name));
     }
-}
-
-// The application gets a copy: what it does to it must not touch the stanza that others still read.
-NodePtr CopyOf(const XmlNode& element) {
-    auto copy = std::make_shared<cXML_Node>();
-    copy->xml(element.Xml());
-    return copy;
 }
 
 }  // namespace
@@ -54,10 +47,11 @@ void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const
     if (!stanza.IsResult() && !stanza.IsSet()) return;
     if (!std::exchange(inProgress_, true)) session->Raise(&SessionEvents::OnRosterBegin);
     try {
-        for (const XmlNode& element : Outermost(stanza.root, u"item")) {
+        for (const ParsedNode& element : Outermost(stanza.root, u"item")) {
             std::shared_ptr<cRosterItem> item = Apply(session, element);
             String bareJid = session->Text().Read(ToLower(RemoveResource(item->JID())));
-            session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid), CopyOf(element));
+            session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid),
+                           stanza.NodeOf(element));
         }
     } catch (const AutomationError&) {
         // A group named twice. The contacts behind it are lost, as the server's own list is in doubt.
@@ -67,7 +61,7 @@ void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const
 }
 
 std::shared_ptr<cRosterItem> RosterTable::Apply(const std::shared_ptr<SessionLink>& session,
-                                                const XmlNode& element) {
+                                                const ParsedNode& element) {
     if (Sequence known = GetIndex().Find(element.Attribute(u"jid"))) {
         std::shared_ptr<cRosterItem> item = At(known);
         Update(session->Text(), *item, element);
@@ -81,7 +75,7 @@ std::shared_ptr<cRosterItem> RosterTable::Apply(const std::shared_ptr<SessionLin
     return item;
 }
 
-void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const XmlNode& element) {
+void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const ParsedNode& element) {
     item.JID(element.Attribute(u"jid"));
     String name = element.HasAttribute(u"name") ? element.Attribute(u"name") : ToLower(item.JID());
     item.NickName(rules.Read(name));
@@ -91,7 +85,7 @@ void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const XmlNode&
 
 // A contact that stays keeps the name it is shown under, whatever the server says; one that goes takes the
 // server's.
-void RosterTable::Update(const TextRules& rules, cRosterItem& item, const XmlNode& element) {
+void RosterTable::Update(const TextRules& rules, cRosterItem& item, const ParsedNode& element) {
     ReadState(item, element);
     if (item.Subscription() == KV_Remove) item.NickName(rules.Read(element.Attribute(u"name")));
     if (!element.FirstChild()) return;
@@ -99,7 +93,7 @@ void RosterTable::Update(const TextRules& rules, cRosterItem& item, const XmlNod
     AddGroups(rules, item, element, EmptyGroups::Skip);
 }
 
-void RosterTable::ReadState(cRosterItem& item, const XmlNode& element) {
+void RosterTable::ReadState(cRosterItem& item, const ParsedNode& element) {
     if (element.HasAttribute(u"ask")) item.ask_ = element.Attribute(u"ask");
     item.Subscription(SubscriptionOf(element.Attribute(u"subscription")));
 }

@@ -42,10 +42,11 @@ public:
     void StreamEnded() { inProgress_ = false; }
 
 private:
-    std::shared_ptr<cRosterItem> Apply(const std::shared_ptr<SessionLink>& session, const XmlNode& element);
-    static void Fill(const TextRules& rules, cRosterItem& item, const XmlNode& element);
-    static void Update(const TextRules& rules, cRosterItem& item, const XmlNode& element);
-    static void ReadState(cRosterItem& item, const XmlNode& element);
+    std::shared_ptr<cRosterItem> Apply(const std::shared_ptr<SessionLink>& session,
+                                       const ParsedNode& element);
+    static void Fill(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
+    static void Update(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
+    static void ReadState(cRosterItem& item, const ParsedNode& element);
 
     bool inProgress_ = false;
 };

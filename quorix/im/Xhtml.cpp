@@ -5,13 +5,12 @@
 
 namespace quorix {
 
-String BodyMarkup(const XmlNode& html) {
-    const String markup = html.Xml();
+String BodyMarkup(StringView markup) {
     const String upper = ToUpper(markup);  // as long as `markup`, position by position
     std::size_t opening = upper.find(u"<BODY");
     std::size_t begin = opening == String::npos ? opening : upper.find(u'>', opening);
     std::size_t end = begin == String::npos ? begin : upper.find(u"</BODY>", begin);
-    return end == String::npos ? String() : markup.substr(begin + 1, end - begin - 1);
+    return end == String::npos ? String() : String(markup.substr(begin + 1, end - begin - 1));
 }
 
 bool HoldsCriticalMarkup(StringView markup) {

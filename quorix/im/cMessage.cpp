@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "quorix/base/Jid.h"
-#include "quorix/im/Elements.h"
 #include "quorix/im/Xhtml.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -61,7 +61,8 @@ const NodePtr& cMessage::Node() const {
 }
 
 String cMessage::Attribute(const Field& field) const {
-    return draft_ ? WithoutForbidden(*draft_.*field.value) : Root().Attribute(field.name);
+    if (draft_) return WithoutForbidden(*draft_.*field.value);
+    return AskRoot([&](const auto& root) { return root.Attribute(field.name); });
 }
 
 void cMessage::Attribute(const Field& field, StringView value) {
@@ -70,7 +71,8 @@ void cMessage::Attribute(const Field& field, StringView value) {
 }
 
 String cMessage::ChildText(const Field& field) const {
-    return text_.Read(draft_ ? text_.ToNode(*draft_.*field.value) : Root().Child(field.name).Text());
+    if (draft_) return text_.Read(text_.ToNode(*draft_.*field.value));
+    return text_.Read(AskRoot([&](const auto& root) { return root.Child(field.name).Text(); }));
 }
 
 void cMessage::ChildText(const Field& field, StringView value) {
@@ -90,6 +92,10 @@ String cMessage::xml() const { return draft_ ? draft_->Xml(text_) : node_->xml()
 String cMessage::FromJid() const {
     String from = Attribute(kFrom);
     return Concat({ToLower(RemoveResource(from)), u"/", GetResource(from)});
+}
+
+String cMessage::Thread() const {
+    return AskRoot([](const auto& root) { return root.Child(u"thread").Text(); });
 }
 
 eMsgType cMessage::MSG_Type() const {
@@ -145,11 +151,14 @@ void cMessage::AddEvent(eEvent event) {
 
 bool cMessage::getEvent(eEvent event) const {
     StringView name = NameOf(kEventNames, event);
-    return !name.empty() && Extension(u"jabber:x:event").Child(name);
+    if (name.empty()) return false;
+    return AskRoot(
+        [&](const auto& root) { return bool(FindExtension(root, u"jabber:x:event").Child(name)); });
 }
 
 String cMessage::XHTML() const {
-    String markup = text_.Read(BodyMarkup(FindElement(Root(), u"html", kXhtml)));
+    String html = AskRoot([](const auto& root) { return FindElement(root, u"html", kXhtml).Xml(); });
+    String markup = text_.Read(BodyMarkup(html));
     return filterCriticalXHTML_ && HoldsCriticalMarkup(markup) ? String() : markup;
 }
 
@@ -167,7 +176,10 @@ void cMessage::TextRtf(StringView value) {
     AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(text_.ToNode(value));
 }
 
-String cMessage::Stamp() const { return Extension(u"jabber:x:delay").Attribute(u"stamp"); }
+String cMessage::Stamp() const {
+    return AskRoot(
+        [](const auto& root) { return FindExtension(root, u"jabber:x:delay").Attribute(u"stamp"); });
+}
 String cMessage::URL() const { return TagIn(u"jabber:x:oob", u"url"); }
 String cMessage::desc() const { return TagIn(u"jabber:x:oob", u"desc"); }
 
@@ -199,7 +211,7 @@ XmlNode cMessage::NeedExtension(StringView xmlns) {
 }
 
 String cMessage::TagIn(StringView xmlns, StringView tag) const {
-    return Node()->GetTag(tag, {Extension(xmlns)});
+    return AskRoot([&](const auto& root) { return FindTagBelow(FindExtension(root, xmlns), tag).Text(); });
 }
 
 std::shared_ptr<cMessage> CreateMessage(const std::shared_ptr<SessionLink>& session, StringView toJid,

@@ -68,7 +68,7 @@ public:
     void Subject(StringView value) { ChildText(kSubject, value); }
 
     // Writing appends a further element; the first one is read.
-    String Thread() const { return Root().Child(u"thread").Text(); }
+    String Thread() const;
     void Thread(StringView value) { Root().AppendElement(u"thread").Text(value); }
 
     // The whole element.
@@ -145,7 +145,11 @@ private:
 
     // The node, which is made of the draft when it is asked for.
     const NodePtr& Node() const;
-    XmlNode Root() const { return Node()->Root(); }
+    XmlNode Root() const { return Node()->Root(); }  // to be written to
+    template <class Read>
+    auto AskRoot(Read read) const {
+        return Node()->AskRoot(read);
+    }
 
     String Attribute(const Field& field) const;
     void Attribute(const Field& field, StringView value);

@@ -137,6 +137,10 @@ public:
     // 45: a contact sent to us inside a message (jabber:x:roster). It has no session until SetSession.
     virtual void OnReceiveRosterItem(const std::shared_ptr<cRosterItem>& /*RosterItem*/,
                                      StringView /*FromJid*/) {}
+
+    // Whether OnIncomingXML and OnOutgoingXML are wanted. Making the texts costs time: who wants none says
+    // so.
+    virtual bool WantsWireText() const { return true; }
 };
 
 }  // namespace quorix

@@ -6,12 +6,20 @@
 
 namespace quorix {
 
-Stanza::Stanza(NodePtr stanzaNode)
-    : node(std::move(stanzaNode)),
-      root(node->Root()),
+Stanza::Stanza(ParsedXmlPtr whole, const ParsedNode& element)
+    : tree(std::move(whole)),
+      root(element ? element : tree->Root()),
       type(root.Attribute(u"type")),
       from(root.Attribute(u"from")),
-      id(root.Attribute(u"id")) {}
+      id(root.Attribute(u"id")),
+      part_(element) {}
+
+const NodePtr& Stanza::Node() const {
+    if (!node_) node_ = NodeOf(part_);
+    return node_;
+}
+
+NodePtr Stanza::NodeOf(const ParsedNode& element) const { return std::make_shared<cXML_Node>(tree, element); }
 
 String Stanza::ChildText(StringView name) const { return root.Child(name).Text(); }
 

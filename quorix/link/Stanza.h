@@ -1,4 +1,4 @@
-// One stanza on its way through the dispatcher: its node, and what every branch asks of it.
+// One stanza on its way through the dispatcher: its tree, and what every branch asks of it.
 #pragma once
 
 #include <memory>
@@ -12,10 +12,18 @@ using NodePtr = std::shared_ptr<cXML_Node>;
 
 // `type`, `from` and `id` are the root element's own attributes, "" when missing.
 struct Stanza {
-    explicit Stanza(NodePtr stanzaNode);
+    // Of `element`, which `whole` holds; without one, of all of it.
+    explicit Stanza(ParsedXmlPtr whole, const ParsedNode& element = {});
+
+    // The stanza as the events carry it: the same node in each of them, which a handler may change. What is
+    // read here stays as it arrived.
+    const NodePtr& Node() const;
+
+    // `element`, which is part of this stanza, as a node of its own.
+    NodePtr NodeOf(const ParsedNode& element) const;
 
     // The first child element, or an empty node.
-    XmlNode Query() const { return root.FirstElement(); }
+    ParsedNode Query() const { return root.FirstElement(); }
 
     // The text of the direct child `name`, "" when there is none.
     String ChildText(StringView name) const;
@@ -29,11 +37,15 @@ struct Stanza {
     bool IsResult() const { return type == u"result"; }
     bool IsError() const { return type == u"error"; }
 
-    NodePtr node;
-    XmlNode root;
+    ParsedXmlPtr tree;
+    ParsedNode root;
     String type;
     String from;
     String id;
+
+private:
+    ParsedNode part_;
+    mutable NodePtr node_;
 };
 
 }  // namespace quorix

@@ -1,5 +1,7 @@
 #include "quorix/net/HttpTunnel.h"
 
+#include "quorix/base/WireText.h"
+
 namespace quorix {
 
 namespace {
@@ -28,6 +30,8 @@ std::string PutRequest(const std::string& server, std::int16_t port, std::string
     return request += "\r\n";
 }
 
-bool IsHttpResponse(StringView chunk) { return EqualsIgnoringCase(chunk.substr(0, 4), u"HTTP"); }
+bool IsHttpResponse(std::string_view chunk) {
+    return EqualsIgnoringCase(WireFromBytes(chunk.substr(0, 4)), u"HTTP");
+}
 
 }  // namespace quorix

@@ -15,6 +15,6 @@ namespace quorix {
 std::string PutRequest(const std::string& server, std::int16_t port, std::string_view body);
 
 // True when a received chunk begins a response ("HTTP" in any case): it is to be dropped as a whole.
-bool IsHttpResponse(StringView chunk);
+bool IsHttpResponse(std::string_view chunk);
 
 }  // namespace quorix

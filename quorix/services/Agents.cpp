@@ -8,7 +8,7 @@
 #include "quorix/services/PositionWhere.h"
 #include "quorix/services/Query.h"
 #include "quorix/services/XDataForm.h"
-#include "quorix/xml/Outermost.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -33,19 +33,18 @@ bool Agents::Knows(StringView bareJid) const {
 
 void Agents::HandleList(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
     link->Raise(&SessionEvents::OnAgentBegin);
-    for (const XmlNode& element : Outermost(stanza.root, u"agent")) AddAgent(link, element);
+    for (const ParsedNode& element : Outermost(stanza.root, u"agent")) AddAgent(link, stanza, element);
     link->Raise(&SessionEvents::OnAgentEnd);
 }
 
-void Agents::AddAgent(const std::shared_ptr<SessionLink>& link, const XmlNode& element) {
-    auto node = std::make_shared<cXML_Node>();
-    node->xml(element.Xml());
+void Agents::AddAgent(const std::shared_ptr<SessionLink>& link, const Stanza& stanza,
+                      const ParsedNode& element) {
     auto agent = std::make_shared<cAgentItem>();
     agent->SetSession(link, searchFields_);
     agent->xml(element.Xml());
     if (items_.HasKey(agent->Name())) return;
     items_.Add(agent, agent->Name());
-    link->Raise(&SessionEvents::OnAgentItem, agent, node);
+    link->Raise(&SessionEvents::OnAgentItem, agent, stanza.NodeOf(element));
 }
 
 std::shared_ptr<cAgentItem> Agents::LastWithJid(StringView jid) const {
@@ -76,7 +75,7 @@ private:
     std::map<String, std::shared_ptr<cAgentField>> first_;
 };
 
-void FillDataForm(cAgentItem& agent, const XmlNode& x) {
+void FillDataForm(cAgentItem& agent, const ParsedNode& x) {
     if (!agent.xData()) agent.xData(std::make_shared<cXData>());
     FillXData(*agent.xData(), x);
 }
@@ -87,7 +86,7 @@ void Agents::HandleRegistrationForm(const Stanza& stanza) {
     std::shared_ptr<cAgentItem> agent = LastWithJid(stanza.from);
     if (!agent) return;
     FieldIndex fields(*agent);
-    for (XmlNode child = stanza.root.Child(u"query").FirstElement(); child; child = child.NextElement()) {
+    for (ParsedNode child = stanza.root.Child(u"query").FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"x")) {
             FillDataForm(*agent, child);
         } else {
@@ -98,7 +97,7 @@ void Agents::HandleRegistrationForm(const Stanza& stanza) {
 
 void HandleGateway(SessionLink& link, const Stanza& stanza) {
     if (!stanza.IsResult()) return;
-    link.Raise(&SessionEvents::OnGatewayInfo, stanza.node, stanza.Query().Child(u"desc").Text());
+    link.Raise(&SessionEvents::OnGatewayInfo, stanza.Node(), stanza.Query().Child(u"desc").Text());
 }
 
 }  // namespace quorix

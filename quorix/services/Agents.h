@@ -40,7 +40,7 @@ public:
     void HandleRegistrationForm(const Stanza& stanza);
 
 private:
-    void AddAgent(const std::shared_ptr<SessionLink>& link, const XmlNode& element);
+    void AddAgent(const std::shared_ptr<SessionLink>& link, const Stanza& stanza, const ParsedNode& element);
     std::shared_ptr<cAgentItem> LastWithJid(StringView jid) const;
 
     List items_;

@@ -7,6 +7,7 @@
 #include "quorix/link/StanzaText.h"
 #include "quorix/services/cBrowseItem.h"
 #include "quorix/services/cGroupChat.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -22,28 +23,31 @@ void Browse(SessionLink& link, StringView jid, StringView prefix, StringView id)
 }
 
 template <class Accept>
-std::vector<XmlNode> ChildrenWhere(const XmlNode& parent, Accept accept) {
-    std::vector<XmlNode> children;
-    for (XmlNode child = parent.FirstElement(); child; child = child.NextElement()) {
+std::vector<ParsedNode> ChildrenWhere(const ParsedNode& parent, Accept accept) {
+    std::vector<ParsedNode> children;
+    for (ParsedNode child = parent.FirstElement(); child; child = child.NextElement()) {
         if (accept(child)) children.push_back(child);
     }
     return children;
 }
 
-XmlNode ConferenceOf(const Stanza& stanza) { return stanza.root.SelectSingle(u"//conference"); }
+ParsedNode ConferenceOf(const Stanza& stanza) {
+    std::vector<ParsedNode> found = Outermost(stanza.root, u"conference");
+    return found.empty() ? ParsedNode() : found.front();
+}
 
 // Servers mark the items with the namespace; where none does, the ones with an address count.
-std::vector<XmlNode> RoomElements(const XmlNode& conference) {
+std::vector<ParsedNode> RoomElements(const ParsedNode& conference) {
     auto itemsWith = [&](StringView attribute) {
-        return ChildrenWhere(conference, [=](const XmlNode& child) {
+        return ChildrenWhere(conference, [=](const ParsedNode& child) {
             return child.Is(u"item") && child.HasAttribute(attribute);
         });
     };
-    std::vector<XmlNode> marked = itemsWith(u"xmlns");
+    std::vector<ParsedNode> marked = itemsWith(u"xmlns");
     return marked.empty() ? itemsWith(u"jid") : marked;
 }
 
-std::shared_ptr<cGroupChat> ReadRoom(const XmlNode& element, StringView server) {
+std::shared_ptr<cGroupChat> ReadRoom(const ParsedNode& element, StringView server) {
     auto room = std::make_shared<cGroupChat>();
     room->Server(server);
     room->JID(element.Attribute(u"jid"));
@@ -54,11 +58,11 @@ std::shared_ptr<cGroupChat> ReadRoom(const XmlNode& element, StringView server) 
 
 void HandleServer(SessionLink& link, const Stanza& stanza) {
     std::vector<std::shared_ptr<cGroupChat>> rooms;
-    for (const XmlNode& element : RoomElements(ConferenceOf(stanza))) {
+    for (const ParsedNode& element : RoomElements(ConferenceOf(stanza))) {
         rooms.push_back(ReadRoom(element, stanza.from));
     }
     if (rooms.empty()) rooms.emplace_back();
-    for (const auto& room : rooms) link.Raise(&SessionEvents::OnChatServerBrowseResult, room, stanza.node);
+    for (const auto& room : rooms) link.Raise(&SessionEvents::OnChatServerBrowseResult, room, stanza.Node());
 }
 
 struct Entry {
@@ -66,26 +70,25 @@ struct Entry {
     NodePtr node;
 };
 
-Entry ReadEntry(const XmlNode& element) {
-    Entry entry{std::make_shared<cBrowseItem>(), std::make_shared<cXML_Node>()};
+Entry ReadEntry(const Stanza& stanza, const ParsedNode& element) {
+    Entry entry{std::make_shared<cBrowseItem>(), stanza.NodeOf(element)};
     String type = element.Attribute(u"type");
     entry.item->JID(element.Attribute(u"jid"));
     entry.item->Name(element.Attribute(u"name"));
     entry.item->SubType(type.empty() ? element.Attribute(u"category") : type);
-    entry.node->xml(element.Xml());
     return entry;
 }
 
-bool IsEntry(const XmlNode& element) {
+bool IsEntry(const ParsedNode& element) {
     return (element.Is(u"user") || element.Is(u"item")) && element.HasAttribute(u"jid");
 }
 
 void HandleRoom(SessionLink& link, const Stanza& stanza) {
     std::vector<Entry> entries;
-    for (const XmlNode& element : ChildrenWhere(ConferenceOf(stanza), IsEntry)) {
-        entries.push_back(ReadEntry(element));
+    for (const ParsedNode& element : ChildrenWhere(ConferenceOf(stanza), IsEntry)) {
+        entries.push_back(ReadEntry(stanza, element));
     }
-    link.Raise(&SessionEvents::OnChatRoomBrowseResult, stanza.from, stanza.node);
+    link.Raise(&SessionEvents::OnChatRoomBrowseResult, stanza.from, stanza.Node());
     for (const Entry& entry : entries) {
         link.Raise(&SessionEvents::OnGroupChatItem, entry.item, stanza.from, entry.node);
     }

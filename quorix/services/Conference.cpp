@@ -28,13 +28,13 @@ void SendGCInvite10(SessionLink& link, StringView jid, StringView roomJid) {
 
 void HandleConference(SessionLink& link, const Stanza& stanza) {
     if (!stanza.IsResult()) return;
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     auto room = std::make_shared<cGroupChat>();
     SetAddress(*room, stanza.from);
     room->RoomName(query.Child(u"name").Text());
     room->NickName(query.Child(u"nick").Text());
     room->NeedPassword(static_cast<bool>(query.Child(u"secret")));
-    link.Raise(&SessionEvents::OnGroupChat, room, stanza.from, stanza.node);
+    link.Raise(&SessionEvents::OnGroupChat, room, stanza.from, stanza.Node());
 }
 
 }  // namespace quorix

@@ -49,7 +49,7 @@ void SendGetLastResponse(SessionLink& link, StringView jid, StringView seconds) 
 void HandleVersion(SessionLink& link, const Stanza& stanza) {
     if (stanza.IsGet()) link.Raise(&SessionEvents::OnVersionRequest, stanza.from, stanza.id);
     if (!stanza.IsResult()) return;
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     link.Raise(&SessionEvents::OnVersionResult, stanza.from, query.Child(u"name").Text(),
                query.Child(u"version").Text(), query.Child(u"os").Text());
 }
@@ -57,7 +57,7 @@ void HandleVersion(SessionLink& link, const Stanza& stanza) {
 void HandleTime(SessionLink& link, const Stanza& stanza) {
     if (stanza.IsGet()) link.Raise(&SessionEvents::OnTimeRequest, stanza.from, stanza.id);
     if (!stanza.IsResult()) return;
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     link.Raise(&SessionEvents::OnTimeResult, stanza.from, query.Child(u"utc").Text(),
                query.Child(u"display").Text());
 }
@@ -66,7 +66,7 @@ void HandleLast(SessionLink& link, const Stanza& stanza) {
     if (stanza.IsGet()) link.Raise(&SessionEvents::OnGetLastRequest, stanza.from, stanza.id);
     if (!stanza.IsResult()) return;
     std::int32_t seconds = WireInt32(stanza.Query().Attribute(u"seconds"));
-    link.Raise(&SessionEvents::OnLastSeenResult, stanza.node, stanza.from, seconds);
+    link.Raise(&SessionEvents::OnLastSeenResult, stanza.Node(), stanza.from, seconds);
 }
 
 }  // namespace quorix

@@ -25,7 +25,7 @@ void SendOOBComplete(SessionLink& link, StringView jid) {
 }
 
 void HandleOob(SessionLink& link, const Stanza& stanza) {
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     if (stanza.IsSet()) {
         link.Raise(&SessionEvents::OnOOBRequest, stanza.from, query.Child(u"desc").Text(),
                    query.Child(u"url").Text());

@@ -1,41 +1,41 @@
 #include "quorix/services/Search.h"
 
 #include "quorix/services/XDataForm.h"
-#include "quorix/xml/Outermost.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
 namespace {
 
-void AddPlainHit(const TextRules& rules, cSearchResults& results, const XmlNode& item) {
+void AddPlainHit(const TextRules& rules, cSearchResults& results, const ParsedNode& item) {
     auto hit = results.Add(item.Attribute(u"jid"));
-    for (XmlNode child = item.FirstElement(); child; child = child.NextElement()) {
+    for (ParsedNode child = item.FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"iq") || child.Is(u"query")) continue;
         hit->Fields()->Add(child.Name(), rules.Read(child.Text()));
     }
 }
 
-String JidOf(const XmlNode& item) {
-    for (XmlNode field = item.FirstElement(); field; field = field.NextElement()) {
+String JidOf(const ParsedNode& item) {
+    for (ParsedNode field = item.FirstElement(); field; field = field.NextElement()) {
         if (field.Is(u"field") && field.AttributeIs(u"var", u"jid")) return field.Child(u"value").Text();
     }
     return {};
 }
 
 // The values of a data form stay wire text, unlike those of a plain hit.
-void AddFormHit(const TextRules& /*rules*/, cSearchResults& results, const XmlNode& item) {
+void AddFormHit(const TextRules& /*rules*/, cSearchResults& results, const ParsedNode& item) {
     auto hit = results.Add(JidOf(item));
-    for (XmlNode field = item.FirstElement(); field; field = field.NextElement()) {
+    for (ParsedNode field = item.FirstElement(); field; field = field.NextElement()) {
         if (!field.Is(u"field") || field.AttributeIs(u"var", u"jid")) continue;
         hit->Fields()->Add(field.Attribute(u"var"), field.Child(u"value").Text());
     }
 }
 
-std::shared_ptr<cSearchResults> ReadResults(const TextRules& rules, const XmlNode& root) {
+std::shared_ptr<cSearchResults> ReadResults(const TextRules& rules, const ParsedNode& root) {
     auto results = std::make_shared<cSearchResults>();
-    bool isForm = static_cast<bool>(root.SelectSingle(u"//x[@xmlns='jabber:x:data']"));
+    bool isForm = static_cast<bool>(FindExtension(root, u"jabber:x:data"));
     auto add = isForm ? AddFormHit : AddPlainHit;
-    for (const XmlNode& item : Outermost(root, u"item")) add(rules, *results, item);
+    for (const ParsedNode& item : Outermost(root, u"item")) add(rules, *results, item);
     return results;
 }
 
@@ -44,9 +44,9 @@ std::shared_ptr<cSearchResults> ReadResults(const TextRules& rules, const XmlNod
 void Search::Handle(SessionLink& link, const Stanza& stanza) {
     if (!stanza.IsResult()) return;
     fields_->Clear();
-    if (!stanza.node->GetTag(u"item").empty()) {
+    if (FindTagBelow(stanza.root, u"item").HasText()) {
         HandleResults(link, stanza);
-    } else if (!stanza.node->GetTag(u"instructions").empty()) {
+    } else if (FindTagBelow(stanza.root, u"instructions").HasText()) {
         HandleForm(link, stanza);
     }
 }
@@ -58,7 +58,7 @@ void Search::HandleResults(SessionLink& link, const Stanza& stanza) {
 
 void Search::HandleForm(SessionLink& link, const Stanza& stanza) {
     form_ = std::make_shared<cXData>();
-    for (XmlNode child = stanza.Query().FirstElement(); child; child = child.NextElement()) {
+    for (ParsedNode child = stanza.Query().FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"x")) {
             FillXData(*form_, child);
         } else if (!child.Is(u"iq") && !child.Is(u"query")) {

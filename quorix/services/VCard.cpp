@@ -100,16 +100,16 @@ constexpr Place kHome{&cVcard::HomeExtAddress, &cVcard::HomeStreet,     &cVcard:
 constexpr Place kWork{&cVcard::BusinessExtAddress, &cVcard::BusinessStreet,     &cVcard::BusinessCity,
                       &cVcard::BusinessRegion,     &cVcard::BusinessPostalCode, &cVcard::BusinessCountry};
 
-void Fill(const TextRules& rules, cVcard& card, Setter property, const XmlNode& element) {
+void Fill(const TextRules& rules, cVcard& card, Setter property, const ParsedNode& element) {
     String text = element.Text();
     if (!text.empty()) (card.*property)(rules.Read(text));
 }
 
-bool Has(const XmlNode& element, StringView marker) { return static_cast<bool>(element.Child(marker)); }
-bool IsWork(const XmlNode& element) { return Has(element, u"WORK") && !Has(element, u"HOME"); }
+bool Has(const ParsedNode& element, StringView marker) { return static_cast<bool>(element.Child(marker)); }
+bool IsWork(const ParsedNode& element) { return Has(element, u"WORK") && !Has(element, u"HOME"); }
 
 // Null for a number of a kind that a card has no property for.
-Setter NumberProperty(const XmlNode& number) {
+Setter NumberProperty(const ParsedNode& number) {
     const Numbers& numbers = IsWork(number) ? kWorkNumbers : kHomeNumbers;
     if (Has(number, u"VOICE")) return numbers.phone;
     if (Has(number, u"FAX")) return numbers.fax;
@@ -119,12 +119,12 @@ Setter NumberProperty(const XmlNode& number) {
     return other ? nullptr : numbers.phone;
 }
 
-void ReadNumber(const TextRules& rules, cVcard& card, const XmlNode& element) {
+void ReadNumber(const TextRules& rules, cVcard& card, const ParsedNode& element) {
     Setter property = NumberProperty(element);
     if (property) Fill(rules, card, property, element.Child(u"NUMBER"));
 }
 
-void ReadAddress(const TextRules& rules, cVcard& card, const XmlNode& element) {
+void ReadAddress(const TextRules& rules, cVcard& card, const ParsedNode& element) {
     const Place& place = IsWork(element) ? kWork : kHome;
     Fill(rules, card, place.extended, element.Child(u"EXTADD"));
     Fill(rules, card, place.street, element.Child(u"STREET"));
@@ -135,12 +135,12 @@ void ReadAddress(const TextRules& rules, cVcard& card, const XmlNode& element) {
     Fill(rules, card, place.country, element.Child(u"COUNTRY"));
 }
 
-void ReadEmail(const TextRules& rules, cVcard& card, const XmlNode& element) {
-    XmlNode user = element.Child(u"USERID");
+void ReadEmail(const TextRules& rules, cVcard& card, const ParsedNode& element) {
+    ParsedNode user = element.Child(u"USERID");
     Fill(rules, card, &cVcard::Email, user ? user : element);
 }
 
-void ReadElement(const TextRules& rules, cVcard& card, const XmlNode& element) {
+void ReadElement(const TextRules& rules, cVcard& card, const ParsedNode& element) {
     if (element.Is(u"TEL")) return ReadNumber(rules, card, element);
     if (element.Is(u"ADR")) return ReadAddress(rules, card, element);
     if (element.Is(u"EMAIL")) return ReadEmail(rules, card, element);
@@ -164,10 +164,10 @@ void UpdateVcard(SessionLink& link, const std::shared_ptr<cVcard>& card) {
                           Markup(UpdateBody(link.Text(), *card)), u"</vCard></iq>"}));
 }
 
-std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const XmlNode& element) {
+std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const ParsedNode& element) {
     auto card = std::make_shared<cVcard>();
-    std::vector<XmlNode> children;
-    for (XmlNode child = element.FirstElement(); child; child = child.NextElement())
+    std::vector<ParsedNode> children;
+    for (ParsedNode child = element.FirstElement(); child; child = child.NextElement())
         children.push_back(child);
     // From the last, so that the first one that is not empty stays.
     for (auto child = children.rbegin(); child != children.rend(); ++child) ReadElement(rules, *card, *child);
@@ -175,11 +175,11 @@ std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const XmlNode& element
 }
 
 void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza) {
-    XmlNode element = stanza.Query();
+    ParsedNode element = stanza.Query();
     if (!stanza.IsResult() || !EqualsIgnoringCase(element.Name(), u"VCARD")) return;
     std::shared_ptr<cVcard> card = ReadVCard(link->Text(), element);
     card->SetSession(link);
-    link->Raise(&SessionEvents::OnVCardResult, card, stanza.from, stanza.node);
+    link->Raise(&SessionEvents::OnVCardResult, card, stanza.from, stanza.Node());
 }
 
 }  // namespace quorix

@@ -16,7 +16,7 @@ void UpdateVcard(SessionLink& link, const std::shared_ptr<cVcard>& card);
 
 // The card in a vCard element. A telephone number or address without HOME or WORK belongs to the home, a
 // number without a kind is for voice; of several that fit one property, the first that is not empty counts.
-std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const XmlNode& element);
+std::shared_ptr<cVcard> ReadVCard(const TextRules& rules, const ParsedNode& element);
 
 void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza);
 

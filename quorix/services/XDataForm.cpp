@@ -4,21 +4,21 @@ namespace quorix {
 
 namespace {
 
-std::shared_ptr<cXDataOption> ReadOption(const XmlNode& element) {
+std::shared_ptr<cXDataOption> ReadOption(const ParsedNode& element) {
     auto option = std::make_shared<cXDataOption>();
     option->Label(element.Attribute(u"label"));
     option->Value(element.Child(u"value").Text());
     return option;
 }
 
-std::shared_ptr<cXDataField> ReadField(const XmlNode& element) {
+std::shared_ptr<cXDataField> ReadField(const ParsedNode& element) {
     auto field = std::make_shared<cXDataField>();
     field->FieldType(element.Attribute(u"type"));
     field->Label(element.Attribute(u"label"));
     field->Var(element.Attribute(u"var"));
     field->Value(element.Child(u"value").Text());
     field->Required(static_cast<bool>(element.Child(u"required")));
-    for (XmlNode child = element.FirstElement(); child; child = child.NextElement()) {
+    for (ParsedNode child = element.FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"option")) field->Options().Add(ReadOption(child));
     }
     return field;
@@ -26,10 +26,10 @@ std::shared_ptr<cXDataField> ReadField(const XmlNode& element) {
 
 }  // namespace
 
-void FillXData(cXData& form, const XmlNode& x) {
+void FillXData(cXData& form, const ParsedNode& x) {
     form.Instructions(x.Child(u"instructions").Text());
     form.Title(x.Child(u"title").Text());
-    for (XmlNode child = x.FirstElement(); child; child = child.NextElement()) {
+    for (ParsedNode child = x.FirstElement(); child; child = child.NextElement()) {
         if (child.Is(u"field")) form.Fields().Add(ReadField(child));
     }
 }

@@ -2,12 +2,12 @@
 #pragma once
 
 #include "quorix/services/cXData.h"
-#include "quorix/xml/XmlDocument.h"
+#include "quorix/xml/ParsedXml.h"
 
 namespace quorix {
 
 // Appends the fields of the `x` element to `form`; title and instructions are replaced. Values stay wire
 // text.
-void FillXData(cXData& form, const XmlNode& x);
+void FillXData(cXData& form, const ParsedNode& x);
 
 }  // namespace quorix

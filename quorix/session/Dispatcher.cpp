@@ -3,6 +3,7 @@
 #include "quorix/auth/Account.h"
 #include "quorix/base/Number.h"
 #include "quorix/im/Messages.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
@@ -51,8 +52,11 @@ const Dispatcher::Route Dispatcher::kRoutes[] = {
 };
 
 void Dispatcher::ProcessStanza(const Frame& frame) {
-    session_.Raise(&SessionEvents::OnIncomingXML, frame.text);
-    Contain([&] { Dispatch(Stanza(frame.node)); });
+    Contain([&] {
+        if (session_.sinks_.WantWireText())
+            session_.RaiseWireText(&SessionEvents::OnIncomingXML, frame.Text());
+    });
+    if (frame.IsStanza()) Contain([&] { Dispatch(Stanza(frame.tree, frame.node)); });
 }
 
 void Dispatcher::Dispatch(const Stanza& stanza) {
@@ -73,13 +77,13 @@ void Dispatcher::Iq(const Stanza& stanza) {
         IqError(stanza);
         TakeToBranch(stanza);
     });
-    session_.Raise(&SessionEvents::OnIQ, stanza.node);
+    session_.Raise(&SessionEvents::OnIQ, stanza.Node());
 }
 
 void Dispatcher::IqError(const Stanza& stanza) {
     bool reported = stanza.Query().AttributeIs(u"xmlns", kOutOfBand);  // by OnOOBResult
     if (!stanza.IsError() || reported) return;
-    session_.Raise(&SessionEvents::OnIQError, stanza.node, stanza.from, stanza.ErrorCode(),
+    session_.Raise(&SessionEvents::OnIQError, stanza.Node(), stanza.from, stanza.ErrorCode(),
                    stanza.ErrorText());
 }
 
@@ -142,7 +146,7 @@ void Dispatcher::LoginFailure(const Stanza& stanza) {
 // What the server offers, on each reply anew.
 void Dispatcher::LoginFields(const Stanza& stanza) {
     if (!stanza.IsResult()) return;
-    XmlNode query = stanza.Query();
+    ParsedNode query = stanza.Query();
     session_.login_.digest = static_cast<bool>(query.Child(u"digest"));
     session_.login_.sequence = WireInt16(query.Child(u"sequence").Text());
     session_.login_.token = query.Child(u"token").Text();
@@ -159,7 +163,7 @@ void Dispatcher::Registration(const Stanza& stanza) {
 // -- Other queries --
 
 void Dispatcher::Administration(const Stanza& stanza) {
-    if (stanza.IsResult() && stanza.node->TagExists(u"presence")) ParsePresenceList(self_, stanza);
+    if (stanza.IsResult() && FindTagBelow(stanza.root, u"presence")) ParsePresenceList(self_, stanza);
 }
 
 void Dispatcher::RosterQuery(const Stanza& stanza) {
@@ -171,7 +175,7 @@ void Dispatcher::SearchReply(const Stanza& stanza) { session_.search_.Handle(ses
 void Dispatcher::VCardReply(const Stanza& stanza) { HandleVCard(self_, stanza); }
 
 void Dispatcher::WithoutQuery(const Stanza& stanza) {
-    if (stanza.IsResult()) session_.Raise(&SessionEvents::OnIQResult, stanza.node, stanza.from);
+    if (stanza.IsResult()) session_.Raise(&SessionEvents::OnIQResult, stanza.Node(), stanza.from);
 }
 
 }  // namespace quorix

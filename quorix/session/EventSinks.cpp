@@ -22,6 +22,11 @@ void EventSinks::Unadvise(const std::shared_ptr<SessionEvents>& sink) {
     sinks_ = std::move(list);
 }
 
+bool EventSinks::WantWireText() const {
+    return std::any_of(sinks_->begin(), sinks_->end(),
+                       [](const auto& sink) { return sink->WantsWireText(); });
+}
+
 void EventSinks::ForEach(const std::function<void(SessionEvents&)>& raise) const {
     std::shared_ptr<const List> started = sinks_;
     for (const std::shared_ptr<SessionEvents>& sink : *started) {

@@ -15,6 +15,8 @@ public:
     void Advise(std::shared_ptr<SessionEvents> sink);
     void Unadvise(const std::shared_ptr<SessionEvents>& sink);
 
+    bool WantWireText() const;
+
     // Calls `raise` for each sink that was there at the start and still is. What a sink throws ends with it.
     void ForEach(const std::function<void(SessionEvents&)>& raise) const;
 

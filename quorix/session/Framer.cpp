@@ -1,43 +1,141 @@
 #include "quorix/session/Framer.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "quorix/base/WireText.h"
 
 namespace quorix {
 
-std::optional<Frame> FrameBatch::Next() {
-    if (whole_) return std::exchange(whole_, std::nullopt);
-    XmlNode child = content_ ? content_->Root().FirstChild() : XmlNode();
-    if (!child) return {};
-    String text = child.Xml();
-    if (child.IsElement()) return Frame{text, std::make_shared<cXML_Node>(XmlDocument::Detach(child))};
-    content_->Root().RemoveChild(child);
-    return Frame{text, std::make_shared<cXML_Node>()};
-}
+namespace {
 
-void Framer::Append(StringView text) {
-    if (hopeless_) return;
-    text_ += text;
-    scanner_.Take(text);
+constexpr std::string_view kDeclaration = "<?xml";
+constexpr std::size_t kKeptAnyway = 1U << 16U;
+
+bool IsBlankByte(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+bool MayBeDeclaration(std::string_view text) {
+    return kDeclaration.starts_with(text.substr(0, kDeclaration.size()));
 }
 
 // Unlike comments and instructions, a declaration is nothing without its element.
-bool Framer::IsDeclarationAlone() const {
-    constexpr StringView kOpening = u"<?xml";
-    return scanner_.IsEmpty() && StartsWith(text_, kOpening) && IsSpace(text_[kOpening.size()]);
+bool IsDeclaration(std::string_view text) {
+    return text.starts_with(kDeclaration) && IsBlankByte(text[kDeclaration.size()]);
 }
 
-FrameBatch Framer::TakeComplete() {
-    if (scanner_.Hopeless()) hopeless_ = true;
-    if (hopeless_) text_ = String();
-    if (hopeless_ || !scanner_.Complete() || IsDeclarationAlone()) return {};
-    bool isDocument = std::exchange(scanner_, StanzaScanner()).IsDocument();
-    String text = std::exchange(text_, String());
-    auto document = XmlDocument::Create();
-    bool loaded = isDocument ? document->Load(text) : document->LoadContent(text);
-    hopeless_ = !loaded;
-    if (!loaded) return {};
-    if (!isDocument) return FrameBatch(std::move(document));
-    return FrameBatch(Frame{std::move(text), std::make_shared<cXML_Node>(std::move(document))});
+}  // namespace
+
+String Frame::Text() const {
+    if (bytes) return WireFromBytes(*bytes);
+    return node ? node.Xml() : tree->Xml();
+}
+
+void Framer::Append(std::string_view bytes, bool keepText) {
+    if (state_ == State::Hopeless) text_ = std::string();
+    if (state_ == State::Hopeless || bytes.empty()) return;
+    if (text_.empty()) keepText_ = keepText;
+    Keep(bytes);
+    if (state_ == State::Idle || state_ == State::Deciding) {
+        state_ =
+            text_.size() <= kDeclaration.size() && MayBeDeclaration(text_) ? State::Deciding : State::Content;
+        if (state_ == State::Deciding) return;
+        if (IsDeclaration(text_)) state_ = State::Document;
+        return Take(std::string(text_));
+    }
+    Take(bytes);
+}
+
+// The beginning is always kept, since it may be asked for before the whole.
+void Framer::Keep(std::string_view bytes) {
+    bool whole = keepText_ || state_ == State::Document || text_.size() < kKeptAnyway;
+    if (whole && trees_.size() < 2) text_ += bytes;
+}
+
+void Framer::Take(std::string_view bytes) {
+    state_ == State::Document ? TakeDocument(bytes) : TakeContent(bytes);
+}
+
+void Framer::TakeContent(std::string_view bytes) {
+    if (!std::exchange(begun_, true)) content_.BeginInside();
+    content_.Feed(bytes);
+    while (true) {
+        switch (content_.Next()) {
+            case StreamParser::Event::Element: trees_.push_back(content_.Take()); break;
+            case StreamParser::Event::Nothing: complete_ = content_.AtRest(); return;
+            default: return Block();
+        }
+    }
+}
+
+void Framer::TakeDocument(std::string_view bytes) {
+    if (!document_) {
+        document_.emplace(StreamParser::Bytes::Wire).Begin();
+        documentClosed_ = false;
+    }
+    document_->Feed(bytes);
+    while (true) {
+        switch (document_->Next()) {
+            case StreamParser::Event::Malformed: return Block();
+            case StreamParser::Event::Nothing: complete_ = documentClosed_; return;
+            case StreamParser::Event::Closed: documentClosed_ = true; break;
+            default: document_->Take();
+        }
+    }
+}
+
+// One element, and no text beside it: the whole is a document.
+bool Framer::IsOneDocument() const {
+    int elements = 0;
+    for (const ParsedXmlPtr& tree : trees_) {
+        for (ParsedNode node = tree->First(); node; node = node.NextSibling()) {
+            if (node.IsElement() && ++elements > 1) return false;
+            if (node.IsText() && !node.IsBlankText()) return false;
+        }
+    }
+    return elements == 1;
+}
+
+void Framer::Release() {
+    if (state_ == State::Document) return ReleaseWhole();
+    if (ParsedXmlPtr rest = content_.TakeRest(); rest->First()) trees_.push_back(std::move(rest));
+    bool kept = keepText_ || text_.size() < kKeptAnyway;
+    if (trees_.size() <= 2 && IsOneDocument() && kept) {
+        ReleaseWhole();
+    } else {
+        for (ParsedXmlPtr& tree : trees_) {
+            for (ParsedNode node = tree->First(); node; node = node.NextSibling()) {
+                if (!node.IsBlankText()) ready_.push_back({tree, node, {}});
+            }
+        }
+    }
+    trees_.clear();
+    text_.clear();
+    state_ = State::Idle;
+}
+
+// What stands beside the element belongs to the document; most often there is nothing.
+void Framer::ReleaseWhole() {
+    ParsedXmlPtr tree =
+        trees_.size() == 1 && !trees_[0]->First().NextSibling() ? trees_[0] : ParsedXml::FromWire(text_);
+    if (!tree) return;  // something has begun behind the document
+    ready_.push_back({std::move(tree), {}, std::exchange(text_, {})});
+    document_.reset();
+    state_ = State::Idle;
+}
+
+// Its beginning may still be asked for.
+void Framer::Block() {
+    trees_.clear();
+    document_.reset();
+    state_ = State::Hopeless;
+}
+
+std::optional<Frame> Framer::Next() {
+    if (ready_.empty() && std::exchange(complete_, false)) Release();
+    if (ready_.empty()) return {};
+    Frame next = std::move(ready_.front());
+    ready_.pop_front();
+    return next;
 }
 
 }  // namespace quorix

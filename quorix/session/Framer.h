@@ -1,57 +1,63 @@
-// Cuts the text of the stream, which arrives in arbitrary pieces, into stanzas.
-//
-// The text received and not yet handed on is either well-formed as a whole or waits for more: a complete
-// stanza with the beginning of another behind it is kept until the other is complete too. Taking a piece
-// costs time in proportion to the piece; text is loaded once, when it can be complete. Text that can never
-// become well-formed blocks the rest of the stream, as it must, but is not stored.
+// Cuts the bytes of a stream, which arrive in arbitrary pieces, into stanzas, in the classic manner: what has
+// come and was not handed on is either well-formed as a whole, as one document or side by side, or waits for
+// more. So a complete stanza with the beginning of another behind it is kept until the other is complete too.
+// Text that can never become well-formed blocks the rest of the stream, as it must, but is not stored.
 #pragma once
 
-#include <memory>
+#include <deque>
 #include <optional>
+#include <string>
+#include <string_view>
 
-#include "quorix/session/StanzaScanner.h"
-#include "quorix/xml/cXML_Node.h"
+#include "quorix/xml/StreamParser.h"
 
 namespace quorix {
 
-// One stanza, or a piece of text or a comment that stands between stanzas. The node is empty for those.
+// One stanza, or a text or a comment that stands between stanzas, with all that it was parsed into.
 struct Frame {
-    String text;
-    std::shared_ptr<cXML_Node> node;
-};
+    ParsedXmlPtr tree;
+    ParsedNode node;                   // empty for a whole document
+    std::optional<std::string> bytes;  // as received, when it is a whole document
 
-// The stanzas of one complete text, in order.
-class FrameBatch {
-public:
-    FrameBatch() = default;
-    explicit FrameBatch(Frame whole) : whole_(std::move(whole)) {}
-    explicit FrameBatch(std::shared_ptr<XmlDocument> content) : content_(std::move(content)) {}
-
-    std::optional<Frame> Next();
-
-private:
-    std::optional<Frame> whole_;
-    std::shared_ptr<XmlDocument> content_;
+    // Wire text or text, as the stream's bytes were parsed.
+    String Text() const;
+    bool IsStanza() const { return Root() && !tree->TooDeep(); }
+    ParsedNode Root() const { return node ? (node.IsElement() ? node : ParsedNode()) : tree->Root(); }
 };
 
 class Framer {
 public:
-    // Forgets everything: a new stream begins.
-    void Reset() { *this = Framer(); }
+    // `keepText`: somebody will ask what has come for its text.
+    void Append(std::string_view bytes, bool keepText = true);
 
-    // The text that is waiting and `text` behind it; `text` alone in most cases.
-    void Append(StringView text);
-    const String& Text() const { return text_; }
+    // What has come and was not handed on, as far as it is kept: its beginning, or all of it.
+    const std::string& Waiting() const { return text_; }
 
-    // The stanzas of the waiting text, which is then empty; an empty batch while it is incomplete.
-    FrameBatch TakeComplete();
+    // The next frame of what is complete; nothing when more has to come.
+    std::optional<Frame> Next();
 
 private:
-    bool IsDeclarationAlone() const;
+    enum class State { Idle, Deciding, Content, Document, Hopeless };
 
-    String text_;
-    StanzaScanner scanner_;
-    bool hopeless_ = false;
+    void Take(std::string_view bytes);
+    void TakeContent(std::string_view bytes);
+    void TakeDocument(std::string_view bytes);
+    void Keep(std::string_view bytes);
+    void Release();
+    void ReleaseWhole();
+    bool IsOneDocument() const;
+    void Block();
+
+    StreamParser content_{StreamParser::Bytes::Wire};
+    std::optional<StreamParser> document_;  // a declaration began it
+    State state_ = State::Idle;
+    bool begun_ = false;
+    bool keepText_ = true;
+    bool documentClosed_ = false;
+    bool complete_ = false;
+    std::string text_;
+    std::vector<ParsedXmlPtr> trees_;  // complete, but not what follows them
+    std::deque<Frame> ready_;
 };
 
 }  // namespace quorix

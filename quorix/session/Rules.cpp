@@ -10,6 +10,9 @@ class ClassicRules : public SessionRules {
 public:
     eMode Mode() const override { return KV_Classic; }
     const TextRules& Text() const override { return ClassicText(); }
+    std::unique_ptr<StreamReader> NewReader(const std::int32_t& /*maxStanzaSize*/) const override {
+        return NewClassicReader();
+    }
     void RefuseToSend() const override {}
 };
 
@@ -17,6 +20,9 @@ class ModernRules : public SessionRules {
 public:
     eMode Mode() const override { return KV_Modern; }
     const TextRules& Text() const override { return ModernText(); }
+    std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const override {
+        return NewModernReader(maxStanzaSize);
+    }
     void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }
 };
 

@@ -3,7 +3,10 @@
 // A session holds the rules of its mode and asks them; nothing outside these rules asks for the mode itself.
 #pragma once
 
+#include <memory>
+
 #include "quorix/base/TextRules.h"
+#include "quorix/session/StreamReader.h"
 
 namespace quorix {
 
@@ -19,6 +22,9 @@ public:
 
     virtual eMode Mode() const = 0;
     virtual const TextRules& Text() const = 0;
+
+    // How the stream is read; see StreamReader.h.
+    virtual std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const = 0;
 
     // What a sender gets while the session is not connected: nothing, or error 10057.
     virtual void RefuseToSend() const = 0;

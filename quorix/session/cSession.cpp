@@ -19,13 +19,6 @@ namespace {
 constexpr std::int32_t kKeepAliveUnit = 64000;  // milliseconds
 constexpr StringView kKeepAliveText = u"  \t  ";
 constexpr StringView kStreamsNamespace = u"http://etherx.jabber.org/streams";
-constexpr StringView kStreamError = u"<stream:error>";
-
-String GetStreamID(StringView header) {
-    cXML_Node stream;
-    stream.xml(Concat({header, u"</stream:stream>"}));
-    return stream.Root().Attribute(u"id");
-}
 
 // Sets a flag while in scope.
 class Flagged {
@@ -80,8 +73,14 @@ public:
             session.socket1_Error(Number, text);
         });
     }
+    // Most often nothing has to wait, and the bytes are taken where they are.
     void OnDataArrival(std::string_view bytes, StringView /*remoteHost*/) override {
-        Deliver([&session = session_, data = std::string(bytes)] { session.socket1_DataArrival(data); });
+        if (session_.MustWait()) {
+            Deliver([&session = session_, data = std::string(bytes)] { session.socket1_DataArrival(data); });
+            return;
+        }
+        Held held(session_);
+        session_.TakeNow([&] { session_.socket1_DataArrival(bytes); });
     }
 
 private:
@@ -179,7 +178,7 @@ void cSession::socket1_Connect() {
 }
 
 void cSession::SendStreamHeader() {
-    framer_.Reset();
+    reader_ = rules_->NewReader(maxStanzaSize_);
     Send(Compose(Text(), {u"<stream:stream to='", Quoted(serverAddress_),
                           u"' xmlns='jabber:client' xmlns:stream='", Markup(kStreamsNamespace), u"'>"}));
 }
@@ -277,6 +276,15 @@ void cSession::Deliver(std::function<void()> step) {
     if (!delivering_ && !closing_) DrainDeliveries();
 }
 
+template <class Step>
+void cSession::TakeNow(Step step) {
+    {
+        Flagged delivering(delivering_);
+        step();
+    }
+    if (!deliveries_.empty()) DrainDeliveries();
+}
+
 void cSession::DrainDeliveries() {
     Flagged delivering(delivering_);
     while (!deliveries_.empty()) {
@@ -288,9 +296,8 @@ void cSession::DrainDeliveries() {
 
 void cSession::socket1_DataArrival(std::string_view bytes) {
     if (proxyType_ == KV_SOCKS5Proxy && !socks_.IsNegotiated()) return AnswerProxy(bytes);
-    String text = WireFromBytes(bytes);
-    if (proxyType_ == KV_HTTPProxy && IsHttpResponse(text)) return;
-    ProcessIncoming(text);
+    if (proxyType_ == KV_HTTPProxy && IsHttpResponse(bytes)) return;
+    ProcessIncoming(bytes);
 }
 
 void cSession::AnswerProxy(std::string_view reply) {
@@ -309,29 +316,46 @@ void cSession::AnswerProxy(std::string_view reply) {
 
 // -- The inbound stream --
 
-void cSession::ProcessIncoming(StringView text) {
-    if (!streamOpen_) return TakeStreamHeader(text);
-    std::uint32_t generation = generation_;
-    framer_.Append(text);
-    if (StartsWith(framer_.Text(), kStreamError)) EndWithStreamError();
-    if (generation_ != generation) return;  // the text is not of the stream that a handler has begun
-    FrameBatch batch = framer_.TakeComplete();
+void cSession::ProcessIncoming(std::string_view bytes) {
+    if (!reader_) return;
     Entry entry(*this);
     Dispatcher dispatcher(*this, entry.Self());
-    while (generation_ == generation) {
-        std::optional<Frame> frame = batch.Next();
-        if (!frame) return;
-        dispatcher.ProcessStanza(*frame);
+    std::uint32_t generation = generation_;
+    reader_->Feed(bytes, sinks_.WantWireText());
+    while (generation_ == generation && TakeStep(dispatcher)) {
     }
 }
 
-// Whatever follows the header in its chunk is dropped with it.
-void cSession::TakeStreamHeader(StringView header) {
+// False when there is none. A stream that could not be read for want of memory is lost.
+bool cSession::TakeStep(Dispatcher& dispatcher) {
+    StreamStep step;
+    try {
+        step = reader_->Next();
+    } catch (const std::bad_alloc&) {
+        step.kind = StreamStep::Kind::Closed;
+    }
+    switch (step.kind) {
+        case StreamStep::Kind::Nothing: return false;
+        case StreamStep::Kind::Header: TakeStreamHeader(step); break;
+        case StreamStep::Kind::Stanza: dispatcher.ProcessStanza(step.frame); break;
+        case StreamStep::Kind::Error: EndWithStreamError(step); break;
+        case StreamStep::Kind::Closed: CloseSession({}, {}); break;
+    }
+    return true;
+}
+
+void cSession::RaiseWireText(void (SessionEvents::*event)(StringView), StringView text) {
+    ForEachSink([&](SessionEvents& sink) {
+        if (sink.WantsWireText()) (sink.*event)(text);
+    });
+}
+
+void cSession::TakeStreamHeader(const StreamStep& header) {
     std::uint32_t generation = generation_;
-    Raise(&SessionEvents::OnIncomingXML, header);
+    RaiseWireText(&SessionEvents::OnIncomingXML, header.text);
     if (generation_ != generation) return;
     streamOpen_ = true;
-    login_.sessionID = GetStreamID(header);
+    login_.sessionID = header.streamId;
     if (!IsConnected()) return;  // a handler has closed it
     if (newUser_) return RequestRegistrationForm(*this);
     switch (login_.authType) {
@@ -343,12 +367,13 @@ void cSession::TakeStreamHeader(StringView header) {
 }
 
 // The state is set to closed first, so that neither presence nor closing tag answers an error.
-void cSession::EndWithStreamError() {
+void cSession::EndWithStreamError(const StreamStep& error) {
     std::uint32_t generation = generation_;
-    Raise(&SessionEvents::OnIncomingXML, String(framer_.Text()));
+    if (!error.text.empty()) RaiseWireText(&SessionEvents::OnIncomingXML, error.text);
     if (generation_ != generation) return;
+    if (error.isFinal) connectionWanted_ = false;
     socket_->State(sockClosed);
-    CloseSession(u"0", u"INVALID XML STREAM");
+    CloseSession(u"0", error.description);
 }
 
 void cSession::RequestLoginFields() {
@@ -387,7 +412,7 @@ void cSession::Send(StringView xml) {
     if (!IsConnected()) return;
     Entry entry(*this);
     Transmit(Text().ToBytes(xml));
-    Raise(&SessionEvents::OnOutgoingXML, xml);
+    RaiseWireText(&SessionEvents::OnOutgoingXML, xml);
 }
 
 // Until a SOCKS5 proxy has opened the tunnel, its greeting goes out in place of any text.
@@ -424,8 +449,9 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
 }
 
 void cSession::ParseReceiveRoster(const NodePtr& message) {
-    if (!message) throw AutomationError(ERR_ObjectNotSet);
-    quorix::ParseReceiveRoster(*this, *message);
+    NodePtr kept = message;  // handlers may let it go
+    if (!kept) throw AutomationError(ERR_ObjectNotSet);
+    quorix::ParseReceiveRoster(*this, *kept);
 }
 
 eItemType cSession::FindItemType(StringView jid) {

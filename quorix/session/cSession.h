@@ -37,10 +37,11 @@
 #include "quorix/services/VCard.h"
 #include "quorix/services/cBrowseItem.h"
 #include "quorix/session/EventSinks.h"
-#include "quorix/session/Framer.h"
 #include "quorix/session/Rules.h"
 
 namespace quorix {
+
+class Dispatcher;
 
 enum eProxyType : std::int32_t {
     KV_NoProxy = 0,
@@ -346,6 +347,9 @@ private:
 
     // Socket notifications are taken one at a time; those that arrive meanwhile wait in their order.
     void Deliver(std::function<void()> step);
+    template <class Step>
+    void TakeNow(Step step);
+    bool MustWait() const { return delivering_ || closing_ || !deliveries_.empty(); }
     void DrainDeliveries();
 
     void socket1_Connect();
@@ -365,9 +369,11 @@ private:
     void Send(StringView xml);
     void Transmit(std::string_view bytes);
     void AnswerProxy(std::string_view reply);
-    void ProcessIncoming(StringView text);
-    void TakeStreamHeader(StringView header);
-    void EndWithStreamError();
+    void ProcessIncoming(std::string_view bytes);
+    bool TakeStep(Dispatcher& dispatcher);
+    void TakeStreamHeader(const StreamStep& header);
+    void EndWithStreamError(const StreamStep& error);
+    void RaiseWireText(void (SessionEvents::*event)(StringView), StringView text);
     void StartLogin();
     void RequestLoginFields();
     void BecomeActive();
@@ -422,7 +428,8 @@ private:
     std::deque<Delivery> deliveries_;
     EventSinks sinks_;
     Socks5Exchange socks_;
-    Framer framer_;
+    std::unique_ptr<StreamReader> reader_;
+    std::int32_t maxStanzaSize_ = 10 << 20;  // bytes
     PresenceTable presence_;
     RosterTable roster_;
     Search search_;

@@ -8,7 +8,8 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
-#include "quorix/xml/XmlParser.h"
+#include "quorix/xml/XmlBuilder.h"
+#include "quorix/xml/XmlEncoding.h"
 #include "quorix/xml/XmlQuery.h"
 #include "quorix/xml/XmlSerializer.h"
 
@@ -29,19 +30,6 @@ std::string ContentOf(StringView path) {
     return content.str();
 }
 
-// UTF-16 is text already, once its bytes are in order.
-std::optional<String> TextFromUtf16(std::string_view bytes) {
-    bool little = bytes.starts_with("\xFF\xFE");
-    if (!little && !bytes.starts_with("\xFE\xFF")) return {};
-    String text;
-    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
-        auto low = static_cast<unsigned char>(bytes[little ? i : i + 1]);
-        auto high = static_cast<unsigned char>(bytes[little ? i + 1 : i]);
-        text += static_cast<char16_t>(high << 8U | low);
-    }
-    return text;
-}
-
 // `xml` with the encoding that its declaration names, if any, replaced.
 std::string DeclaringUtf8(std::string xml) {
     std::size_t end = xml.starts_with("<?xml ") ? xml.find("?>") : 0;
@@ -56,28 +44,37 @@ std::string DeclaringUtf8(std::string xml) {
 
 std::shared_ptr<XmlDocument> XmlDocument::Create() { return std::make_shared<XmlDocument>(NewTree()); }
 
+std::shared_ptr<XmlDocument> XmlDocument::From(const ParsedNode& node) {
+    return std::make_shared<XmlDocument>(BuildTree(node));
+}
+
+std::shared_ptr<XmlDocument> XmlDocument::From(const ParsedXml& parsed) {
+    return std::make_shared<XmlDocument>(BuildTree(parsed));
+}
+
+// A node that cannot stand in a document of its own, an attribute say, leaves the copy empty.
+std::shared_ptr<XmlDocument> XmlDocument::CopyOf(const XmlNode& node) {
+    auto copy = Create();
+    const xmlNode* source = node.IsElement() ? node.Raw() : FirstElementFrom(ChildrenOf(node.Raw()));
+    if (source == nullptr) return copy;
+    xmlDoc* target = copy->tree_.get();
+    LinkLast(AsNode(*copy->tree_), Required(xmlDocCopyNode(const_cast<xmlNode*>(source), target, 1)));
+    return copy;
+}
+
 XmlDocument::XmlDocument(XmlTreePtr tree) : tree_(std::move(tree)) {}
 XmlDocument::~XmlDocument() = default;
 
-bool XmlDocument::Take(XmlTreePtr tree) {
-    bool loaded = tree != nullptr;
-    tree_ = loaded ? std::move(tree) : NewTree();
-    return loaded;
+bool XmlDocument::Take(const ParsedXmlPtr& parsed) {
+    tree_ = parsed ? BuildTree(*parsed) : NewTree();
+    return parsed != nullptr;
 }
 
-bool XmlDocument::Load(StringView text) {
-    return Take(HasLoneSurrogate(text) ? nullptr : ParseText(Utf8FromText(text), false));
-}
-
-bool XmlDocument::LoadContent(StringView text) {
-    if (HasLoneSurrogate(text)) return Take(nullptr);
-    return Take(ParseText("<content>" + Utf8FromText(text) + "</content>", true));
-}
+bool XmlDocument::Load(StringView text) { return Take(ParsedXml::FromText(text)); }
 
 bool XmlDocument::LoadFile(StringView path) {
-    std::string bytes = ContentOf(path);
-    if (std::optional<String> text = TextFromUtf16(bytes)) return Load(*text);
-    return Take(ParseFile(bytes));
+    std::optional<std::string> utf8 = Utf8FromFile(ContentOf(path));
+    return Take(utf8 ? ParsedXml::FromUtf8(*utf8) : nullptr);
 }
 
 void XmlDocument::SaveFile(StringView path) const {
@@ -118,16 +115,6 @@ XmlNode XmlDocument::CreateElement(StringView name) {
 void XmlDocument::AppendInstruction(StringView target, StringView data) {
     if (data.find(u"?>") != StringView::npos) throw AutomationError(ERR_InvalidCall);
     LinkLast(AsNode(*tree_), NewInstruction(*tree_, TreeName(target), TreeText(data)));
-}
-
-std::shared_ptr<XmlDocument> XmlDocument::Detach(const XmlNode& node) {
-    if (!node) throw AutomationError(ERR_ObjectNotSet);
-    if (!CanBeChild(node.Raw())) throw AutomationError(ERR_InvalidCall);
-    XmlTreePtr tree = NewTree(TreeOf(node.Raw())->dict);
-    Unlink(node.Raw());
-    Adopt(*tree, node.Raw());
-    LinkLast(AsNode(*tree), node.Raw());
-    return std::make_shared<XmlDocument>(std::move(tree));
 }
 
 }  // namespace quorix

@@ -1,8 +1,8 @@
 // An XML document: parsed from text or a file, or built node by node.
 //
 // Loading is strict and has no side effects: what is not well-formed, holds a document type declaration, or
-// exceeds a bound of XmlLimits.h leaves the document empty. White-space-only text that has an element beside
-// it is dropped, in a leaf it stays. A declaration is kept and written back first.
+// exceeds a bound of XmlLimits.h leaves the document empty. White space between elements is dropped unless
+// there is other text among them; in a leaf it stays. A declaration is kept and written back first.
 //
 // Ownership and threads: see XmlNode.h.
 #pragma once
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "quorix/base/String.h"
+#include "quorix/xml/ParsedXml.h"
 #include "quorix/xml/XmlNode.h"
 
 namespace quorix {
@@ -25,13 +26,14 @@ class XmlDocument {
 public:
     static std::shared_ptr<XmlDocument> Create();
 
+    // A document of its own with all of `parsed`, or with `node` and what is below it.
+    static std::shared_ptr<XmlDocument> From(const ParsedXml& parsed);
+    static std::shared_ptr<XmlDocument> From(const ParsedNode& node);
+    static std::shared_ptr<XmlDocument> CopyOf(const XmlNode& node);
+
     // Replaces the tree; handles into the former one stay valid. False when the document is empty now.
     // An encoding declared in `text` has no meaning, since characters are characters already.
     bool Load(StringView text);
-
-    // Loads `text` as the content of an enclosing element that is not in it: any number of elements side by
-    // side, with text between them. White-space-only text directly under the enclosing element is dropped.
-    bool LoadContent(StringView text);
 
     // The bytes are UTF-8, or what the file's byte order mark or declaration says: UTF-16 and ISO-8859-1 to
     // -16 everywhere, others where libxml2 has them. False when there is no such file.
@@ -41,7 +43,7 @@ public:
     // written.
     void SaveFile(StringView path) const;
 
-    // The document element, after LoadContent the enclosing one; empty in an empty document.
+    // The document element; empty in an empty document.
     XmlNode Root() const;
     // Makes `element` the document element in place of the present one. Error 5 when it is no element.
     void Root(const XmlNode& element);
@@ -59,15 +61,11 @@ public:
     // "?>", the end of an instruction.
     void AppendInstruction(StringView target, StringView data);
 
-    // Moves `node` and what is below it out of its document into one of its own, without parsing or copying.
-    // Handles into the subtree follow it. Error 91 when `node` is empty, 5 when it cannot be moved.
-    static std::shared_ptr<XmlDocument> Detach(const XmlNode& node);
-
     explicit XmlDocument(XmlTreePtr tree);
     ~XmlDocument();
 
 private:
-    bool Take(XmlTreePtr tree);
+    bool Take(const ParsedXmlPtr& parsed);
 
     XmlTreePtr tree_;
 };

@@ -81,8 +81,7 @@ String XmlNode::Text() const {
 void XmlNode::Text(StringView value) {
     DropChildren(RequireElement(node_));
     if (value.empty()) return;
-    std::string text = TreeText(value);
-    LinkLast(node_, NewText(*TreeOf(node_), text.data(), text.size()));
+    LinkLast(node_, NewText(*TreeOf(node_), TreeText(value)));
 }
 
 String XmlNode::Xml() const { return node_ ? TextFromUtf8(Serialize(node_)) : String(); }
@@ -130,6 +129,10 @@ XmlNode XmlNode::FirstElement() const { return XmlNode(FirstElementFrom(Children
 XmlNode XmlNode::NextElement() const { return XmlNode(FirstElementFrom(SiblingOf(node_))); }
 
 XmlNode XmlNode::Child(StringView name) const { return XmlNode(FindChild(node_, name)); }
+
+XmlNode XmlNode::Following(const XmlNode& top) const {
+    return XmlNode(node_ ? quorix::Following(node_, top.node_) : nullptr);
+}
 
 std::vector<XmlNode> XmlNode::Select(StringView xpath) const {
     return node_ ? SelectNodes(node_, xpath) : std::vector<XmlNode>();

@@ -66,7 +66,8 @@ public:
     XmlNode NextSibling() const;
     XmlNode FirstElement() const;
     XmlNode NextElement() const;
-    XmlNode Child(StringView name) const;  // the first child element of this name
+    XmlNode Child(StringView name) const;         // the first child element of this name
+    XmlNode Following(const XmlNode& top) const;  // the next node in document order below `top`
 
     // XPath 1.0, relative to this node; an absolute path starts at its document. A prefixed name matches the
     // name as written. Results in document order. Error 5 when `xpath` is malformed or selects no nodes by

@@ -1,6 +1,7 @@
 #include "quorix/xml/XmlSerializer.h"
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
 
 #include "quorix/base/XmlText.h"
 #include "quorix/xml/XmlTree.h"
@@ -9,61 +10,113 @@ namespace quorix {
 
 namespace {
 
-void AppendEscaped(std::string& out, const char* text, Place place) {
-    const char* special = place == Place::Content ? "&<>\r" : "&<>\"\t\n\r";
+// White space that a parser would take for something else is written as a reference.
+void AppendEscaped(std::string& out, std::string_view text, Place place) {
+    std::string_view special = place == Place::Content ? "&<>\r" : "&<>\"\t\n\r";
     while (true) {
-        std::size_t plain = std::strcspn(text, special);
-        out.append(text, plain);
-        text += plain;
-        if (*text == '\0') return;
-        StringView reference = ReferenceOf(static_cast<unsigned char>(*text++), place);
+        std::size_t plain = std::min(text.find_first_of(special), text.size());
+        out += text.substr(0, plain);
+        if (plain == text.size()) return;
+        StringView reference = ReferenceOf(static_cast<unsigned char>(text[plain]), place);
         out.append(reference.begin(), reference.end());
+        text.remove_prefix(plain + 1);
     }
 }
 
-void AppendAttribute(std::string& out, const xmlAttr* attribute) {
-    out += Chars(attribute->name);
-    out += "=\"";
-    if (attribute->children) AppendEscaped(out, Chars(attribute->children->content), Place::DoubleQuotes);
+void AppendAttribute(std::string& out, std::string_view name, std::string_view value) {
+    out.append(name).append("=\"");
+    AppendEscaped(out, value, Place::DoubleQuotes);
     out += '"';
 }
 
-void OpenElement(std::string& out, const xmlNode* element) {
-    out += '<';
-    out += Chars(element->name);
-    for (const xmlAttr* attribute = element->properties; attribute; attribute = attribute->next) {
-        out += ' ';
-        AppendAttribute(out, attribute);
+// -- What the two kinds of trees have in common, seen from here --
+
+struct Attribute {
+    std::string_view name;
+    std::string_view value;
+};
+
+XmlKind KindOf(const xmlNode* node) {
+    switch (node->type) {
+        case XML_ELEMENT_NODE: return XmlKind::Element;
+        case XML_CDATA_SECTION_NODE: return XmlKind::CData;
+        case XML_COMMENT_NODE: return XmlKind::Comment;
+        case XML_PI_NODE: return XmlKind::Instruction;
+        default: return XmlKind::Text;
     }
-    out += element->children ? ">" : "/>";
+}
+std::string_view NameOf(const xmlNode* node) { return Chars(node->name); }
+std::string_view ContentOf(const xmlNode* node) { return Chars(node->content); }
+const xmlNode* FirstChildOf(const xmlNode* node) { return ChildrenOf(node); }
+const xmlNode* NextOf(const xmlNode* node) { return node->next; }
+const xmlNode* ParentOf(const xmlNode* node) { return node->parent; }
+
+Attribute Pair(const xmlAttr* attribute) {
+    return {Chars(attribute->name), Chars(attribute->children ? attribute->children->content : nullptr)};
 }
 
-void CloseElement(std::string& out, const xmlNode* element) {
-    out += "</";
-    out += Chars(element->name);
-    out += '>';
+template <class Visit>
+void ForEachAttribute(const xmlNode* element, Visit visit) {
+    for (const xmlAttr* at = element->properties; at; at = at->next) visit(Pair(at).name, Pair(at).value);
 }
 
-void AppendInstruction(std::string& out, const xmlNode* node) {
-    out += "<?";
-    out += Chars(node->name);
-    if (node->content && *node->content) out += ' ';
-    out += Chars(node->content);
-    out += "?>";
+XmlKind KindOf(const ParsedNode& node) { return node.Kind(); }
+std::string_view NameOf(const ParsedNode& node) { return node.RawName(); }
+std::string_view ContentOf(const ParsedNode& node) { return node.RawContent(); }
+ParsedNode FirstChildOf(const ParsedNode& node) { return node.FirstChild(); }
+ParsedNode NextOf(const ParsedNode& node) { return node.NextSibling(); }
+ParsedNode ParentOf(const ParsedNode& node) { return node.Parent(); }
+
+template <class Visit>
+void ForEachAttribute(const ParsedNode& element, Visit visit) {
+    element.ForEachRawAttribute(visit);
+}
+
+// -- Writing --
+
+template <class Node>
+void OpenElement(std::string& out, const Node& element) {
+    out.append("<").append(NameOf(element));
+    ForEachAttribute(element, [&](std::string_view name, std::string_view value) {
+        out += ' ';
+        AppendAttribute(out, name, value);
+    });
+    out += FirstChildOf(element) ? ">" : "/>";
+}
+
+template <class Node>
+void AppendInstruction(std::string& out, const Node& node) {
+    std::string_view data = ContentOf(node);
+    out.append("<?").append(NameOf(node)).append(data.empty() ? "" : " ").append(data).append("?>");
 }
 
 // All of a leaf, the opening tag of an element.
-void Open(std::string& out, const xmlNode* node) {
-    switch (node->type) {
-        case XML_ELEMENT_NODE: OpenElement(out, node); break;
-        case XML_ATTRIBUTE_NODE: AppendAttribute(out, reinterpret_cast<const xmlAttr*>(node)); break;
-        case XML_TEXT_NODE: AppendEscaped(out, Chars(node->content), Place::Content); break;
-        case XML_CDATA_SECTION_NODE:
-            out.append("<![CDATA[").append(Chars(node->content)).append("]]>");
-            break;
-        case XML_COMMENT_NODE: out.append("<!--").append(Chars(node->content)).append("-->"); break;
-        case XML_PI_NODE: AppendInstruction(out, node); break;
-        default: break;
+template <class Node>
+void Open(std::string& out, const Node& node) {
+    switch (KindOf(node)) {
+        case XmlKind::Element: return OpenElement(out, node);
+        case XmlKind::Text: return AppendEscaped(out, ContentOf(node), Place::Content);
+        case XmlKind::CData: out.append("<![CDATA[").append(ContentOf(node)).append("]]>"); return;
+        case XmlKind::Comment: out.append("<!--").append(ContentOf(node)).append("-->"); return;
+        case XmlKind::Instruction: return AppendInstruction(out, node);
+    }
+}
+
+template <class Node>
+void AppendNode(std::string& out, const Node& top) {
+    Node node = top;
+    while (true) {
+        Open(out, node);
+        if (Node first = FirstChildOf(node)) {
+            node = first;
+            continue;
+        }
+        while (!(node == top) && !NextOf(node)) {
+            node = ParentOf(node);
+            out.append("</").append(NameOf(node)).append(">");
+        }
+        if (node == top) return;
+        node = NextOf(node);
     }
 }
 
@@ -71,20 +124,21 @@ void Open(std::string& out, const xmlNode* node) {
 
 std::string Serialize(const xmlNode* top) {
     std::string out;
-    const xmlNode* node = top;
-    while (true) {
-        Open(out, node);
-        if (const xmlNode* first = ChildrenOf(node)) {
-            node = first;
-            continue;
-        }
-        while (node != top && !node->next) {
-            node = node->parent;
-            if (node->type == XML_ELEMENT_NODE) CloseElement(out, node);
-        }
-        if (node == top) return out;
-        node = node->next;
+    if (top->type == XML_ATTRIBUTE_NODE) {
+        Attribute pair = Pair(reinterpret_cast<const xmlAttr*>(top));
+        AppendAttribute(out, pair.name, pair.value);
+    } else if (top->type == XML_DOCUMENT_NODE) {
+        for (const xmlNode* node = top->children; node; node = node->next) AppendNode(out, node);
+    } else {
+        AppendNode(out, top);
     }
+    return out;
+}
+
+std::string Serialize(const ParsedNode& top) {
+    std::string out;
+    AppendNode(out, top);
+    return out;
 }
 
 }  // namespace quorix

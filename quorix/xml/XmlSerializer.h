@@ -6,8 +6,11 @@
 
 #include <string>
 
+#include "quorix/xml/ParsedXml.h"
+
 namespace quorix {
 
 std::string Serialize(const xmlNode* node);
+std::string Serialize(const ParsedNode& node);
 
 }  // namespace quorix

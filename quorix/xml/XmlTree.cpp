@@ -1,6 +1,6 @@
 #include "quorix/xml/XmlTree.h"
 
-#include <libxml/dict.h>
+#include <libxml/parser.h>
 
 #include <algorithm>
 
@@ -27,6 +27,16 @@ void ForEachNode(xmlNode* top, Visit visit) {
     }
 }
 
+// Before threads can race for it.
+void StartLibrary() { [[maybe_unused]] static const bool started = (xmlInitParser(), true); }
+
+xmlNode* WithContent(xmlNode* node, std::string_view content) {
+    Required(node)->content = xmlStrndup(BAD_CAST content.data(), static_cast<int>(content.size()));
+    if (node->content != nullptr) return node;
+    xmlFreeNode(node);
+    throw std::bad_alloc();
+}
+
 bool InSight(xmlNode* top) {
     std::uintptr_t handles = 0;
     ForEachNode(top, [&](xmlNode* node) { handles += Handles(node); });
@@ -37,32 +47,20 @@ void ReleaseTree(XmlTree* tree) {
     if (--tree->references > 0) return;
     xmlFreeNodeList(tree->children);
     for (xmlNode* node : tree->loose) xmlFreeNode(node);
-    xmlDictFree(tree->dict);
     delete tree;
-}
-
-bool HasOwnName(const xmlNode* node) {
-    return node->type != XML_TEXT_NODE && node->type != XML_CDATA_SECTION_NODE &&
-           node->type != XML_COMMENT_NODE;
-}
-
-// A name in `names` must not outlive them in a tree that does not share them.
-void OwnName(xmlNode* node, xmlDict* names) {
-    if (HasOwnName(node) && xmlDictOwns(names, node->name) == 1) node->name = xmlStrdup(node->name);
 }
 
 }  // namespace
 
 void XmlTreeRelease::operator()(XmlTree* tree) const { ReleaseTree(tree); }
 
-XmlTreePtr NewTree(xmlDict* names) {
+XmlTreePtr NewTree() {
+    StartLibrary();
     XmlTreePtr tree(new XmlTree{});
     tree->type = XML_DOCUMENT_NODE;
     tree->doc = tree.get();
     tree->standalone = -1;
     tree->charset = XML_CHAR_ENCODING_UTF8;
-    tree->dict = names;
-    if (names) xmlDictReference(names);
     return tree;
 }
 
@@ -120,10 +118,8 @@ void Discard(xmlNode* node) {
 void Adopt(XmlTree& tree, xmlNode* top) {
     XmlTree* from = TreeOf(top);
     if (from == &tree) return;
-    xmlDict* foreign = from->dict == tree.dict ? nullptr : from->dict;
     std::size_t handles = 0;
     ForEachNode(top, [&](xmlNode* node) {
-        if (foreign) OwnName(node, foreign);
         handles += Handles(node);
         node->doc = &tree;
     });
@@ -134,17 +130,37 @@ void Adopt(XmlTree& tree, xmlNode* top) {
 }
 
 xmlNode* NewElement(XmlTree& tree, const std::string& name) {
-    xmlNode* node = xmlNewNode(nullptr, BAD_CAST name.c_str());
+    xmlNode* node = Required(xmlNewNode(nullptr, BAD_CAST name.c_str()));
     node->doc = &tree;
     return node;
 }
 
 xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data) {
-    return xmlNewDocPI(&tree, BAD_CAST target.c_str(), BAD_CAST data.c_str());
+    return WithContent(xmlNewDocPI(&tree, BAD_CAST target.c_str(), nullptr), data);
 }
 
-xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size) {
-    return xmlNewDocTextLen(&tree, BAD_CAST text, static_cast<int>(size));
+xmlNode* NewText(XmlTree& tree, std::string_view text) {
+    return WithContent(xmlNewDocText(&tree, nullptr), text);
+}
+
+xmlNode* NewComment(XmlTree& tree, std::string_view text) {
+    return WithContent(xmlNewDocComment(&tree, nullptr), text);
+}
+
+xmlNode* NewCData(XmlTree& tree, std::string_view text) {
+    return WithContent(xmlNewCDataBlock(&tree, nullptr, 0), text);
+}
+
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, const std::string& name, std::string_view value) {
+    xmlNode* text = NewText(*TreeOf(element), value);
+    xmlAttr* attribute = xmlNewDocProp(element->doc, BAD_CAST name.c_str(), nullptr);
+    if (attribute == nullptr) xmlFreeNode(text);
+    Required(attribute)->parent = element;
+    attribute->children = attribute->last = text;
+    text->parent = AsNode(attribute);
+    attribute->prev = last;
+    (last ? last->next : element->properties) = attribute;
+    return attribute;
 }
 
 std::string TreeText(StringView text) {

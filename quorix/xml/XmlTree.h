@@ -7,7 +7,9 @@
 
 #include <libxml/tree.h>
 
+#include <new>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 #include "quorix/base/String.h"
@@ -20,8 +22,15 @@ struct XmlTree : xmlDoc {
     std::unordered_set<xmlNode*> loose;  // removed or not yet placed, but in sight of a handle
 };
 
-// A tree without nodes. Names in `names`, when given, may be shared by the tree's nodes.
-XmlTreePtr NewTree(xmlDict* names = nullptr);
+// A tree without nodes.
+XmlTreePtr NewTree();
+
+// What the library has made, unless memory ran out.
+template <class T>
+T* Required(T* made) {
+    if (made == nullptr) throw std::bad_alloc();
+    return made;
+}
 
 inline XmlTree* TreeOf(const xmlNode* node) { return static_cast<XmlTree*>(node->doc); }
 inline xmlNode* AsNode(XmlTree& tree) { return reinterpret_cast<xmlNode*>(static_cast<xmlDoc*>(&tree)); }
@@ -47,7 +56,12 @@ void Adopt(XmlTree& tree, xmlNode* node);
 
 xmlNode* NewElement(XmlTree& tree, const std::string& name);
 xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data);
-xmlNode* NewText(XmlTree& tree, const char* text, std::size_t size);
+xmlNode* NewText(XmlTree& tree, std::string_view text);
+xmlNode* NewComment(XmlTree& tree, std::string_view text);
+xmlNode* NewCData(XmlTree& tree, std::string_view text);
+
+// A new attribute behind `last`, which is the element's last one or null without any.
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, const std::string& name, std::string_view value);
 
 // Text as the tree keeps it: what XML cannot hold becomes U+FFFD.
 std::string TreeText(StringView text);

@@ -4,62 +4,70 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/Number.h"
-#include "quorix/xml/XmlTree.h"
+#include "quorix/xml/Finding.h"
 
 namespace quorix {
 
 namespace {
 
-// The first hit of `look` on the subtrees of `nodes`, in document order.
 template <class Look>
-XmlNode Search(const cXML_Node::Nodes& nodes, Look look) {
+XmlNode FirstOf(const cXML_Node::Nodes& nodes, Look look) {
     for (const XmlNode& top : nodes) {
-        for (xmlNode* node = top.Raw(); node; node = Following(node, top.Raw())) {
-            if (xmlNode* hit = look(node)) return XmlNode(hit);
-        }
+        if (XmlNode hit = look(top)) return hit;
     }
     return {};
 }
 
 XmlNode TagIn(const cXML_Node::Nodes& nodes, StringView tag) {
-    return Search(nodes, [tag](const xmlNode* node) { return FindChild(node, tag); });
+    return FirstOf(nodes, [tag](const XmlNode& top) { return FindTagBelow(top, tag); });
 }
 
-// The element that bears the attribute.
 XmlNode BearerIn(const cXML_Node::Nodes& nodes, StringView attribute) {
-    return Search(nodes,
-                  [attribute](xmlNode* node) { return FindAttribute(node, attribute) ? node : nullptr; });
+    return FirstOf(nodes, [attribute](const XmlNode& top) { return FindBearer(top, attribute); });
 }
 
 }  // namespace
 
 cXML_Node::cXML_Node() : cXML_Node(XmlDocument::Create()) {}
 cXML_Node::cXML_Node(std::shared_ptr<XmlDocument> document) : document_(std::move(document)) {}
+cXML_Node::cXML_Node(ParsedXmlPtr arrived) : arrived_(std::move(arrived)) {}
+cXML_Node::cXML_Node(ParsedXmlPtr arrived, const ParsedNode& node)
+    : arrived_(std::move(arrived)), node_(node) {}
+
+const std::shared_ptr<XmlDocument>& cXML_Node::Document() const {
+    if (!document_) document_ = node_ ? XmlDocument::From(node_) : XmlDocument::From(*arrived_);
+    return document_;
+}
 
 cXML_Node::Nodes cXML_Node::Top() const {
     XmlNode root = Root();
     return root ? Nodes{root} : Nodes{};
 }
 
-String cXML_Node::GetNamespace() const { return Root().Name(); }
+String cXML_Node::GetNamespace() const {
+    return AskRoot([](const auto& root) { return root.Name(); });
+}
 
-XmlNode cXML_Node::getNode(StringView xpath) const { return document_->SelectSingle(xpath); }
+XmlNode cXML_Node::getNode(StringView xpath) const { return Document()->SelectSingle(xpath); }
 
 std::shared_ptr<Collection<std::shared_ptr<cXML_Node>>> cXML_Node::getNodes(StringView xpath) const {
     auto copies = std::make_shared<Collection<std::shared_ptr<cXML_Node>>>();
-    for (const XmlNode& node : document_->Select(xpath)) {
-        copies->Add(std::make_shared<cXML_Node>());
-        copies->Item(copies->Count())->xml(node.Xml());
+    for (const XmlNode& node : Document()->Select(xpath)) {
+        copies->Add(std::make_shared<cXML_Node>(XmlDocument::CopyOf(node)));
     }
     return copies;
 }
 
-bool cXML_Node::TagExists(StringView tag) const { return TagExists(tag, Top()); }
+bool cXML_Node::TagExists(StringView tag) const {
+    return AskRoot([&](const auto& root) { return bool(FindTagBelow(root, tag)); });
+}
 bool cXML_Node::TagExists(StringView tag, const Nodes& nodes) const { return bool(TagIn(nodes, tag)); }
 bool cXML_Node::FindTag(StringView tag) const { return TagExists(tag); }
 bool cXML_Node::FindTag(StringView tag, const Nodes& nodes) const { return TagExists(tag, nodes); }
 
-String cXML_Node::GetTag(StringView tag) const { return GetTag(tag, Top()); }
+String cXML_Node::GetTag(StringView tag) const {
+    return AskRoot([&](const auto& root) { return FindTagBelow(root, tag).Text(); });
+}
 String cXML_Node::GetTag(StringView tag, const Nodes& nodes) const { return TagIn(nodes, tag).Text(); }
 
 std::int16_t cXML_Node::GetTagInt(StringView tag) const {
@@ -82,12 +90,16 @@ bool cXML_Node::GetTagYesNo(StringView tag) const {
     return !text.empty() && ToBoolean(text);
 }
 
-String cXML_Node::GetAttrib(StringView attribute) const { return GetAttrib(attribute, Top()); }
+String cXML_Node::GetAttrib(StringView attribute) const {
+    return AskRoot([&](const auto& root) { return FindBearer(root, attribute).Attribute(attribute); });
+}
 String cXML_Node::GetAttrib(StringView attribute, const Nodes& nodes) const {
     return BearerIn(nodes, attribute).Attribute(attribute);
 }
 
-bool cXML_Node::FindAttrib(StringView attribute) const { return FindAttrib(attribute, Top()); }
+bool cXML_Node::FindAttrib(StringView attribute) const {
+    return AskRoot([&](const auto& root) { return bool(FindBearer(root, attribute)); });
+}
 bool cXML_Node::FindAttrib(StringView attribute, const Nodes& nodes) const {
     return bool(BearerIn(nodes, attribute));
 }
@@ -118,10 +130,13 @@ void cXML_Node::SetTag(StringView tag, StringView text, const Nodes& nodes) {
     if (XmlNode found = TagIn(nodes, tag)) found.Text(text);
 }
 
-void cXML_Node::SaveXML_ToFile(StringView fileName) const { document_->SaveFile(fileName); }
-void cXML_Node::LoadXML_FromFile(StringView fileName) { document_->LoadFile(fileName); }
+void cXML_Node::SaveXML_ToFile(StringView fileName) const { Document()->SaveFile(fileName); }
+void cXML_Node::LoadXML_FromFile(StringView fileName) { Document()->LoadFile(fileName); }
 
-String cXML_Node::xml() const { return document_->Xml(); }
-void cXML_Node::xml(StringView text) { document_->Load(text); }
+String cXML_Node::xml() const {
+    if (document_) return document_->Xml();
+    return node_ ? node_.Xml() : arrived_->Xml();
+}
+void cXML_Node::xml(StringView text) { Document()->Load(text); }
 
 }  // namespace quorix

@@ -19,6 +19,9 @@ class cXML_Node {
 public:
     cXML_Node();
     explicit cXML_Node(std::shared_ptr<XmlDocument> document);
+    // What has arrived: all of it, or `node` alone. It becomes a document when something asks for one.
+    explicit cXML_Node(ParsedXmlPtr arrived);
+    cXML_Node(ParsedXmlPtr arrived, const ParsedNode& node);
 
     // Nodes to search instead of the whole document. A tag search never matches the given nodes themselves,
     // an attribute search begins with them.
@@ -79,13 +82,23 @@ public:
     String xml() const;
     void xml(StringView text);
 
-    XmlNode Root() const { return document_->Root(); }
-    const std::shared_ptr<XmlDocument>& Document() const { return document_; }
+    XmlNode Root() const { return Document()->Root(); }
+    const std::shared_ptr<XmlDocument>& Document() const;
+
+    // Asks `read` about the root element, a ParsedNode as long as nothing has asked for the document, else an
+    // XmlNode. Both have the same words for reading.
+    template <class Read>
+    auto AskRoot(Read read) const {
+        return document_ ? read(document_->Root()) : read(ArrivedRoot());
+    }
 
 private:
     Nodes Top() const;
+    ParsedNode ArrivedRoot() const { return node_ ? node_ : arrived_->Root(); }
 
-    std::shared_ptr<XmlDocument> document_;
+    ParsedXmlPtr arrived_;
+    ParsedNode node_;
+    mutable std::shared_ptr<XmlDocument> document_;
 };
 
 }  // namespace quorix

@@ -8,9 +8,7 @@ namespace quorix {
 namespace {
 
 std::shared_ptr<cVcard> CardOf(StringView content) {
-    auto node = std::make_shared<cXML_Node>();
-    node->xml(Concat({u"<vCard>", content, u"</vCard>"}));
-    return ReadVCard(ClassicText(), node->Root());
+    return ReadVCard(ClassicText(), ParsedXml::FromText(Concat({u"<vCard>", content, u"</vCard>"}))->Root());
 }
 
 // Each element holds its number.

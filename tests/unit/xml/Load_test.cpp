@@ -47,8 +47,10 @@ TEST(XmlForm, IsTheOneSerializedForm) {
           {u"<a>1\r\n2\u0080\u00e9\u20ac\U0001F600\xfffd</a>",
            u"<a>1\n2\u0080\u00e9\u20ac\U0001F600\xfffd</a>"},
           {u" <a> <b> </b>\r\n\t<b/> </a>\n", u"<a><b> </b><b/></a>"},
+          {u"<a> <b>fett</b> <i>und</i> mehr</a>", u"<a> <b>fett</b> <i>und</i> mehr</a>"},
+          {u"<a b='1&#13;&#9;&#10;2'>3&#13;4</a>", u"<a b=\"1&#13;&#9;&#10;2\">3&#13;4</a>"},
           {u"<a> <!-- c --> </a>", u"<a> <!-- c --> </a>"},
-          {u"<a><![CDATA[ ]]><b/></a>", u"<a><![CDATA[ ]]><b/></a>"},
+          {u"<a><![CDATA[ ]]> <b/></a>", u"<a><![CDATA[ ]]> <b/></a>"},
           {u"<?xml version=\"1.0\" encoding=\"ISO-8859-5\"?>\n<a>\u00e9</a>",
            u"<?xml version=\"1.0\" encoding=\"ISO-8859-5\"?><a>\u00e9</a>"},
           {u"<?xml\tversion='1.0' encoding='UTF-16' standalone='yes' ?><a/>",
@@ -84,40 +86,18 @@ TEST(XmlLoad, RefusesWhatIsNotWellFormedAndIsEmptyThen) {
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(XmlLoad, DepthAndAttributesAreBounded) {
+TEST(XmlLoad, DepthIsBounded) {
     EXPECT_TRUE(Loads(Nested(kMaxXmlDepth)));
     EXPECT_FALSE(Loads(Nested(kMaxXmlDepth + 1)));
     EXPECT_FALSE(Loads(Repeated(u"<a>", 1000000)));
-    EXPECT_FALSE(XmlDocument::Create()->LoadContent(Nested(kMaxXmlDepth + 1)));
-    EXPECT_TRUE(Loads(WithAttributes(kMaxXmlAttributes)));
-    EXPECT_FALSE(Loads(WithAttributes(kMaxXmlAttributes + 1)));
 }
 
-TEST(XmlLoad, NamesOfADocumentAreBounded) {
-    int serial = 0;
-    auto withNames = [&serial](int count, StringView open, StringView close) {
-        String text = u"<r x='1'>";  // two of the names
-        for (int i = 2; i < count; ++i) text += Concat({open, ToString(++serial), close});
-        return text + u"</r>";
-    };
-    for (auto [open, close] : {std::pair{u"<n", u"/>"}, {u"<r n", u"=''/>"}, {u"<?n", u"?>"}}) {
-        EXPECT_TRUE(Loads(withNames(kMaxXmlNames, open, close)));
-        EXPECT_FALSE(Loads(withNames(kMaxXmlNames + 1, open, close)));
-    }
-}
-
-// A million attributes would take the parser minutes, so none of these may reach it.
-TEST(XmlLoad, TooManyAttributesAreFoundBehindAnything) {
-    String bomb = WithAttributes(1000000);
-    for (StringView before : {u"<!-- ' -->", u"<?p ' ?>", u"<![CDATA[ ' ]]>", u"it's", u"<b c=\"'\"/>"}) {
-        EXPECT_FALSE(Loads(Concat({u"<r>", before, bomb, u"</r>"})));
-    }
-}
-
-TEST(XmlLoad, EqualsSignsThatAreNoAttributesDoNotCount) {
-    String many(std::size_t{kMaxXmlAttributes} * 10, u'=');
-    EXPECT_TRUE(Loads(Concat({u"<a b='", many, u"' c=\"", many, u"\">", many, u"<!--<x ", many, u"--><?x <x ",
-                              many, u"?><![CDATA[<x ", many, u"]]></a>"})));
+// Each would take minutes if the cost grew with the square of the number.
+TEST(XmlLoad, AttributesAndNamesMayBeMany) {
+    EXPECT_TRUE(Loads(WithAttributes(100000)));
+    String names = u"<r>";
+    for (int i = 0; i < 100000; ++i) names += Concat({u"<n", ToString(i), u"/>"});
+    EXPECT_TRUE(Loads(names + u"</r>"));
 }
 
 TEST(XmlLoad, LongValuesLoadWhole) {
@@ -127,33 +107,6 @@ TEST(XmlLoad, LongValuesLoadWhole) {
         document->Load(Concat({u"<a b='", String(kLong, u'x'), u"'>", String(kLong, u'\u00e9'), u"</a>"})));
     EXPECT_EQ(document->Root().Attribute(u"b").size(), kLong);
     EXPECT_EQ(document->Root().Text(), String(kLong, u'\u00e9'));
-}
-
-TEST(XmlLoad, NamesWithoutEndDoNotPileUpOrMixUp) {
-    auto kept = XmlDocument::Create();
-    ASSERT_TRUE(kept->Load(u"<kept a='1'/>"));
-    auto document = XmlDocument::Create();
-    for (int i = 0; i < 20000; ++i) ASSERT_TRUE(document->Load(u"<n" + ToString(i) + u" kept='1'/>"));
-    EXPECT_EQ(document->Xml(), u"<n19999 kept=\"1\"/>");
-    EXPECT_EQ(kept->Xml(), u"<kept a=\"1\"/>");
-}
-
-TEST(XmlContent, LoadsElementsSideBySideWithoutTheBlanksBetween) {
-    auto document = XmlDocument::Create();
-    ASSERT_TRUE(document->LoadContent(u" <a>1</a>\n<b> </b> text <c/>"));
-    String pieces;
-    for (XmlNode node = document->Root().FirstChild(); node; node = node.NextSibling())
-        pieces += node.Xml() + u"|";
-    EXPECT_EQ(pieces, u"<a>1</a>|<b> </b>| text |<c/>|");
-}
-
-TEST(XmlContent, CannotLeaveItsEnclosingElement) {
-    auto document = XmlDocument::Create();
-    ASSERT_TRUE(document->LoadContent(u"<a/>"));
-    String name = document->Root().Name();
-    EXPECT_FALSE(document->LoadContent(u"</" + name + u">"));
-    EXPECT_FALSE(document->LoadContent(u"</" + name + u"><" + name + u">"));
-    EXPECT_FALSE(document->LoadContent(u"<!DOCTYPE a>"));
 }
 
 }  // namespace

@@ -22,7 +22,6 @@ TEST(XmlNode, EmptyHandleReadsAsNothingAndRefusesChanges) {
     EXPECT_FALSE(none.Parent() || none.Is(u""));
     EXPECT_TRUE(none.Attributes().empty() && none.Select(u"//a").empty());
     EXPECT_EQ(ErrorOf([&] { none.SetAttribute(u"a", u"x"); }), 91);
-    EXPECT_EQ(ErrorOf([&] { XmlDocument::Detach(none); }), 91);
 }
 
 TEST(XmlNode, EditsInPlace) {
@@ -60,20 +59,18 @@ TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
 }
 
 TEST(XmlNode, MovesAcrossDocumentsWithItsSubtreeAndHandles) {
-    auto from = XmlDocument::Create();
-    ASSERT_TRUE(from->LoadContent(u"<a i='1'><b>t</b></a> text <c/>"));
+    auto from = Loaded(u"<r><a i='1'><b>t</b></a> text <c/></r>");
     XmlNode b = from->Root().FirstChild().Child(u"b");
-    auto a = XmlDocument::Detach(b.Parent());
-    auto text = XmlDocument::Detach(from->Root().FirstChild());
-    EXPECT_EQ(from->Root().FirstChild().Xml(), u"<c/>");
+    auto a = XmlDocument::Create();
+    a->Root(b.Parent());
+    EXPECT_EQ(from->Xml(), u"<r> text <c/></r>");
     auto to = Loaded(u"<z/>");
-    to->Root().AppendChild(from->Root().FirstChild());
+    to->Root().AppendChild(from->Root().FirstElement());
     from.reset();
-    EXPECT_EQ(a->Xml() + text->Xml() + to->Xml(), u"<a i=\"1\"><b>t</b></a> text <z><c/></z>");
+    EXPECT_EQ(a->Xml() + to->Xml(), u"<a i=\"1\"><b>t</b></a><z><c/></z>");
     EXPECT_TRUE(a->SelectSingle(u"/a/b") == b);
     a.reset();
     EXPECT_EQ(b.Parent().Attribute(u"i"), u"1");
-    EXPECT_EQ(ErrorOf([&] { XmlDocument::Detach(b.SelectSingle(u"/")); }), 5);
 }
 
 // Every operation on a tree must do without recursion: only parsed documents are bounded in depth.
@@ -88,7 +85,8 @@ TEST(XmlDepth, OfABuiltTreeHasNoBound) {
     EXPECT_EQ(document->Xml().size(), 7U * kDepth + 1);
     EXPECT_TRUE(document->SelectSingle(u"//a[not(a)]") == innermost);
 
-    auto other = XmlDocument::Detach(document->Root().FirstChild());
+    auto other = XmlDocument::Create();
+    other->Root(document->Root().FirstChild());
     document->Root().AppendChild(other->Root());
     document->Root().Text(u"");
     EXPECT_EQ(innermost.Text(), u"t");

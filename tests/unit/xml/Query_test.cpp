@@ -43,7 +43,8 @@ TEST(XmlQueryScope, IsTheNodeAndForAbsolutePathsItsDocument) {
     XmlNode query = document->Root().FirstElement();
     EXPECT_EQ(query.Select(u"item").size(), 2U);
     EXPECT_EQ(query.Select(u"//item").size(), 3U);
-    auto own = XmlDocument::Detach(query);
+    auto own = XmlDocument::Create();
+    own->Root(query);
     EXPECT_EQ(query.Select(u"//item").size(), 2U);
     EXPECT_EQ(document->Select(u"//item").size(), 1U);
 }

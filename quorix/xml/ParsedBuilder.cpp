@@ -1,0 +1,195 @@
+#include "quorix/xml/ParsedBuilder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "quorix/xml/XmlLimits.h"
+
+namespace quorix {
+
+namespace {
+
+constexpr unsigned kFirstLetter = 0xD724 - 0x80;  // the letter of byte 0, if it had one
+constexpr std::size_t kKeptBytes = 1U << 16U;
+
+unsigned Unsigned(char c) { return static_cast<unsigned char>(c); }
+
+// The byte behind a letter of three UTF-8 bytes at `at`; 0 for any other character.
+unsigned ByteOfLetter(const char* at) {
+    unsigned letter =
+        ((Unsigned(at[0]) & 0x0FU) << 12U) | ((Unsigned(at[1]) & 0x3FU) << 6U) | (Unsigned(at[2]) & 0x3FU);
+    return letter >= kFirstLetter + 0x80 && letter <= kFirstLetter + 0xFF ? letter - kFirstLetter : 0;
+}
+
+// Letters become the characters U+0080 to U+00FF of wire text.
+void AppendBytesOfLetters(std::string& out, std::string_view text) {
+    constexpr char kLead = '\xED';
+    while (true) {
+        std::size_t plain = std::min(text.find(kLead), text.size());
+        out += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) return;
+        if (unsigned byte = ByteOfLetter(text.data())) {
+            out += static_cast<char>(0xC0U | (byte >> 6U));
+            out += static_cast<char>(0x80U | (byte & 0x3FU));
+        } else {
+            out += text.substr(0, 3);
+        }
+        text.remove_prefix(3);
+    }
+}
+
+bool IsBlankUtf8(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+template <class T>
+std::size_t SizeOf(const std::vector<T>& items) {
+    return items.size() * sizeof(T);
+}
+
+template <class Items>
+void CopyTo(char* block, const Items& items) {
+    if (!items.empty()) std::memcpy(block, items.data(), items.size() * sizeof(items[0]));
+}
+
+}  // namespace
+
+void AppendLettersOfBytes(std::string& out, std::string_view bytes) {
+    for (char c : bytes) {
+        if (Unsigned(c) < 0x80) {
+            out += c;
+            continue;
+        }
+        unsigned letter = kFirstLetter + Unsigned(c);
+        out += static_cast<char>(0xE0U | (letter >> 12U));
+        out += static_cast<char>(0x80U | ((letter >> 6U) & 0x3FU));
+        out += static_cast<char>(0x80U | (letter & 0x3FU));
+    }
+}
+
+ParsedXml::Span ParsedBuilder::Put(std::string_view text) {
+    std::size_t at = chars_.size();
+    letters_ ? AppendBytesOfLetters(chars_, text) : void(chars_ += text);
+    if (chars_.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+    return {static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(chars_.size() - at)};
+}
+
+std::uint32_t ParsedBuilder::Append(XmlKind kind, std::string_view text) {
+    auto index = static_cast<std::uint32_t>(nodes_.size());
+    ParsedXml::Node node;
+    node.kind = kind;
+    node.text = Put(text);
+    if (!open_.empty()) node.parent = open_.back().index;
+    nodes_.push_back(node);
+    std::uint32_t& last = open_.empty() ? lastAtTop_ : open_.back().last;
+    if (last != ParsedXml::kNone) {
+        nodes_[last].next = index;
+    } else if (!open_.empty()) {
+        nodes_[open_.back().index].first = index;
+    }
+    last = index;
+    return index;
+}
+
+void ParsedBuilder::Start(std::string_view name, const char* const* attributes) {
+    EndText();
+    if (!open_.empty()) open_.back().hasElement = true;
+    auto first = static_cast<std::uint32_t>(attributes_.size());
+    std::uint32_t index = Append(XmlKind::Element, name);
+    for (; *attributes != nullptr; attributes += 2) {
+        ParsedXml::Span key = Put(attributes[0]);
+        attributes_.push_back({key, Put(attributes[1])});
+    }
+    nodes_[index].attributes = first;
+    nodes_[index].attributeCount = static_cast<std::uint32_t>(attributes_.size()) - first;
+    open_.push_back({index});
+    tooDeep_ = tooDeep_ || open_.size() > kMaxXmlDepth;
+}
+
+void ParsedBuilder::End() {
+    EndText();
+    const Open& element = open_.back();
+    if (element.hasElement && element.hasBlank && !element.hasText) DropBlankChildren(element.index);
+    open_.pop_back();
+}
+
+void ParsedBuilder::Text(std::string_view text) {
+    if (inText_) {
+        nodes_.back().text.size += Put(text).size;
+    } else {
+        Append(XmlKind::Text, text);
+        inText_ = true;
+    }
+}
+
+void ParsedBuilder::EndText() {
+    if (!inText_) return;
+    inText_ = false;
+    if (open_.empty()) return;
+    const ParsedXml::Span& text = nodes_.back().text;
+    bool blank = IsBlankUtf8({chars_.data() + text.at, text.size});
+    (blank ? open_.back().hasBlank : open_.back().hasText) = true;
+}
+
+void ParsedBuilder::Leaf(XmlKind kind, std::string_view content) {
+    EndText();
+    if (kind == XmlKind::CData && !open_.empty()) open_.back().hasText = true;
+    Append(kind, content);
+}
+
+void ParsedBuilder::DropBlankChildren(std::uint32_t element) {
+    std::uint32_t* link = &nodes_[element].first;
+    while (*link != ParsedXml::kNone) {
+        ParsedXml::Node& child = nodes_[*link];
+        if (child.kind == XmlKind::Text) {
+            *link = child.next;
+        } else {
+            link = &child.next;
+        }
+    }
+}
+
+bool ParsedBuilder::IsBlank() const {
+    return nodes_.empty() || (nodes_.size() == 1 && inText_ && IsBlankUtf8(chars_));
+}
+
+ParsedXmlPtr ParsedBuilder::Take() {
+    auto tree = std::make_shared<ParsedXml>(ParsedXml::Key());
+    std::size_t nodes = SizeOf(nodes_);
+    std::size_t attributes = SizeOf(attributes_);
+    tree->block_ = std::make_unique_for_overwrite<char[]>(nodes + attributes + chars_.size());
+    char* block = tree->block_.get();
+    CopyTo(block, nodes_);
+    CopyTo(block + nodes, attributes_);
+    CopyTo(block + nodes + attributes, chars_);
+    tree->nodes_ = reinterpret_cast<const ParsedXml::Node*>(block);
+    tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(block + nodes);
+    tree->chars_ = block + nodes + attributes;
+    tree->nodeCount_ = static_cast<std::uint32_t>(nodes_.size());
+    tree->tooDeep_ = tooDeep_;
+    Clear();
+    return tree;
+}
+
+void ParsedBuilder::Clear() {
+    nodes_.clear();
+    attributes_.clear();
+    chars_.clear();
+    open_.clear();
+    lastAtTop_ = ParsedXml::kNone;
+    inText_ = tooDeep_ = false;
+    KeepSmall();
+}
+
+// What one large tree took is not kept for small ones.
+void ParsedBuilder::KeepSmall() {
+    if (nodes_.capacity() * sizeof(ParsedXml::Node) > kKeptBytes) nodes_ = {};
+    if (attributes_.capacity() * sizeof(ParsedXml::Attribute) > kKeptBytes) attributes_ = {};
+    if (chars_.capacity() > kKeptBytes) chars_ = {};
+    if (open_.capacity() * sizeof(Open) > kKeptBytes) open_ = {};
+}
+
+}  // namespace quorix
