@@ -145,6 +145,7 @@ void Connection::OnDisConnected() {
     const String reason = std::exchange(reason_, String());
     const String told = reason.empty() ? String(u"the server has closed the connection") : reason;
     if (!wasOnline_) return End(ExitCode::network, u"No login", told);
+    if (options_.task == Options::Task::send) return End(ExitCode::network, u"The connection was lost", told);
     Show("disconnected", {{"reason", told}});
     Owner().OnLost();
     if (!Session().Reconnect()) return Owner().Quit(ExitCode::network);

@@ -184,10 +184,7 @@ void Console::OnReady() {
     interpreter_.Release();
 }
 
-void Console::OnLost() {
-    UpdateInput();
-    if (options_.task == Options::Task::send) Quit(ExitCode::network);
-}
+void Console::OnLost() { UpdateInput(); }
 
 void Console::DoTask() {
     if (options_.task == Options::Task::send) {

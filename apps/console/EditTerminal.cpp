@@ -30,6 +30,9 @@ void Write(const std::string& utf8) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
+// How many lines of `columns` something of that width takes.
+int Lines(int width, int columns) { return (width + columns - 1) / columns; }
+
 }  // namespace
 
 EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
@@ -40,9 +43,7 @@ EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
     stifle_history(kHistoryLines);
     if (!historyFile_.empty()) read_history(historyFile_.c_str());
     auto resized = [](gpointer /*self*/) -> gboolean {
-        current->Hide();
-        rl_resize_terminal();
-        current->ShowSoon();
+        current->Resized();
         return G_SOURCE_CONTINUE;
     };
     resizing_ = g_unix_signal_add(SIGWINCH, resized, this);
@@ -65,8 +66,9 @@ void EditTerminal::Install() {
     rl_attempted_completion_function = OnComplete;
     rl_completion_display_matches_hook = OnMatches;
     rl_completer_word_break_characters = const_cast<char*>(" ");
-    rl_redisplay_function = OnRedisplay;
     rl_callback_handler_install("", OnEnd);
+    rl_redisplay_function =
+        OnRedisplay;  // set before, it would make readline take the terminal for a dumb one
     for (Keymap map : {emacs_standard_keymap, vi_insertion_keymap, vi_movement_keymap}) {
         rl_bind_key_in_map('\r', OnEnter, map);
         rl_bind_key_in_map('\n', OnEnter, map);
@@ -178,18 +180,33 @@ void EditTerminal::Status(const std::string& status) {
     ShowSoon();
 }
 
+// A terminal that has become narrower has broken each line of status and input into more.
+void EditTerminal::Resized() {
+    const int before = std::max(Columns(), 1);
+    rl_resize_terminal();
+    const int columns = std::max(Columns(), 1);
+    const std::string input(rl_line_buffer, static_cast<std::size_t>(rl_point));
+    const int inputWidth = Width(answer_ ? question_ : prompt_) + (secret_ ? 0 : Width(FromLocale(input)));
+    const int full = inputWidth / before * Lines(before, columns);
+    const int last = inputWidth % before / columns;
+    if (std::exchange(shown_, false)) Erase(Lines(statusWidth_, columns) + full + last);
+    ShowSoon();
+}
+
+// Everything from `lines` above the cursor's on.
+void EditTerminal::Erase(int lines) {
+    std::fputs("\r", stdout);
+    for (int line = 0; line < lines; ++line) UseCapability("cuu1");
+    UseCapability("ed");
+    std::fflush(stdout);
+}
+
 // Takes prompt and status off the screen and leaves the cursor where the status began.
 void EditTerminal::Hide() {
     if (!std::exchange(shown_, false)) return;
     rl_clear_visible_line();
     std::fflush(rl_outstream);
-    if (statusWidth_ > 0) {
-        // A terminal that has become narrower has broken the status into more lines.
-        const int lines = 1 + (statusWidth_ - 1) / std::max(Columns(), 1);
-        for (int line = 0; line < lines; ++line) UseCapability("cuu1");
-        UseCapability("ed");
-    }
-    std::fflush(stdout);
+    if (statusWidth_ > 0) Erase(1);
 }
 
 void EditTerminal::Show() {

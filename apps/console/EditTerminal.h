@@ -32,6 +32,8 @@ private:
     void TakeEnd();
     void AnswerQuestion(std::optional<std::string> answer);
     void Hide();
+    void Erase(int lines);
+    void Resized();
     void Show();
     void ShowSoon();
     void UsePrompt();
