@@ -20,6 +20,7 @@ Connection::Connection(Console& console, const Options& options)
 
 void Connection::Apply() {
     cSession& session = Session();
+    session.Mode(options_.classic ? KV_Classic : KV_Modern);
     session.ServerAddress(TextFromUtf8(options_.server));
     session.Port(static_cast<std::int16_t>(options_.port));
     session.username(Inserted(session, TextFromUtf8(options_.user)));
