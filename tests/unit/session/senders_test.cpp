@@ -199,8 +199,9 @@ protected:
 
     Sent TakeSent() {
         const std::string bytes = Heard();
+        const String text = IsClassic() ? WireFromBytes(bytes) : TextFromUtf8(bytes);
         auto document = XmlDocument::Create();
-        if (!document->LoadContent(IsClassic() ? WireFromBytes(bytes) : TextFromUtf8(bytes))) return {};
+        if (!document->Load(Concat({u"<sent>", text, u"</sent>"}))) return {};
         return {ShapeOf(document->Root()), ContentOf(document->Root())};
     }
 
