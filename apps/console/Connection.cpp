@@ -147,6 +147,8 @@ void Connection::OnDisConnected() {
     const String told = reason.empty() ? String(u"the server has closed the connection") : reason;
     if (!wasOnline_) return End(ExitCode::network, u"No login", told);
     if (options_.task == Options::Task::send) return End(ExitCode::network, u"The connection was lost", told);
+    // Whoever has taken over would be thrown out in turn.
+    if (StartsWith(told, u"conflict")) return End(ExitCode::replaced, u"Another login has taken over", told);
     Show("disconnected", {{"reason", told}});
     Owner().OnLost();
     if (!Session().Reconnect()) return Owner().Quit(ExitCode::network);

@@ -87,7 +87,7 @@ void Output::ShowLine(const EventForm& form, const Fields& fields) {
 }
 
 std::string Output::Painted(const EventForm& form, const Fields& fields, const std::string& text) const {
-    const fmt::text_style style = KindStyle(form.kind);
+    const fmt::text_style style = form.name == "sent" ? fmt::text_style() : KindStyle(form.kind);
     if (form.name != "message") return fmt::format(style, "{}", text);
     const std::string sender = Shown(fields.front());
     const std::size_t at = text.find(sender);

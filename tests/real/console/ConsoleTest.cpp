@@ -229,6 +229,15 @@ TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeeds) {
     console.OutputAfter("");
 }
 
+TEST_P(ConsoleChat, EndsWhenAnotherLoginTakesItsPlace) {
+    ConsoleProgram first(LoginOptions(Server().Port(), "con.two", {"--new"}));
+    ASSERT_TRUE(first.Shows("Logged in"));
+    ConsoleProgram second(LoginOptions(Server().Port(), "con.two"));
+    ASSERT_TRUE(second.Shows("Logged in"));
+    EXPECT_EQ(first.ExitCode(), 7) << first.Output();
+    second.OutputAfter("");
+}
+
 // What strangers write, sent by a real peer through a real server.
 TEST_P(ConsoleChat, ShowsNothingOfAStrangerAsItsOwn) {
     Person bob(Server().Port(), u"con.eve", u"work");
@@ -246,7 +255,7 @@ TEST_P(ConsoleChat, ShowsNothingOfAStrangerAsItsOwn) {
         bob->CreateMessage(u"con.dan@localhost/console", MSG_Chat, text, u"")->SendMessage();
         EXPECT_TRUE(console.Shows(std::string("con.eve@localhost: ") + shown));
     }
-    console.OutputAfter("/unregister\n");
+    console.OutputAfter("");
 }
 
 QUORIX_ON_EVERY_SERVER(ConsoleChat);
