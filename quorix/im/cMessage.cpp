@@ -23,13 +23,6 @@ StringView NameOf(const std::array<StringView, N>& names, std::int32_t value) {
     return isListed ? names[static_cast<std::size_t>(value)] : StringView();
 }
 
-bool Lists(const XmlNode& list, StringView jid) {
-    for (XmlNode entry = list.FirstElement(); entry; entry = entry.NextElement()) {
-        if (EqualsIgnoringCase(entry.Attribute(u"jid"), jid)) return true;
-    }
-    return false;
-}
-
 XmlNode AppendRecipient(XmlNode list, StringView kind, StringView jid) {
     XmlNode entry = list.AppendElement(kind);
     entry.SetAttribute(u"jid", jid);
@@ -185,16 +178,12 @@ String cMessage::desc() const { return TagIn(u"jabber:x:oob", u"desc"); }
 
 void cMessage::AddRoster(const std::shared_ptr<cRosterItem>& item) {
     if (!item) throw AutomationError(ERR_ObjectNotSet);
-    XmlNode list = NeedExtension(u"jabber:x:roster");
-    if (Lists(list, item->JID())) return;
-    XmlNode entry = list.AppendElement(u"item");
-    entry.SetAttribute(u"jid", item->JID());
-    entry.SetAttribute(u"name", text_.ToNode(item->NickName()));
+    XmlNode entry = contacts_.Append(ListOf(contacts_, u"jabber:x:roster"), u"item", item->JID());
+    if (entry) entry.SetAttribute(u"name", text_.ToNode(item->NickName()));
 }
 
 void cMessage::AddCopy(StringView kind, StringView jid) {
-    XmlNode list = NeedExtension(kEnvelope);
-    if (!Lists(list, jid)) AppendRecipient(list, kind, jid);
+    recipients_.Append(ListOf(recipients_, kEnvelope), kind, jid);
 }
 
 XmlNode cMessage::Extension(StringView xmlns) const { return FindExtension(Root(), xmlns); }
@@ -203,6 +192,12 @@ XmlNode cMessage::AppendExtension(StringView xmlns) {
     XmlNode extension = Root().AppendElement(u"x");
     extension.SetAttribute(u"xmlns", xmlns);
     return extension;
+}
+
+// Looking for the element would walk all lists before it.
+XmlNode cMessage::ListOf(const AddressList& list, StringView xmlns) {
+    XmlNode known = list.List();
+    return known && known.Parent() == Root() ? known : NeedExtension(xmlns);
 }
 
 XmlNode cMessage::NeedExtension(StringView xmlns) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "quorix/base/String.h"
+#include "quorix/im/AddressList.h"
 #include "quorix/im/MessageDraft.h"
 #include "quorix/im/cRosterItem.h"
 #include "quorix/link/SessionLink.h"
@@ -158,6 +159,7 @@ private:
     XmlNode Extension(StringView xmlns) const;
     XmlNode AppendExtension(StringView xmlns);
     XmlNode NeedExtension(StringView xmlns);
+    XmlNode ListOf(const AddressList& list, StringView xmlns);
     String TagIn(StringView xmlns, StringView tag) const;
     void AddCopy(StringView kind, StringView jid);
     Recipients ListedRecipients() const;
@@ -168,6 +170,8 @@ private:
     mutable NodePtr node_;
     const TextRules& text_;  // those of the session when the message was made
     std::weak_ptr<SessionLink> session_;
+    AddressList contacts_;    // that AddRoster lists
+    AddressList recipients_;  // that AddCC and AddBCC list
     bool filterCriticalXHTML_ = true;
 };
 
