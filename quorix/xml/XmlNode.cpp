@@ -110,7 +110,7 @@ std::vector<std::pair<String, String>> XmlNode::Attributes() const {
 void XmlNode::SetAttribute(StringView name, StringView value) {
     RequireElement(node_);
     std::string text = TreeText(value);
-    xmlSetNsProp(node_, nullptr, BAD_CAST TreeName(name).c_str(), BAD_CAST text.c_str());
+    PutAttribute(node_, TreeName(name), text);
 }
 
 void XmlNode::RemoveAttribute(StringView name) {

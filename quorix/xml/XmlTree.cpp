@@ -103,6 +103,7 @@ void LinkLast(xmlNode* parent, xmlNode* node) {
 }
 
 void Unlink(xmlNode* node) {
+    if (TreeOf(node)->attributes) TreeOf(node)->attributes->Forget();
     xmlUnlinkNode(node);
     if (!TreeOf(node)->loose.empty()) TreeOf(node)->loose.erase(node);
 }
@@ -161,6 +162,47 @@ xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, const std::string& nam
     attribute->prev = last;
     (last ? last->next : element->properties) = attribute;
     return attribute;
+}
+
+namespace {
+
+constexpr std::size_t kManyAttributes = 32;
+
+// Where PutAttribute writes: the attribute of the name, or behind the last one.
+struct AttributePlace {
+    xmlAttr* attribute = nullptr;
+    xmlAttr* last = nullptr;
+    AttributeIndex* index = nullptr;
+};
+
+AttributePlace PlaceOf(xmlNode* element, const std::string& name) {
+    xmlAttr* last = nullptr;
+    xmlAttr* next = element->properties;
+    for (std::size_t seen = 0; next && seen < kManyAttributes; ++seen, next = next->next) {
+        if (name == Chars(next->name)) return {next};
+        last = next;
+    }
+    if (!next) return {nullptr, last};
+    std::unique_ptr<AttributeIndex>& index = TreeOf(element)->attributes;
+    if (!index) index = std::make_unique<AttributeIndex>();
+    xmlAttr* found = index->Find(element, name);
+    return {found, index->Last(), index.get()};
+}
+
+void SetValue(xmlAttr* attribute, std::string_view value) {
+    xmlNode* text = NewText(*TreeOf(AsNode(attribute)), value);
+    xmlFreeNodeList(attribute->children);
+    attribute->children = attribute->last = text;
+    text->parent = AsNode(attribute);
+}
+
+}  // namespace
+
+void PutAttribute(xmlNode* element, const std::string& name, std::string_view value) {
+    AttributePlace place = PlaceOf(element, name);
+    if (place.attribute) return SetValue(place.attribute, value);
+    xmlAttr* attribute = AppendAttribute(element, place.last, name, value);
+    if (place.index) place.index->Append(attribute);
 }
 
 std::string TreeText(StringView text) {

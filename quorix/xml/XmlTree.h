@@ -13,13 +13,15 @@
 #include <unordered_set>
 
 #include "quorix/base/String.h"
+#include "quorix/xml/AttributeIndex.h"
 #include "quorix/xml/XmlDocument.h"
 
 namespace quorix {
 
 struct XmlTree : xmlDoc {
     std::size_t references = 1;
-    std::unordered_set<xmlNode*> loose;  // removed or not yet placed, but in sight of a handle
+    std::unordered_set<xmlNode*> loose;          // removed or not yet placed, but in sight of a handle
+    std::unique_ptr<AttributeIndex> attributes;  // of the element with many that was written last
 };
 
 // A tree without nodes.
@@ -62,6 +64,9 @@ xmlNode* NewCData(XmlTree& tree, std::string_view text);
 
 // A new attribute behind `last`, which is the element's last one or null without any.
 xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, const std::string& name, std::string_view value);
+
+// Gives the attribute `name` this value; a new one comes last.
+void PutAttribute(xmlNode* element, const std::string& name, std::string_view value);
 
 // Text as the tree keeps it: what XML cannot hold becomes U+FFFD.
 std::string TreeText(StringView text);

@@ -39,6 +39,25 @@ TEST(XmlNode, EditsInPlace) {
     EXPECT_EQ(document->Xml(), u"<a b=\"&#9;&#13;&#10;\">\t&#13;\n</a>") << "so that it reads back as it was";
 }
 
+TEST(XmlNode, FindsEachOfManyAttributesWhateverHappensBetween) {
+    auto document = Loaded(u"<a><b/></a>");
+    XmlNode a = document->Root(), b = a.Child(u"b");
+    auto name = [](int i) { return u"n" + ToString(i); };
+    for (int i = 0; i < 100; ++i) {
+        for (XmlNode element : {a, b}) element.SetAttribute(name(i), u"old");
+    }
+    for (int i = 0; i < 100; i += 2) a.RemoveAttribute(name(i)), b.SetAttribute(name(i), u"new");
+    a.SetAttribute(name(98), u"last");
+    for (int i = 1; i < 100; i += 2) a.SetAttribute(name(i), u"new");
+    EXPECT_EQ(a.Attributes().size(), 51U);
+    EXPECT_EQ(b.Attributes().size(), 100U);
+    EXPECT_EQ(a.Attributes().back(), std::pair(name(98), String(u"last")));
+    EXPECT_EQ(a.Attribute(name(99)) + b.Attribute(name(98)) + b.Attribute(name(99)), u"newnewold");
+    a.RemoveChild(b);
+    a.AppendElement(u"c").SetAttribute(name(1), u"x");
+    EXPECT_EQ(a.Child(u"c").Attributes().size(), 1U);
+}
+
 TEST(XmlNode, OutlivesItsDocumentItsParentAndALoad) {
     auto document = Loaded(u"<a x='1'><b i='1'><c>t</c></b></a>");
     XmlNode attribute = document->Root().SelectSingle(u"@x");
