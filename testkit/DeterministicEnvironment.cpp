@@ -85,17 +85,17 @@ void DeterministicEnvironment::CloseWindow(HiddenWindow& window) {
     window = {};
 }
 
-NewSocket DeterministicEnvironment::CreateSocket() {
+NewSocket DeterministicEnvironment::CreateSocket(bool /*ip6*/) {
     if (std::int32_t error = FailureOf(Call::Create)) return {0, error};
     SocketId id = NewId();
     sockets_[id];
     return {id, SOCKERR_None};
 }
 
-std::int32_t DeterministicEnvironment::Bind(SocketId socket, std::uint16_t port, bool /*reuseAddress*/) {
+std::int32_t DeterministicEnvironment::Bind(SocketId socket, const Address& local, bool /*reuseAddress*/) {
     if (std::int32_t error = FailureOf(Call::Bind)) return error;
-    if (port != 0 && FindListener(port) != 0) return kInUse;
-    At(socket).local = {kLoopback, port != 0 ? port : nextPort_++};
+    if (local.port != 0 && FindListener(local.port) != 0) return kInUse;
+    At(socket).local = {kLoopback, local.port != 0 ? local.port : nextPort_++};
     return SOCKERR_None;
 }
 
@@ -120,12 +120,14 @@ std::int32_t DeterministicEnvironment::Connect(SocketId id, Address peer) {
     socket.peer = peer;
     socket.connecting = true;
     if (hold_) return socket.blocking ? SOCKERR_TimedOut : SOCKERR_WouldBlock;
-    socket.pendingError = refusal_;
-    if (refusal_ == SOCKERR_None) Establish(id);
+    auto refused = refusals_.find(AddressText(peer));
+    std::int32_t refusal = refused == refusals_.end() ? refusal_ : refused->second;
+    socket.pendingError = refusal;
+    if (refusal == SOCKERR_None) Establish(id);
     if (socket.blocking) return std::exchange(socket.pendingError, SOCKERR_None);
     if (socket.sink == nullptr) return SOCKERR_WouldBlock;
-    Notify(id, SOCK_Connect, refusal_);
-    if (refusal_ == SOCKERR_None) Notify(id, SOCK_Write);
+    Notify(id, SOCK_Connect, refusal);
+    if (refusal == SOCKERR_None) Notify(id, SOCK_Write);
     return SOCKERR_WouldBlock;
 }
 
@@ -287,7 +289,7 @@ void DeterministicEnvironment::NotifyArrival(SocketId id) {
 }
 
 bool DeterministicEnvironment::DeliverOne() {
-    if (queue_.empty()) return false;
+    if (queue_.empty()) return AnswerLookUp();
     Notification next = queue_.front();
     queue_.pop_front();
     auto found = sockets_.find(next.socket);
@@ -357,6 +359,34 @@ std::optional<std::uint32_t> DeterministicEnvironment::Resolve(const std::string
     if (unknownHosts_.count(host) != 0 || host.empty()) return {};
     auto found = hosts_.find(host);
     return found == hosts_.end() ? kLoopback : found->second;
+}
+
+LookUpId DeterministicEnvironment::StartLookUp(std::function<void()> answer) {
+    lookUps_[++lastLookUp_] = std::move(answer);
+    return lastLookUp_;
+}
+
+bool DeterministicEnvironment::AnswerLookUp() {
+    if (holdLookUps_ || lookUps_.empty()) return false;
+    lookUps_.extract(lookUps_.begin()).mapped()();
+    return true;
+}
+
+LookUpId DeterministicEnvironment::LookUpAddresses(const std::string& host, AddressesFound found) {
+    std::vector<Address> addresses;
+    if (auto scripted = addresses_.find(host); scripted != addresses_.end()) {
+        addresses = scripted->second;
+    } else if (auto ip = Resolve(host)) {
+        addresses = {{*ip}};
+    }
+    return StartLookUp([found = std::move(found), addresses] { found(addresses); });
+}
+
+LookUpId DeterministicEnvironment::LookUpService(const std::string& service, const std::string& domain,
+                                                 ServiceFound found) {
+    std::vector<ServiceTarget> targets;
+    if (service == "xmpp-client") targets = services_[domain];
+    return StartLookUp([found = std::move(found), targets] { found(targets); });
 }
 
 void DeterministicEnvironment::CriticalMessage(StringView text, StringView title) {

@@ -94,6 +94,24 @@ public:
     void AddHost(const std::string& name, std::uint32_t ip) { hosts_[name] = ip; }
     void RemoveHost(const std::string& name) { unknownHosts_.insert(name); }
 
+    // What look-ups without blocking find: a name that was not scripted has the address of AddHost or the
+    // loopback address, a service none. Held ones are never answered.
+    void ScriptAddresses(const std::string& name, std::vector<Address> addresses) {
+        addresses_[name] = std::move(addresses);
+    }
+    void ScriptService(const std::string& domain, std::vector<ServiceTarget> targets) {
+        services_[domain] = std::move(targets);
+    }
+    void HoldLookUps(bool hold) { holdLookUps_ = hold; }
+    std::size_t RunningLookUps() const { return lookUps_.size(); }
+
+    // Connections to `address` alone fail with `error`.
+    void RefuseAddress(const Address& address, std::int32_t error) {
+        refusals_[AddressText(address)] = error;
+    }
+
+    void ScriptRandom(std::uint32_t number) { random_ = number; }
+
     std::size_t OpenSockets() const { return sockets_.size(); }
     std::size_t OpenWindows() const { return windows_; }
     std::size_t RunningTimers() const { return timers_.Count(); }
@@ -103,8 +121,8 @@ public:
 
     HiddenWindow OpenWindow(SocketSink& sink) override;
     void CloseWindow(HiddenWindow& window) override;
-    NewSocket CreateSocket() override;
-    std::int32_t Bind(SocketId socket, std::uint16_t port, bool reuseAddress) override;
+    NewSocket CreateSocket(bool ip6) override;
+    std::int32_t Bind(SocketId socket, const Address& local, bool reuseAddress) override;
     std::int32_t Listen(SocketId socket, std::int32_t backlog) override;
     NewSocket Accept(SocketId listener) override;
     std::int32_t Connect(SocketId socket, Address peer) override;
@@ -122,6 +140,12 @@ public:
     Address PeerAddress(SocketId socket) override;
     std::optional<std::uint32_t> Resolve(const std::string& host) override;
     std::string HostName() override { return "deterministic"; }
+    LookUpId LookUpAddresses(const std::string& host, AddressesFound found) override;
+    LookUpId LookUpService(const std::string& service, const std::string& domain,
+                           ServiceFound found) override;
+    void CancelLookUp(LookUpId lookUp) override { lookUps_.erase(lookUp); }
+    std::vector<std::string> TrustedCertificates() override { return {}; }
+    std::uint32_t Random() override { return random_; }
     void SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                         std::int32_t milliseconds) override;
     void KillSocketTimer(SocketId socket, const HiddenWindow& window) override;
@@ -177,6 +201,8 @@ private:
         return socket.connected && (socket.readAgain || !Inbound(socket).chunks.empty());
     }
     std::int32_t WaitUntil(const std::function<bool()>& ready, std::int32_t milliseconds);
+    LookUpId StartLookUp(std::function<void()> answer);
+    bool AnswerLookUp();
     bool DeliverOne();
     bool FireNext(std::int64_t until);
 
@@ -189,6 +215,10 @@ private:
     std::vector<std::unique_ptr<ScriptedPeer>> peers_;
     std::map<std::string, std::uint32_t> hosts_;
     std::set<std::string> unknownHosts_;
+    std::map<std::string, std::vector<Address>> addresses_;
+    std::map<std::string, std::vector<ServiceTarget>> services_;
+    std::map<LookUpId, std::function<void()>> lookUps_;
+    std::map<String, std::int32_t> refusals_;
     std::map<Call, Failure> failures_;
     std::vector<String> criticalMessages_;
     std::function<void()> whileWaiting_;
@@ -197,6 +227,9 @@ private:
     std::size_t windows_ = 0;
     bool writesBlocked_ = false;
     bool hold_ = false;
+    bool holdLookUps_ = false;
+    LookUpId lastLookUp_ = 0;
+    std::uint32_t random_ = 0x80000000;
     bool quit_ = false;
     std::int32_t refusal_ = SOCKERR_None;
     SocketId nextId_ = 1;

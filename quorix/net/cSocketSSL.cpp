@@ -161,10 +161,10 @@ void cSocketSSL::Open() {
 }
 
 std::int32_t cSocketSSL::OpenSocket(bool reuseAddress) {
-    NewSocket made = environment_.CreateSocket();
+    NewSocket made = environment_.CreateSocket(false);
     if (made.id == 0) return made.error;
     SocketHandle(made.id);
-    return environment_.Bind(handle_, Port(localPort_), reuseAddress);
+    return environment_.Bind(handle_, {0, Port(localPort_)}, reuseAddress);
 }
 
 void cSocketSSL::Disconnect() {
@@ -209,7 +209,7 @@ void cSocketSSL::CompleteConnection() {
 
 void cSocketSSL::ReadPeer() {
     Address peer = environment_.PeerAddress(handle_);
-    remoteHost_ = DottedAddress(peer.ip);
+    remoteHost_ = AddressText(peer);
     remotePort_ = peer.port;
 }
 
@@ -331,7 +331,7 @@ void cSocketSSL::SendFile(StringView FileName) {
 }
 
 String cSocketSSL::LocalIP() const {
-    return DottedAddress(handle_ != 0 ? environment_.LocalAddress(handle_).ip : 0);
+    return AddressText(handle_ != 0 ? environment_.LocalAddress(handle_) : Address());
 }
 
 String cSocketSSL::MyName() const { return WireFromBytes(environment_.HostName()); }

@@ -1,18 +1,20 @@
 // The ground floor: everything that differs between systems, or that a test must control.
 //
 // Sockets have the shape of Winsock 1.1: small integer handles, 0 for none, notifications through the
-// thread's message pump, errors as the 10xxx numbers (0 for none). Addresses are IPv4 in host byte order.
+// thread's message pump, errors as the 10xxx numbers (0 for none).
 //
 // Threads: each thread has a current environment, the system's own unless another was installed. Handles,
 // timers and notifications belong to the thread that made them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quorix/base/String.h"
 
@@ -40,10 +42,25 @@ enum eSocketError : std::int32_t {
     SOCKERR_Refused = 10061,
 };
 
+// In the order of the network.
+using Ip6 = std::array<std::uint8_t, 16>;
+
+// `ip` is IPv4 in host byte order; it does not count where there is an IPv6 address.
 struct Address {
     std::uint32_t ip = 0;
     std::uint16_t port = 0;
+    std::optional<Ip6> ip6 = {};
 };
+
+// Where a service of a domain is to be found: an SRV record (RFC 2782).
+struct ServiceTarget {
+    std::string host;
+    std::uint16_t port = 0;
+};
+
+using LookUpId = std::int32_t;
+using AddressesFound = std::function<void(std::vector<Address>)>;
+using ServiceFound = std::function<void(std::vector<ServiceTarget>)>;
 
 // The shortest interval of a timer, in milliseconds; a shorter one counts as this.
 constexpr std::int32_t kShortestInterval = 10;
@@ -103,8 +120,8 @@ public:
     virtual void CloseWindow(HiddenWindow& window) = 0;
 
     // Every connection sends what it is given at once (TCP_NODELAY).
-    virtual NewSocket CreateSocket() = 0;
-    virtual std::int32_t Bind(SocketId socket, std::uint16_t port, bool reuseAddress) = 0;
+    virtual NewSocket CreateSocket(bool ip6) = 0;
+    virtual std::int32_t Bind(SocketId socket, const Address& local, bool reuseAddress) = 0;
     virtual std::int32_t Listen(SocketId socket, std::int32_t backlog) = 0;
     virtual NewSocket Accept(SocketId listener) = 0;
 
@@ -146,6 +163,20 @@ public:
     virtual std::optional<std::uint32_t> Resolve(const std::string& host) = 0;
     virtual std::string HostName() = 0;
 
+    // Look up without blocking. The answer comes once, through the pump, unless the look-up is cancelled: the
+    // addresses of a name (UTF-8) or a literal address, without a port, in the order in which to try them;
+    // the targets of a service such as "xmpp-client" over TCP, likewise. Empty when there is none.
+    virtual LookUpId LookUpAddresses(const std::string& host, AddressesFound found) = 0;
+    virtual LookUpId LookUpService(const std::string& service, const std::string& domain,
+                                   ServiceFound found) = 0;
+    virtual void CancelLookUp(LookUpId lookUp) = 0;
+
+    // The certificates (DER) that the system trusts, besides those that OpenSSL finds at its own paths.
+    virtual std::vector<std::string> TrustedCertificates() = 0;
+
+    // A number that nobody foresees.
+    virtual std::uint32_t Random() = 0;
+
     // One periodic timer for each socket, delivered to the sink's OnSocketTimer.
     virtual void SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                                 std::int32_t milliseconds) = 0;
@@ -173,5 +204,8 @@ String DottedAddress(std::uint32_t ip);
 
 // The address that `text` spells out as four decimal numbers, if it does.
 std::optional<std::uint32_t> ParseDotted(std::string_view text);
+
+// "a.b.c.d", or IPv6 in its shortest form (RFC 5952).
+String AddressText(const Address& address);
 
 }  // namespace quorix

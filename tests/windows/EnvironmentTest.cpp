@@ -81,11 +81,11 @@ class Connected : public ::testing::Test {
 protected:
     void SetUp() override {
         Endpoint listener;
-        const SocketId listening = System().CreateSocket().id;
-        ASSERT_EQ(System().Bind(listening, 0, true), SOCKERR_None);
+        const SocketId listening = System().CreateSocket(false).id;
+        ASSERT_EQ(System().Bind(listening, {}, true), SOCKERR_None);
         ASSERT_EQ(System().Listen(listening, 5), SOCKERR_None);
         listener.Select(listening, SOCK_Accept);
-        client.Select(System().CreateSocket().id, SOCK_Read | SOCK_Write | SOCK_Connect | SOCK_Close);
+        client.Select(System().CreateSocket(false).id, SOCK_Read | SOCK_Write | SOCK_Connect | SOCK_Close);
         EXPECT_EQ(System().Connect(client.socket, {0x7F000001, System().LocalAddress(listening).port}),
                   SOCKERR_WouldBlock);
         ASSERT_TRUE(PumpUntil([&] { return listener.sink.Saw(SOCK_Accept); }));
@@ -204,11 +204,11 @@ TEST_F(Connected, HasATimerThatEndsItselfWithItsFirstTick) {
 
 TEST(Sockets, ReportARefusedConnection) {
     Endpoint probe;
-    const SocketId bound = System().CreateSocket().id;
-    System().Bind(bound, 0, false);
+    const SocketId bound = System().CreateSocket(false).id;
+    System().Bind(bound, {}, false);
     const std::uint16_t port = System().LocalAddress(bound).port;
     System().Close(bound);
-    probe.Select(System().CreateSocket().id, SOCK_Connect);
+    probe.Select(System().CreateSocket(false).id, SOCK_Connect);
     System().Connect(probe.socket, {0x7F000001, port});
     ASSERT_TRUE(PumpUntil([&] { return probe.sink.Saw(SOCK_Connect); }));
     EXPECT_EQ(probe.sink.errors.back(), SOCKERR_Refused);

@@ -15,6 +15,7 @@
 #include <climits>
 
 #include "quorix/platform/posix/SocketError.h"
+#include "quorix/platform/posix/SystemAddress.h"
 
 namespace quorix {
 
@@ -48,21 +49,11 @@ auto Uninterrupted(Call call) {
     return result;
 }
 
-sockaddr_in SystemAddress(Address address) {
-    sockaddr_in result{};
-    result.sin_family = AF_INET;
-    result.sin_addr.s_addr = htonl(address.ip);
-    result.sin_port = htons(address.port);
-    return result;
-}
-
 template <class Query>
 Address AddressBy(Query query, SocketId socket) {
-    sockaddr_in found{};
-    socklen_t size = sizeof found;
-    bool known = query(socket, reinterpret_cast<sockaddr*>(&found), &size) == 0;
-    if (!known || found.sin_family != AF_INET) return {};
-    return {ntohl(found.sin_addr.s_addr), ntohs(found.sin_port)};
+    SystemAddress found;
+    bool known = query(socket, found.Get(), &found.size) == 0;
+    return known ? FromSystem(found.Get()) : Address{};
 }
 
 std::int64_t Now() { return g_get_monotonic_time() / 1000; }
@@ -128,8 +119,8 @@ PosixEnvironment::~PosixEnvironment() {
 HiddenWindow PosixEnvironment::OpenWindow(SocketSink&) { return {}; }
 void PosixEnvironment::CloseWindow(HiddenWindow&) {}
 
-NewSocket PosixEnvironment::CreateSocket() {
-    return Adopt(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP), Phase::Idle);
+NewSocket PosixEnvironment::CreateSocket(bool ip6) {
+    return Adopt(socket(ip6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP), Phase::Idle);
 }
 
 // 0 means "no socket" everywhere, so a descriptor of that number is exchanged for another.
@@ -151,13 +142,13 @@ SocketWatch& PosixEnvironment::WatchOf(SocketId socket) {
     return *watch;
 }
 
-std::int32_t PosixEnvironment::Bind(SocketId socket, std::uint16_t port, bool reuseAddress) {
+std::int32_t PosixEnvironment::Bind(SocketId socket, const Address& local, bool reuseAddress) {
     int reuse = reuseAddress ? 1 : 0;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
-    int later = port == 0 ? 1 : 0;  // to find a port that is free for any peer takes the system long
+    int later = local.port == 0 ? 1 : 0;  // to find a port that is free for any peer takes the system long
     setsockopt(socket, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &later, sizeof later);
-    sockaddr_in local = SystemAddress({INADDR_ANY, port});
-    return ErrorOf(bind(socket, reinterpret_cast<sockaddr*>(&local), sizeof local));
+    SystemAddress native = ToSystem(local);
+    return ErrorOf(bind(socket, native.Get(), native.size));
 }
 
 std::int32_t PosixEnvironment::Listen(SocketId socket, std::int32_t backlog) {
@@ -188,8 +179,8 @@ void PosixEnvironment::RestListener(SocketId listener) {
 }
 
 std::int32_t PosixEnvironment::Connect(SocketId socket, Address peer) {
-    sockaddr_in remote = SystemAddress(peer);
-    int result = connect(socket, reinterpret_cast<sockaddr*>(&remote), sizeof remote);
+    SystemAddress remote = ToSystem(peer);
+    int result = connect(socket, remote.Get(), remote.size);
     std::int32_t error = result != 0 && errno == EINPROGRESS ? SOCKERR_WouldBlock : ErrorOf(result);
     SocketWatch& watch = WatchOf(socket);
     if (error == SOCKERR_WouldBlock) {

@@ -11,6 +11,7 @@
 
 #include "quorix/platform/Environment.h"
 #include "quorix/platform/TimerQueue.h"
+#include "quorix/platform/posix/Resolver.h"
 #include "quorix/platform/posix/SocketPoll.h"
 #include "quorix/platform/posix/SocketWatch.h"
 
@@ -26,8 +27,8 @@ public:
     HiddenWindow OpenWindow(SocketSink& sink) override;
     void CloseWindow(HiddenWindow& window) override;
 
-    NewSocket CreateSocket() override;
-    std::int32_t Bind(SocketId socket, std::uint16_t port, bool reuseAddress) override;
+    NewSocket CreateSocket(bool ip6) override;
+    std::int32_t Bind(SocketId socket, const Address& local, bool reuseAddress) override;
     std::int32_t Listen(SocketId socket, std::int32_t backlog) override;
     NewSocket Accept(SocketId listener) override;
     std::int32_t Connect(SocketId socket, Address peer) override;
@@ -47,6 +48,17 @@ public:
     Address PeerAddress(SocketId socket) override;
     std::optional<std::uint32_t> Resolve(const std::string& host) override;
     std::string HostName() override;
+
+    LookUpId LookUpAddresses(const std::string& host, AddressesFound found) override {
+        return resolver_.LookUpAddresses(host, std::move(found));
+    }
+    LookUpId LookUpService(const std::string& service, const std::string& domain,
+                           ServiceFound found) override {
+        return resolver_.LookUpService(service, domain, std::move(found));
+    }
+    void CancelLookUp(LookUpId lookUp) override { resolver_.Cancel(lookUp); }
+    std::vector<std::string> TrustedCertificates() override { return {}; }
+    std::uint32_t Random() override { return g_random_int(); }
 
     void SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                         std::int32_t milliseconds) override;
@@ -72,6 +84,7 @@ private:
 
     GMainContext* context_;
     bool ownsContext_;
+    Resolver resolver_;
     std::unique_ptr<SocketPoll> poll_;
     std::unordered_map<SocketId, std::shared_ptr<SocketWatch>> sockets_;
     GSource* timerSource_;

@@ -2,11 +2,16 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <random>
 #include <utility>
 
 #include "quorix/base/WireText.h"
 #include "quorix/platform/windows/CodePages.h"
 #include "quorix/platform/windows/HiddenWindows.h"
+#include "quorix/platform/windows/Resolver.h"
+#include "quorix/platform/windows/SystemAddress.h"
+// Behind the sockets.
+#include <wincrypt.h>
 
 namespace quorix {
 namespace {
@@ -21,20 +26,29 @@ HWND Native(const HiddenWindow& window) { return reinterpret_cast<HWND>(window.h
 
 std::int32_t ErrorUnless(bool success) { return success ? SOCKERR_None : WSAGetLastError(); }
 
-sockaddr_in Native(Address address) {
-    sockaddr_in native = {};
-    native.sin_family = AF_INET;
-    native.sin_port = htons(address.port);
-    native.sin_addr.s_addr = htonl(address.ip);
-    return native;
+const sockaddr* Native(const windows::SystemAddress& address) {
+    return reinterpret_cast<const sockaddr*>(address.storage.data());
 }
 
 using AddressReader = int(PASCAL*)(SOCKET, sockaddr*, int*);
 Address ReadAddress(AddressReader reader, SocketId socket) {
-    sockaddr_in native = {};
-    int size = sizeof native;
-    if (reader(Native(socket), reinterpret_cast<sockaddr*>(&native), &size) != 0) return {};
-    return {ntohl(native.sin_addr.s_addr), ntohs(native.sin_port)};
+    windows::SystemAddress found;
+    auto* native = reinterpret_cast<sockaddr*>(found.storage.data());
+    if (reader(Native(socket), native, &found.size) != 0) return {};
+    return windows::FromSystem(native);
+}
+
+// What the system's store of trusted roots holds.
+std::vector<std::string> SystemRoots() {
+    std::vector<std::string> certificates;
+    HCERTSTORE store = CertOpenSystemStoreA(0, "ROOT");
+    if (store == nullptr) return certificates;
+    const CERT_CONTEXT* next = nullptr;
+    while ((next = CertEnumCertificatesInStore(store, next)) != nullptr) {
+        certificates.emplace_back(reinterpret_cast<const char*>(next->pbCertEncoded), next->cbCertEncoded);
+    }
+    CertCloseStore(store, 0);
+    return certificates;
 }
 
 NewSocket Made(SOCKET socket) {
@@ -116,13 +130,15 @@ public:
     HiddenWindow OpenWindow(SocketSink&) override { return windows::OpenHiddenWindow(&SocketsCannotStart); }
     void CloseWindow(HiddenWindow& window) override { windows::CloseHiddenWindow(window); }
 
-    NewSocket CreateSocket() override { return Made(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP)); }
+    NewSocket CreateSocket(bool ip6) override {
+        return Made(socket(windows::FamilyFor(ip6), SOCK_STREAM, IPPROTO_TCP));
+    }
 
     // The address of a connection that lingers can be bound again anyway; the option of that name would let
     // two programs listen on one port.
-    std::int32_t Bind(SocketId socket, std::uint16_t port, bool /*reuseAddress*/) override {
-        const sockaddr_in any = Native(Address{INADDR_ANY, port});
-        return ErrorUnless(bind(Native(socket), reinterpret_cast<const sockaddr*>(&any), sizeof any) == 0);
+    std::int32_t Bind(SocketId socket, const Address& local, bool /*reuseAddress*/) override {
+        const windows::SystemAddress native = windows::ToSystem(local);
+        return ErrorUnless(bind(Native(socket), Native(native), native.size) == 0);
     }
 
     std::int32_t Listen(SocketId socket, std::int32_t backlog) override {
@@ -132,9 +148,8 @@ public:
     NewSocket Accept(SocketId listener) override { return Made(accept(Native(listener), nullptr, nullptr)); }
 
     std::int32_t Connect(SocketId socket, Address peer) override {
-        const sockaddr_in native = Native(peer);
-        return ErrorUnless(
-            connect(Native(socket), reinterpret_cast<const sockaddr*>(&native), sizeof native) == 0);
+        const windows::SystemAddress native = windows::ToSystem(peer);
+        return ErrorUnless(connect(Native(socket), Native(native), native.size) == 0);
     }
 
     Transfer Send(SocketId socket, std::string_view bytes) override {
@@ -202,6 +217,18 @@ public:
         return gethostname(name, sizeof name - 1) == 0 ? name : std::string();
     }
 
+    LookUpId LookUpAddresses(const std::string& host, AddressesFound found) override {
+        return resolver_.LookUpAddresses(host, std::move(found));
+    }
+    LookUpId LookUpService(const std::string& service, const std::string& domain,
+                           ServiceFound found) override {
+        return resolver_.LookUpService(service, domain, std::move(found));
+    }
+    void CancelLookUp(LookUpId lookUp) override { resolver_.Cancel(lookUp); }
+
+    std::vector<std::string> TrustedCertificates() override { return SystemRoots(); }
+    std::uint32_t Random() override { return std::random_device()(); }
+
     // The timer of a socket is a timer of its window, under the socket's number.
     void SetSocketTimer(SocketId socket, const HiddenWindow& window, SocketSink& sink,
                         std::int32_t milliseconds) override {
@@ -249,6 +276,9 @@ public:
         MessageBoxW(nullptr, reinterpret_cast<const wchar_t*>(String(text).c_str()),
                     reinterpret_cast<const wchar_t*>(String(title).c_str()), MB_OK | MB_ICONERROR);
     }
+
+private:
+    windows::Resolver resolver_;
 };
 
 }  // namespace
