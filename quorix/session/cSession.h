@@ -7,7 +7,10 @@
 // Ownership: made by Create and shared with the application. Dropping the last reference ends the session
 // without a word to the server; Disconnect says good-bye. Records given out by events may be kept.
 // Threads: a session, its records and its timers belong to the thread that created it.
-// Errors: an AutomationError for an impossible argument only. Network and protocol failures are events.
+// Errors: an AutomationError for an impossible argument, and in KV_Modern 10057 for whatever is to be sent while not
+// connected. Network and protocol failures are events.
+// Text: in KV_Modern every value of the session and its records is text, and where a comment tells text from wire
+// text (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the stanza.
 #pragma once
 
 #include <deque>
