@@ -37,6 +37,16 @@ TEST_F(SessionTest, ProvesItsPasswordInTheFormThatTypeAndOffersDemand) {
     }
 }
 
+TEST_F(SessionTest, HashesTheUtf8OfItsSecretsInTheModernMode) {
+    session->Mode(KV_Modern);
+    session->AuthType(KV_DigestAuth);
+    session->Password(u"\u00e9\U0001F600");
+    OpenStream();
+    Say("<iq type='result'><query xmlns='jabber:iq:auth'><digest/></query></iq>");
+    const String digest = SHAHash(std::string_view("s1\xC3\xA9\xF0\x9F\x98\x80"));
+    EXPECT_NE(Heard().find("<digest>" + Utf8FromText(digest) + "</digest>"), std::string::npos);
+}
+
 TEST(SHAHash, IsThePublishedOneOverBytes) {
     EXPECT_EQ(SHAHash(u"abc"), u"a9993e364706816aba3e25717850c26c9cd0d89d");
     EXPECT_EQ(SHAHash(u"\u8BF4"), SHAHash(u"?"));

@@ -242,6 +242,8 @@ void Senders::Try(const Answer& answer, StringView value) {
     EXPECT_TRUE(!sent.shape.empty() && sent.shape == expected.shape)
         << answer.name << ": " << Utf8FromText(value.substr(0, 80)) << "\n"
         << Utf8FromText(sent.shape);
+    EXPECT_TRUE(IsClassic() || sent.content.find(value) != String::npos)
+        << answer.name << ": " << Utf8FromText(value.substr(0, 80)) << ": is not what was received";
 }
 
 const String kHostile[] = {
