@@ -13,6 +13,12 @@
 
 namespace quorix::console {
 
+namespace {
+
+constexpr std::int16_t kAttempts = 32767;  // in a row; a client that listens does so for months
+
+}  // namespace
+
 Connection::Connection(Console& console, const Options& options)
     : Desk(console), options_(options), known_(StateFile("servers")), newUser_(options.newUser) {}
 
@@ -129,7 +135,9 @@ void Connection::OnAuthorized() {
     online_ = true;
     wasOnline_ = true;
     newUser_ = false;
-    Session().Reconnect(true);
+    Session().Reconnect(options_.reconnect > 0);
+    Session().ReconnectInterval(static_cast<std::int16_t>(options_.reconnect));
+    Session().ReconnectAttempts(kAttempts);
     Show("login", {{"jid", Concat({Text(Session().MyJid()), u"/", Session().Resource()})}});
     Owner().OnReady();
 }

@@ -79,6 +79,9 @@ void DeclareConnection(CLI::App& app, Options& options) {
     app.add_flag("--remote-dns", options.remoteDns, "lets a SOCKS5 proxy look up the server");
     app.add_option("--timeout", options.timeout, "seconds until the login must have succeeded, 0 for ever")
         ->check(CLI::Range(0, 32767));
+    app.add_option("--reconnect", options.reconnect,
+                   "seconds until it connects again after a loss, 0 for never")
+        ->check(CLI::Range(0, 3600));
     app.add_flag("--classic", options.classic, "behaves as clients did twenty years ago, traps included");
 }
 

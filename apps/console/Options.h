@@ -21,7 +21,8 @@ struct Options {
     std::string ca;
     std::string pin;
     std::string proxy;
-    int timeout = 30;  // seconds from connecting to the login
+    int timeout = 30;   // seconds from connecting to the login
+    int reconnect = 5;  // seconds until the first attempt to connect again; 0: none
     bool tls = false;
     bool insecure = false;
     bool remoteDns = false;

@@ -68,7 +68,10 @@ void ServiceDesk::Register(StringView agentJid, Values values) {
 void ServiceDesk::OnIQ(const NodePtr& XMLElement) {
     const XmlNode root = XMLElement->Root();
     const bool isForm = root.FirstElement().AttributeIs(u"xmlns", u"jabber:iq:register");
-    if (isForm && root.AttributeIs(u"type", u"result")) ContinueRegistration(root.Attribute(u"from"));
+    if (!root.AttributeIs(u"type", u"result")) return;
+    if (isForm) ContinueRegistration(root.Attribute(u"from"));
+    const bool isSearch = !searchId_.empty() && root.AttributeIs(u"id", searchId_);
+    if (isSearch && !XMLElement->TagExists(u"item")) Show("no-hits", {});
 }
 
 // The form has been put into the agent's fields by now.
@@ -116,13 +119,13 @@ void ServiceDesk::ShowForm() {
 void ServiceDesk::SubmitSearch() {
     const bool asForm = Session().SearchXData()->Fields().Count() > 0;
     const Pending search = std::exchange(search_, {});
-    Session().SendXML(Concat({u"<iq type='set' id='", Session().GetNextID(), u"' to='",
-                              InXml(Session(), search.jid), u"'><query xmlns='jabber:iq:search'>",
+    searchId_ = Session().GetNextID();
+    Session().SendXML(Concat({u"<iq type='set' id='", searchId_, u"' to='", InXml(Session(), search.jid),
+                              u"'><query xmlns='jabber:iq:search'>",
                               SearchBody(Session(), search.values, asForm), u"</query></iq>"}));
 }
 
 void ServiceDesk::OnSearchResults(const std::shared_ptr<cSearchResults>& Searchresults) {
-    if (Searchresults->Count() == 0) return Show("no-hits", {});
     for (const auto& hit : *Searchresults) {
         String values;
         for (const auto& field : *hit->Fields()) {

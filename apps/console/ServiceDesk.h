@@ -33,6 +33,7 @@ private:
     void ContinueRegistration(StringView from);
 
     Pending search_;
+    String searchId_;  // of the one that was sent
     Pending registration_;
 };
 

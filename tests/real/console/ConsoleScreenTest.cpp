@@ -56,7 +56,7 @@ TEST_F(ConsoleOnATerminal, KeepsPromptAndStatusBelowWhatItPrints) {
 }
 
 TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
-    const ConsoleScreen screen({}, Login());
+    const ConsoleScreen screen({}, Login({"--reconnect", "2"}));
     ASSERT_TRUE(screen.Shows("Logged in"));
     server->DropConnections();
     ASSERT_TRUE(screen.Shows("Disconnected: "));
@@ -64,9 +64,10 @@ TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
     ASSERT_TRUE(screen.Shows("Not connected. Do this when the connection is back?"));
     screen.Enter("n");
     ASSERT_TRUE(screen.Shows("It was dropped."));
-    screen.Enter("/unregister");
-    screen.Enter("n");
-    EXPECT_TRUE(screen.Shows("/unregister"));
+    screen.Enter("/msg echo@localhost kept");
+    screen.Enter("y");
+    EXPECT_TRUE(screen.Shows("echo@localhost: You said: kept"));
+    EXPECT_THAT(screen.Text(), Not(HasSubstr("You said: dropped")));
 }
 
 TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {

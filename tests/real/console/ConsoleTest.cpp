@@ -67,6 +67,7 @@ TEST_F(ConsoleClient, GoesThroughASocksProxyAndKeepsItsPasswordToItself) {
 
 TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
     std::string output = Run({}, R"(/help
+/search users.localhost last=Nobody
 /agents
 /wait 2
 /agent gateway.localhost username=me; password=Zoë & co
@@ -101,7 +102,7 @@ TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
           "agent gateway.localhost \"Gateway\" register gateway",
           "<username>me</username><password>***</password><key>***</key>",
           R"(jid="gateway.localhost/registered")", "gateway asks for: The name over there",
-          "found tybalt@localhost | cat | Tybalt", "  FullName = Zoë <1>",
+          "Nobody was found.", "found tybalt@localhost | cat | Tybalt", "  FullName = Zoë <1>",
           R"(stored: <notes xmlns="notes:mine">a &amp; b</notes>)",
           "room lobby@conference.localhost \"The Lobby\"", "lobby@conference.localhost/Jule: hello",
           "localhost runs Loopback 1 none", "time at localhost: 2 January 2026, noon",
