@@ -1,10 +1,8 @@
 #include "apps/console/Connection.h"
 
 #include <glib.h>
-#include <openssl/x509.h>
 
 #include "apps/console/Console.h"
-#include "apps/console/Folders.h"
 #include "apps/console/Mask.h"
 #include "apps/console/Proxy.h"
 #include "apps/console/StanzaError.h"
@@ -16,25 +14,51 @@ namespace quorix::console {
 namespace {
 
 constexpr std::int16_t kAttempts = 32767;  // in a row; a client that listens does so for months
+constexpr std::int16_t kUntrusted = 101;   // of OnSocketError: the certificate was refused
+constexpr std::uint16_t kPort = 5222;
+
+// Where to connect, when that is not the account's domain.
+template <class Session>
+void UseHost(Session& session, const Options& options) {
+    const bool isElsewhere = options.server != options.domain;
+    if constexpr (requires { session.ConnectHost(u""); }) {
+        session.ServerAddress(TextFromUtf8(options.domain));
+        session.ConnectHost(isElsewhere ? TextFromUtf8(options.server) : String());
+        session.Port(static_cast<std::int16_t>(options.port));
+    } else {
+        session.ServerAddress(TextFromUtf8(options.server));
+        session.Port(static_cast<std::int16_t>(options.port == 0 ? kPort : options.port));
+    }
+}
+
+// Whether the session itself ends an attempt that takes too long.
+template <class Session>
+bool UseTimeout(Session& session, int seconds) {
+    if constexpr (requires { session.LoginTimeout(std::int16_t{1}); }) {
+        session.LoginTimeout(static_cast<std::int16_t>(seconds));
+        return session.Mode() == KV_Modern;
+    }
+    return false;
+}
 
 }  // namespace
 
 Connection::Connection(Console& console, const Options& options)
-    : Desk(console), options_(options), known_(StateFile("servers")), newUser_(options.newUser) {}
+    : Desk(console), options_(options), trust_(options), newUser_(options.newUser) {}
 
 // -- Opening --
 
 void Connection::Apply() {
     cSession& session = Session();
     session.Mode(options_.classic ? KV_Classic : KV_Modern);
-    session.ServerAddress(TextFromUtf8(options_.server));
-    session.Port(static_cast<std::int16_t>(options_.port));
+    UseHost(session, options_);
     session.username(Inserted(session, TextFromUtf8(options_.user)));
     session.Password(TextFromUtf8(options_.password));
     session.Resource(TextFromUtf8(options_.resource));
     session.UseSSL(options_.tls);
     session.Reconnect(false);  // a first attempt that fails is the user's to repeat
     session.Socket()->SSLCAFile(TextFromUtf8(options_.ca));
+    trust_.Apply(session);
     ApplyProxy();
 }
 
@@ -53,16 +77,10 @@ void Connection::ApplyProxy() {
 void Connection::Open() {
     Apply();
     Show("connecting", {{"host", Session().ServerAddress()}});
-    StartDeadline();
+    opened_ = g_get_monotonic_time();
+    if (!UseTimeout(Session(), options_.timeout)) StartDeadline();
     Session().Connect(newUser_);
-    if (!options_.tls || !Session().IsConnected()) return;
-    const cSocketSSL& socket = *Session().Socket();
-    Show("certificate", {{"cipher", socket.SSLCipher()},
-                         {"subject", socket.SSLSubject()},
-                         {"issuer", socket.SSLIssuer()},
-                         {"verdict", std::string(X509_verify_cert_error_string(socket.SSLTrusted()))},
-                         {"fingerprint", PeerIdentity()}});
-    if (!IsTrusted()) Distrust();
+    if (Session().IsConnected() && !trust_.IsAccepted(Session())) Distrust();
 }
 
 void Connection::OpenNew(StringView user, StringView password) {
@@ -79,35 +97,33 @@ void Connection::OpenNew(StringView user, StringView password) {
 
 // -- Trust --
 
-String Connection::PeerIdentity() const {
-    const cSocketSSL& socket = *Session().Socket();
-    return Concat({socket.SSLSubject(), u" / ", socket.SSLIssuer()});
-}
-
-bool Connection::IsTrusted() const {
-    const std::string accepted = options_.pin.empty() ? known_.Fingerprint(options_.server) : options_.pin;
-    const bool isAccepted = !accepted.empty() && accepted == Utf8FromText(PeerIdentity());
-    return !options_.tls || options_.insecure || isAccepted || Session().Socket()->SSLTrusted() == X509_V_OK;
-}
-
 // Nothing of the login has been sent by now.
 void Connection::Distrust() {
-    const String identity = PeerIdentity();
-    const std::string before = known_.Fingerprint(options_.server);
-    reason_ = u"the certificate is not trusted";
+    Show("certificate", trust_.Verdict(Session()));
     isEndExpected_ = true;
     Session().Disconnect();
+    isEndExpected_ = false;
+    online_ = false;
     StopDeadline();
-    if (!before.empty()) {
-        Show("usage", {{"text", Concat({u"THE CERTIFICATE HAS CHANGED. You had accepted ",
-                                        TextFromUtf8(before), u". Somebody may be listening."})}});
+    if (options_.insecure) return OpenSoon(false);
+    if (!trust_.Pin().empty()) {
+        Owner().Fail(
+            u"THE CERTIFICATE HAS CHANGED",
+            Concat({u"accepted before was ", TextFromUtf8(trust_.Pin()), u"; somebody may be listening"}));
     }
-    auto answered = [this, identity](bool yes) {
-        if (!yes) return End(ExitCode::untrusted, u"No login", reason_);
-        known_.Remember(options_.server, Utf8FromText(identity));
-        Open();
+    Owner().Ask("This certificate is not trusted. Accept it from now on, and no other?", [this](bool yes) {
+        yes ? OpenSoon(true) : End(ExitCode::untrusted, u"No login", u"the certificate is not trusted");
+    });
+}
+
+// Not from inside an event of the connection that ends.
+void Connection::OpenSoon(bool remembered) {
+    trust_.Accept(Session(), remembered);
+    auto open = [](gpointer self) -> gboolean {
+        static_cast<Connection*>(self)->Open();
+        return G_SOURCE_REMOVE;
     };
-    Owner().Ask("This certificate is not trusted. Accept it from now on?", answered);
+    g_idle_add(open, this);
 }
 
 // -- Deadline --
@@ -138,22 +154,23 @@ void Connection::OnAuthorized() {
     Session().Reconnect(options_.reconnect > 0);
     Session().ReconnectInterval(static_cast<std::int16_t>(options_.reconnect));
     Session().ReconnectAttempts(kAttempts);
+    if (options_.tls) Show("certificate", trust_.Verdict(Session()));
     Show("login", {{"jid", Concat({Text(Session().MyJid()), u"/", Session().Resource()})}});
     Owner().OnReady();
 }
 
 void Connection::OnNewUserCreated() {
     Show("account-created", {});
-    isEndExpected_ = true;
+    accountCreated_ = true;
     newUser_ = false;
 }
 
 void Connection::OnDisConnected() {
     online_ = false;
-    if (Owner().IsQuitting() || std::exchange(isEndExpected_, false)) return;
+    if (Owner().IsQuitting() || isEndExpected_ || std::exchange(accountCreated_, false)) return;
     const String reason = std::exchange(reason_, String());
     const String told = reason.empty() ? String(u"the server has closed the connection") : reason;
-    if (!wasOnline_) return End(ExitCode::network, u"No login", told);
+    if (!wasOnline_) return GiveUp(told);
     if (options_.task == Options::Task::send) return End(ExitCode::network, u"The connection was lost", told);
     // Whoever has taken over would be thrown out in turn.
     if (StartsWith(told, u"conflict")) return End(ExitCode::replaced, u"Another login has taken over", told);
@@ -163,23 +180,34 @@ void Connection::OnDisConnected() {
 }
 
 void Connection::OnSocketError(const NodePtr& /*XMLElement*/, StringView Description, std::int16_t Code) {
+    if (Code == kUntrusted) return Distrust();
     reason_ = Concat({Description, u" (", ToString(Code), u")"});
-    if (!wasOnline_) End(ExitCode::network, u"No connection", reason_);
+    if (!wasOnline_) GiveUp(reason_);
 }
 
 // Errors of messages are the chat's.
-void Connection::OnError(const NodePtr& XMLElement, StringView /*FromJid*/, std::int16_t /*eErrorCode*/,
+void Connection::OnError(const NodePtr& XMLElement, StringView /*FromJid*/, std::int16_t eErrorCode,
                          StringView ErrorDescription) {
     if (XMLElement && XMLElement->Root().Is(u"message")) return;
-    reason_ = XMLElement ? StanzaError::Of(XMLElement->Root()).Reason() : String(ErrorDescription);
+    reason_ = ErrorDescription;
+    isRefused_ = eErrorCode != 0;
+}
+
+// No login came of it.
+void Connection::GiveUp(StringView reason) {
+    const std::int64_t waited = (g_get_monotonic_time() - opened_) / G_USEC_PER_SEC;
+    if (options_.timeout > 0 && waited >= options_.timeout)
+        return End(ExitCode::silence, u"No login", reason);
+    if (!isRefused_) return End(ExitCode::network, u"No login", reason);
+    End(ExitCode::refused, newUser_ ? u"account refused" : u"login refused", reason);
 }
 
 // Before the login there are no other queries than the login's.
 void Connection::OnIQError(const NodePtr& XMLElement, StringView /*FromJid*/, std::int16_t /*eErrorCode*/,
                            StringView /*ErrorDescription*/) {
     if (Session().Active()) return;
-    const String what = newUser_ ? u"account refused" : u"login refused";
-    End(ExitCode::refused, what, Text(StanzaError::Of(XMLElement->Root()).Reason()));
+    isRefused_ = true;
+    GiveUp(Text(StanzaError::Of(XMLElement->Root()).Reason()));
 }
 
 void Connection::End(ExitCode code, const String& what, StringView reason) {
@@ -190,17 +218,14 @@ void Connection::End(ExitCode code, const String& what, StringView reason) {
 }
 
 std::string Connection::State() const {
-    if (online_)
-        return options_.tls ? (Session().Socket()->SSLTrusted() == X509_V_OK ? "online, TLS"
-                                                                             : "online, TLS by your word")
-                            : "online, no TLS";
+    if (online_) return "online, " + trust_.State(Session());
     return wasOnline_ ? "offline, connecting again" : "connecting";
 }
 
 // -- The traffic --
 
 void Connection::OnIncomingXML(StringView XML) {
-    if (!IsTrusted())
+    if (!trust_.IsAccepted(Session()))
         return Distrust();  // a reconnection is judged here, before anything secret has gone out
     if (options_.xml) Show("xml-in", {{"xml", MaskSecrets(Text(XML))}});
 }

@@ -3,8 +3,8 @@
 
 #include "apps/console/Desk.h"
 #include "apps/console/ExitCode.h"
-#include "apps/console/KnownServers.h"
 #include "apps/console/Options.h"
+#include "apps/console/Trust.h"
 
 namespace quorix::console {
 
@@ -37,17 +37,20 @@ private:
     void StartDeadline();
     void StopDeadline();
     void End(ExitCode code, const String& what, StringView reason);
-    String PeerIdentity() const;
-    bool IsTrusted() const;
+    void GiveUp(StringView reason);
     void Distrust();
+    void OpenSoon(bool remembered);
 
     Options options_;
-    KnownServers known_;
-    String reason_;  // why the connection ends, as far as is known
+    Trust trust_;
+    String reason_;            // why the connection ends, as far as is known
+    std::int64_t opened_ = 0;  // microseconds of the system's steady clock
     unsigned deadline_ = 0;
     bool online_ = false;
     bool wasOnline_ = false;
-    bool isEndExpected_ = false;  // what follows is told elsewhere
+    bool isEndExpected_ = false;   // it is the console's own doing
+    bool accountCreated_ = false;  // the connection ends now, and the login follows
+    bool isRefused_ = false;
     bool newUser_ = false;
 };
 

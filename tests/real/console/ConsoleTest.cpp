@@ -129,11 +129,11 @@ TEST_F(ConsoleClient, SaysWhyItEndsAndWithItsOwnCode) {
     silent->Listen();
     const std::string silence = std::to_string(silent->LocalPort());
     const EndCase cases[] = {
-        {"refused", {"juliet@localhost", "--port", port, "--password", "wrong"}, 4, "login refused"},
+        {"refused", {"juliet@localhost", "--port", port, "--password", "wrong"}, 4, "! login refused: "},
         {"no account", {}, 2, "which account?"},
         {"wrong option", {"--bogus"}, 2, "--bogus"},
-        {"no listener", {"juliet@localhost", "--port", nobody, "--password", "x"}, 3, "No connection: "},
-        {"no host", {"juliet@no.such.invalid", "--port", "1", "--password", "x"}, 3, "No connection: "},
+        {"no listener", {"juliet@localhost", "--port", nobody, "--password", "x"}, 3, "! No login: "},
+        {"no host", {"juliet@no.such.invalid", "--port", "1", "--password", "x"}, 3, "! No login: "},
         {"silence",
          {"juliet@localhost", "--port", silence, "--password", "x", "--timeout", "1"},
          6,
