@@ -5,6 +5,7 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <memory>
 #include <unordered_map>
@@ -30,9 +31,12 @@ using Context = std::unique_ptr<SSL_CTX, Freeing<SSL_CTX_free>>;
 using Tls = std::unique_ptr<SSL, Freeing<SSL_free>>;
 using Memory = std::unique_ptr<BIO, Freeing<BIO_free_all>>;
 
+using SharedContext = std::shared_ptr<SSL_CTX>;
+
 // A connection that broke while sending may still hold what the peer said before.
 struct Channel {
     Tls tls;
+    SharedContext context;  // kept for other channels that want the same
     bool reads = true;
     bool writes = true;
 };
@@ -90,10 +94,7 @@ Tls NewTls(SSL_CTX* context, Environment& environment, SocketId socket) {
 
 // Makes the verification look for `host` in the certificate.
 void Expect(SSL* tls, const std::string& host) {
-    if (ParseDotted(host)) {
-        X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host.c_str());
-        return;
-    }
+    if (X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(tls), host.c_str()) == 1) return;
     SSL_set_hostflags(tls, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
     SSL_set1_host(tls, host.c_str());
     SSL_set_tlsext_host_name(tls, host.c_str());
@@ -107,7 +108,7 @@ std::int32_t WaitFor(int reason, Environment& environment, SocketId socket, std:
     return SOCKERR_Aborted;
 }
 
-bool Handshake(SSL* tls, Environment& environment, SocketId socket, std::int32_t milliseconds) {
+bool ShakeHands(SSL* tls, Environment& environment, SocketId socket, std::int32_t milliseconds) {
     std::int64_t deadline = environment.Milliseconds() + std::max(milliseconds, kShortestInterval);
     for (;;) {
         ERR_clear_error();
@@ -118,10 +119,37 @@ bool Handshake(SSL* tls, Environment& environment, SocketId socket, std::int32_t
     }
 }
 
+void TrustTheSystem(SSL_CTX* context, Environment& environment) {
+    SSL_CTX_set_default_verify_paths(context);
+    for (const std::string& der : environment.TrustedCertificates()) {
+        const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
+        std::unique_ptr<X509, Freeing<X509_free>> root(
+            d2i_X509(nullptr, &bytes, static_cast<long>(der.size())));
+        if (root != nullptr) X509_STORE_add_cert(SSL_CTX_get_cert_store(context), root.get());
+    }
+}
+
+// One context serves all channels that live at a time, since to read the certificates takes long. When none
+// is left, the next channel reads them anew.
+SharedContext SharedClientContext(Environment& environment, const std::string& caFile) {
+    thread_local std::unordered_map<std::string, std::weak_ptr<SSL_CTX>> contexts;
+    std::weak_ptr<SSL_CTX>& known = contexts[caFile];
+    if (SharedContext context = known.lock()) return context;
+    SharedContext context = NewContext(TLS_client_method());
+    if (context == nullptr) return context;
+    if (caFile.empty()) {
+        TrustTheSystem(context.get(), environment);
+    } else {
+        SSL_CTX_load_verify_file(context.get(), caFile.c_str());
+    }
+    known = context;
+    return context;
+}
+
 // What follows the handshake is read in large blocks. During the handshake nothing beyond it may be read:
 // no notification would come for bytes that have left the socket already.
 std::int32_t Open(Tls tls, Environment& environment, SocketId socket, std::int32_t milliseconds) {
-    if (!Handshake(tls.get(), environment, socket, milliseconds)) return 0;
+    if (!ShakeHands(tls.get(), environment, socket, milliseconds)) return 0;
     SSL_set_read_ahead(tls.get(), 1);
     return Keep(std::move(tls));
 }
@@ -157,11 +185,15 @@ String NameText(const X509_NAME* name) {
     return Cut({text, static_cast<std::size_t>(size)});
 }
 
+X509* PeerCertificate(std::int32_t handle) {
+    Channel* channel = Find(handle);
+    return channel == nullptr ? nullptr : SSL_get0_peer_certificate(channel->tls.get());
+}
+
 using NameOf = X509_NAME* (*)(const X509*);
 
 String PeerName(std::int32_t handle, NameOf nameOf) {
-    Channel* channel = Find(handle);
-    X509* certificate = channel == nullptr ? nullptr : SSL_get0_peer_certificate(channel->tls.get());
+    X509* certificate = PeerCertificate(handle);
     return certificate == nullptr ? String() : NameText(nameOf(certificate));
 }
 
@@ -191,6 +223,32 @@ std::int32_t ssl_init_server(Environment& environment, SocketId socket, StringVi
     return Open(std::move(tls), environment, socket, milliseconds);
 }
 
+std::int32_t ssl_begin_client(Environment& environment, SocketId socket, StringView caFile, StringView host) {
+    SharedContext context = SharedClientContext(environment, Utf8FromText(caFile));
+    Tls tls = context == nullptr ? nullptr : NewTls(context.get(), environment, socket);
+    if (tls == nullptr) return 0;
+    Expect(tls.get(), Utf8FromText(host));
+    SSL_set_connect_state(tls.get());
+    std::int32_t channel = Keep(std::move(tls));
+    Find(channel)->context = std::move(context);
+    return channel;
+}
+
+Handshake ssl_handshake(std::int32_t channel) {
+    Channel* found = Find(channel);
+    if (found == nullptr) return Handshake::Failed;
+    ERR_clear_error();
+    int result = SSL_do_handshake(found->tls.get());
+    if (result == 1) {
+        SSL_set_read_ahead(found->tls.get(), 1);
+        return Handshake::Done;
+    }
+    int reason = SSL_get_error(found->tls.get(), result);
+    if (reason == SSL_ERROR_WANT_READ || reason == SSL_ERROR_WANT_WRITE) return Handshake::Pending;
+    found->reads = found->writes = false;
+    return Handshake::Failed;
+}
+
 // One record at a time: what would block must come again with as many bytes at least, and OpenSSL begins as
 // many as it can when it is given more.
 Transfer ssl_send(std::int32_t channel, std::string_view bytes) {
@@ -210,6 +268,20 @@ String ssl_getcipher(std::int32_t channel) {
 
 String ssl_getsubject(std::int32_t channel) { return PeerName(channel, X509_get_subject_name); }
 String ssl_getissuer(std::int32_t channel) { return PeerName(channel, X509_get_issuer_name); }
+
+String ssl_getfingerprint(std::int32_t channel) {
+    X509* certificate = PeerCertificate(channel);
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
+    unsigned size = 0;
+    if (certificate == nullptr || X509_digest(certificate, EVP_sha256(), digest.data(), &size) != 1)
+        return {};
+    constexpr StringView digits = u"0123456789abcdef";
+    String text;
+    for (unsigned i = 0; i < size; ++i) text += {digits[digest[i] >> 4U], digits[digest[i] & 0xFU]};
+    return text;
+}
+
+String ssl_verdicttext(std::int32_t verdict) { return Cut(X509_verify_cert_error_string(verdict)); }
 
 std::int32_t ssl_getverify(std::int32_t channel) {
     Channel* found = Find(channel);

@@ -22,10 +22,17 @@ constexpr std::size_t kReadBlock = 2000;
 constexpr int kBlocksANotification = 32;  // then others have their turn
 constexpr std::size_t kFileBlock = 5000;
 constexpr std::int32_t kNotASocket = 10038;
-constexpr std::int32_t kTimedOut = 0;
 constexpr std::int32_t kNotJudgedYet = 1;
+constexpr std::int32_t kNotThePinnedOne = 28;  // OpenSSL's "certificate rejected"
 
 std::uint16_t Port(std::int32_t port) { return static_cast<std::uint16_t>(port); }
+
+// Whether `text` means the fingerprint, in either case, with colons or without.
+bool IsFingerprint(StringView text, StringView fingerprint) {
+    String digits(text);
+    std::erase(digits, u':');
+    return EqualsIgnoringCase(digits, fingerprint);
+}
 
 std::ifstream OpenFile(StringView name) {
     std::string utf8 = Utf8FromText(name);
@@ -48,7 +55,10 @@ private:
     std::uint64_t generation_;
 };
 
-cSocketSSL::cSocketSSL() : environment_(Environment::Current()), table_(SocketTable::OfThisThread()) {}
+cSocketSSL::cSocketSSL()
+    : environment_(Environment::Current()),
+      table_(SocketTable::OfThisThread()),
+      connector_(environment_, *this) {}
 
 cSocketSSL::~cSocketSSL() {
     Disconnect();
@@ -107,13 +117,70 @@ bool cSocketSSL::ConnectAndWait(Address peer) {
     std::int32_t error = environment_.Connect(handle_, peer);
     if (error == SOCKERR_WouldBlock) {
         if (environment_.WaitWritable(handle_, std::max(timeOut_, kShortestInterval)) == SOCKERR_TimedOut) {
-            Fail(kTimedOut, u"Timeout");
+            Fail(kTimedOut, kTimedOutText);
             return false;
         }
         error = environment_.PendingError(handle_);
     }
     if (error != SOCKERR_None) Fail(error);
     return error == SOCKERR_None;
+}
+
+void cSocketSSL::ConnectTo(const ConnectTarget& target, StringView name) {
+    auto self = shared_from_this();
+    Open();
+    state_ = sockConnecting;
+    expectedName_ = name;
+    sslFingerprint_.clear();
+    connector_.Start(target, window_, timeOut_, Port(localPort_));
+}
+
+void cSocketSSL::NotConnected(std::int32_t number, StringView description) {
+    auto self = shared_from_this();
+    Fail(number, description);
+}
+
+void cSocketSSL::Connected(SocketId socket) {
+    auto self = shared_from_this();
+    SocketHandle(socket);
+    sslEnable_ ? BeginHandshake() : TakeOver();
+}
+
+void cSocketSSL::BeginHandshake() {
+    sslTrusted_ = kNotJudgedYet;
+    sslHandle_ = ssl_begin_client(environment_, handle_, sslCAFile_, expectedName_);
+    handshaking_ = true;
+    Moment before(*this);
+    Watch(SOCK_Read | SOCK_Write | SOCK_Close);
+    if (before.HasPassed()) return;
+    environment_.SetSocketTimer(handle_, window_, *table_, timeOut_);
+    ContinueHandshake();
+}
+
+void cSocketSSL::ContinueHandshake() {
+    switch (ssl_handshake(sslHandle_)) {
+        case Handshake::Pending: return;
+        case Handshake::Failed: return Fail(SOCKERR_Aborted);
+        case Handshake::Done: return JudgePeer();
+    }
+}
+
+// Nothing is sent to a peer that is not trusted.
+void cSocketSSL::JudgePeer() {
+    handshaking_ = false;
+    environment_.KillSocketTimer(handle_, window_);
+    DescribeChannel();
+    sslFingerprint_ = ssl_getfingerprint(sslHandle_);
+    sslTrusted_ = ssl_getverify(sslHandle_);
+    if (!sslPin_.empty()) sslTrusted_ = IsFingerprint(sslPin_, sslFingerprint_) ? 0 : kNotThePinnedOne;
+    if (sslTrusted_ == 0) return TakeOver();
+    Fail(kUntrusted, Concat({u"Certificate not trusted: ", ssl_verdicttext(sslTrusted_)}));
+}
+
+void cSocketSSL::TakeOver() {
+    Moment before(*this);
+    CompleteConnection();
+    if (!before.HasPassed()) Watch(kConnectionEvents);
 }
 
 void cSocketSSL::Watch(std::int32_t events) {
@@ -170,7 +237,8 @@ std::int32_t cSocketSSL::OpenSocket(bool reuseAddress) {
 void cSocketSSL::Disconnect() {
     ++generation_;
     state_ = sockClosed;
-    closedRaised_ = false;
+    closedRaised_ = handshaking_ = false;
+    connector_.Stop();
     unsent_.Clear();
     lines_.Clear();
     ssl_cleanup(std::exchange(sslHandle_, 0));
@@ -221,16 +289,18 @@ void cSocketSSL::DescribeChannel() {
 
 void cSocketSSL::OnConnectTimer() {
     environment_.KillSocketTimer(handle_, window_);
-    if (state_ == sockConnecting) Fail(kTimedOut, u"Timeout");
+    if (state_ == sockConnecting) Fail(kTimedOut, kTimedOutText);
 }
 
 void cSocketSSL::OnPeerClosed() {
+    if (handshaking_) return Fail(SOCKERR_Aborted);
     if (!std::exchange(closedRaised_, true)) Raise(&SocketEvents::OnClosed);
 }
 
 void cSocketSSL::OnAcceptable() { Raise(&SocketEvents::OnConnectionRequest); }
 
 void cSocketSSL::OnReadable() {
+    if (handshaking_) return ContinueHandshake();
     Moment before(*this);
     std::array<char, kReadBlock> buffer;
     for (int block = 0; block < kBlocksANotification; ++block) {
@@ -303,6 +373,7 @@ void cSocketSSL::Flush() {
 }
 
 void cSocketSSL::OnWritable() {
+    if (handshaking_) return ContinueHandshake();
     Flush();
     if (unsent_.IsEmpty()) Raise(&SocketEvents::OnSendComplete);
 }

@@ -10,6 +10,7 @@
 
 #include "quorix/base/String.h"
 #include "quorix/net/ByteQueue.h"
+#include "quorix/net/Connector.h"
 #include "quorix/net/LineBuffer.h"
 #include "quorix/platform/Environment.h"
 
@@ -52,10 +53,10 @@ public:
     virtual void OnConnectionRequest() {}
 };
 
-class cSocketSSL : public std::enable_shared_from_this<cSocketSSL> {
+class cSocketSSL : public std::enable_shared_from_this<cSocketSSL>, private ConnectorEvents {
 public:
     cSocketSSL();
-    ~cSocketSSL();
+    ~cSocketSSL() override;
     cSocketSSL(const cSocketSSL&) = delete;
     cSocketSSL& operator=(const cSocketSSL&) = delete;
 
@@ -134,10 +135,26 @@ public:
     std::int32_t SSLHandle() const { return sslHandle_; }
     void SSLHandle(std::int32_t value) { sslHandle_ = value; }
 
+    // SHA-256 of the peer's certificate, 64 hexadecimal digits in lower case, after ConnectTo, and after its
+    // refusal too.
+    String SSLFingerprint() const { return sslFingerprint_; }
+    void SSLFingerprint(StringView value) { sslFingerprint_ = value; }
+
+    // The fingerprint of the one certificate that ConnectTo accepts, whatever else speaks for it or against
+    // it: hexadecimal digits in either case, with or without colons. "" leaves it to the verification.
+    String SSLPin() const { return sslPin_; }
+    void SSLPin(StringView value) { sslPin_ = value; }
+
     // Starts connecting to RemoteHost:RemotePort, after closing what was open before. OnConnect or OnError
     // tells how it ended. With SSLEnable, all of it happens before Connect returns, TimeOut milliseconds at
     // most for the connection and as many for the handshake.
     void Connect();
+
+    // Starts connecting to `target` without ever blocking; TimeOut holds for each address, and again for the
+    // TLS handshake. With SSLEnable the certificate must be for `name` and issued by one of SSLCAFile, or of
+    // the system where that is empty, or it must be the one of SSLPin. OnConnect or OnError tells how it
+    // ended.
+    void ConnectTo(const ConnectTarget& target, StringView name);
 
     // Listens on LocalPort of every local address.
     void Listen();
@@ -178,6 +195,13 @@ private:
     void OnPeerClosed();
     void OnConnectTimer();
 
+    void Connected(SocketId socket) override;
+    void NotConnected(std::int32_t number, StringView description) override;
+    void BeginHandshake();
+    void ContinueHandshake();
+    void JudgePeer();
+    void TakeOver();
+
     void Open();
     std::int32_t OpenSocket(bool reuseAddress);
     void ConnectPlain(Address peer);
@@ -207,6 +231,9 @@ private:
     Environment& environment_;
     std::shared_ptr<SocketTable> table_;
     std::weak_ptr<SocketEvents> sink_;
+    Connector connector_;
+    String expectedName_;           // of the certificate
+    bool handshaking_ = false;      // in the loop
     std::uint64_t generation_ = 0;  // advanced whenever a connection begins or ends
     bool closedRaised_ = false;
     bool windowOpen_ = false;
@@ -228,6 +255,8 @@ private:
     String sslServerKey_;
     std::int32_t sslTrusted_ = 0;
     String sslCAFile_;
+    String sslFingerprint_;
+    String sslPin_;
     std::int32_t timeOut_ = 5000;
     std::int32_t sslHandle_ = 0;
 };

@@ -16,9 +16,17 @@ class cSocketSSL;
 // The English text of a socket error number, "" for a number that is not listed.
 StringView SocketErrorText(std::int32_t number);
 
+// What is reported for an attempt that took too long.
+constexpr std::int32_t kTimedOut = 0;
+constexpr StringView kTimedOutText = u"Timeout";
+
 // What is reported for a host that does not resolve.
 constexpr std::int32_t kNoSuchHost = 100;
 constexpr StringView kNoSuchHostText = u"No valid Hostaddress";
+
+// A certificate that is not trusted, in a connection that insists on trust, and a SOCKS5 proxy that refuses.
+constexpr std::int32_t kUntrusted = 101;
+constexpr std::int32_t kProxyRefused = 102;
 
 // The IPv4 address of a host name or dotted address (text, ASCII), in host byte order. Blocks while looking
 // up. None when there is no such host, and for the broadcast address.
