@@ -75,6 +75,8 @@ const ClassTable& TableOf<T>() {
             .Property(L"SSLCipher", &T::SSLCipher, &T::SSLCipher)
             .Property(L"SSLSubject", &T::SSLSubject, &T::SSLSubject)
             .Property(L"SSLIssuer", &T::SSLIssuer, &T::SSLIssuer)
+            .Get(L"SSLFingerprint", &T::SSLFingerprint)
+            .Property(L"SSLPin", &T::SSLPin, &T::SSLPin)
             .Property(L"SSLServerCertificate", &T::SSLServerCertificate, &T::SSLServerCertificate)
             .Property(L"SSLServerKey", &T::SSLServerKey, &T::SSLServerKey)
             .Property(L"SSLTrusted", &T::SSLTrusted, &T::SSLTrusted)
