@@ -61,7 +61,7 @@ void Dispatcher::ProcessStanza(const Frame& frame) {
 
 void Dispatcher::Dispatch(const Stanza& stanza) {
     if (stanza.root.Is(u"iq")) {
-        Iq(stanza);
+        if (!session_.line_->IsOwnAnswer(stanza)) Iq(stanza);
     } else if (stanza.root.Is(u"presence")) {
         HandlePresence(self_, session_.presence_, stanza);
     } else if (stanza.root.Is(u"message")) {
@@ -134,6 +134,7 @@ void Dispatcher::LoginReply(const Stanza& stanza) {
 void Dispatcher::NewUserReply(const Stanza& /*stanza*/) {
     if (!LoginPending()) return;
     session_.BecomeActive();
+    session_.accountCreated_ = true;
     std::uint32_t generation = session_.generation_;
     session_.Raise(&SessionEvents::OnNewUserCreated);
     if (session_.generation_ == generation) session_.CloseSession({}, {});

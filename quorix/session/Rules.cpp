@@ -13,6 +13,7 @@ public:
     std::unique_ptr<StreamReader> NewReader(const std::int32_t& /*maxStanzaSize*/) const override {
         return NewClassicReader();
     }
+    std::shared_ptr<Line> NewLine(cSession& session) const override { return NewClassicLine(session); }
     void RefuseToSend() const override {}
 };
 
@@ -23,6 +24,7 @@ public:
     std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const override {
         return NewModernReader(maxStanzaSize);
     }
+    std::shared_ptr<Line> NewLine(cSession& session) const override { return NewModernLine(session); }
     void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }
 };
 

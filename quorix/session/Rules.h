@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "quorix/base/TextRules.h"
+#include "quorix/session/Line.h"
 #include "quorix/session/StreamReader.h"
 
 namespace quorix {
@@ -25,6 +26,9 @@ public:
 
     // How the stream is read; see StreamReader.h.
     virtual std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const = 0;
+
+    // How the session comes to its connection and keeps it.
+    virtual std::shared_ptr<Line> NewLine(cSession& session) const = 0;
 
     // What a sender gets while the session is not connected: nothing, or error 10057.
     virtual void RefuseToSend() const = 0;

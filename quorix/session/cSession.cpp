@@ -8,15 +8,13 @@
 #include "quorix/base/WireText.h"
 #include "quorix/base/modUTF_8.h"
 #include "quorix/link/StanzaText.h"
-#include "quorix/net/HttpTunnel.h"
-#include "quorix/net/mSocketSSL.h"
 #include "quorix/session/Dispatcher.h"
 
 namespace quorix {
 
 namespace {
 
-constexpr std::int32_t kKeepAliveUnit = 64000;  // milliseconds
+constexpr std::int32_t kLongestLoginTimeout = std::numeric_limits<std::int32_t>::max() / 1000;
 constexpr StringView kKeepAliveText = u"  \t  ";
 constexpr StringView kStreamsNamespace = u"http://etherx.jabber.org/streams";
 
@@ -103,27 +101,37 @@ std::shared_ptr<cSession> cSession::Create() {
 }
 
 void cSession::Initialise() {
-    relay_ = std::make_unique<cHelpEvent>(weak_from_this());
-    mTimer::SetRelay(*relay_);
+    line_ = rules_->NewLine(*this);
     socket_ = std::make_shared<cSocketSSL>();
     socketPort_ = std::make_unique<SocketPort>(*this);
     socket_->Advise(std::shared_ptr<SocketEvents>(shared_from_this(), socketPort_.get()));
 }
 
 cSession::~cSession() {
-    if (relay_) mTimer::Release(*relay_);
     if (socket_) socket_->Disconnect();
 }
 
 void cSession::Mode(eMode value) {
     const SessionRules& rules = RulesOf(value);
     if (socket_->State() != sockClosed) throw AutomationError(ERR_InvalidCall);
+    if (rules_ == &rules) return;
     rules_ = &rules;
+    line_ = rules.NewLine(*this);
 }
 
 void cSession::KeepAliveInterval(std::int16_t value) {
     keepAliveInterval_ = value;
     if (value == 0) keepAlive_ = false;
+}
+
+void cSession::LoginTimeout(std::int32_t value) {
+    if (value < 0 || value > kLongestLoginTimeout) throw AutomationError(ERR_Overflow);
+    loginTimeout_ = value;
+}
+
+void cSession::MaxStanzaSize(std::int32_t value) {
+    if (value < 0) throw AutomationError(ERR_Overflow);
+    maxStanzaSize_ = value;
 }
 
 void cSession::ProxyPort(std::int32_t value) {
@@ -154,28 +162,18 @@ void cSession::Connect(bool bNewUser) {
     newUser_ = bNewUser;
     connectionWanted_ = true;
     ++generation_;
-    if (attempts_ == reconnectAttempts_) mTimer::StopReconnect();
-    ++attempts_;
+    accountCreated_ = false;
+    line_->AttemptBegins();
     socket_->SSLEnable(useSSL_);
     switch (proxyType_) {
-        case KV_NoProxy: return OpenSocket(serverAddress_, static_cast<std::uint16_t>(port_));
-        case KV_HTTPProxy: return OpenSocket(proxyHostname_, proxyPort_);
-        case KV_SOCKS5Proxy: socks_ = {}; return OpenSocket(proxyHostname_, proxyPort_);
+        case KV_NoProxy:
+        case KV_HTTPProxy:
+        case KV_SOCKS5Proxy: return line_->OpenSocket();
         default: return;
     }
 }
 
-void cSession::OpenSocket(StringView host, std::int32_t port) {
-    socket_->RemoteHost(host);
-    socket_->RemotePort(port);
-    socket_->Connect();
-}
-
-void cSession::socket1_Connect() {
-    mTimer::StopReconnect();
-    attempts_ = 0;
-    SendStreamHeader();
-}
+void cSession::socket1_Connect() { line_->SocketUp(); }
 
 void cSession::SendStreamHeader() {
     reader_ = rules_->NewReader(maxStanzaSize_);
@@ -183,7 +181,15 @@ void cSession::SendStreamHeader() {
                           u"' xmlns='jabber:client' xmlns:stream='", Markup(kStreamsNamespace), u"'>"}));
 }
 
+// A handler may connect again; that attempt is not the one that failed.
 void cSession::socket1_Error(std::int32_t code, StringView description) {
+    std::shared_ptr<Line> line = line_;
+    std::uint32_t generation = generation_;
+    RaiseSocketError(code, description);
+    if (generation_ == generation) line->SocketFailed(code);
+}
+
+void cSession::RaiseSocketError(std::int32_t code, StringView description) {
     // Not well-formed, on purpose: applications get an element that is empty, and the facts as arguments.
     auto element = std::make_shared<cXML_Node>();
     element->xml(Concat({u"<QuorixServer type = error><error code = ", ToString(code), u">", description,
@@ -207,7 +213,7 @@ void cSession::CloseSession(StringView code, StringView description) {
     std::uint32_t generation = generation_;
     {
         Flagged closing(closing_);
-        if (keepAlive_) mTimer::StopKeepAlive();
+        line_->Closing();
         authorized_ = streamOpen_ = active_ = false;
         roster_.StreamEnded();
         if (IsConnected()) SayGoodbye();
@@ -217,7 +223,7 @@ void cSession::CloseSession(StringView code, StringView description) {
         Raise(&SessionEvents::OnDisConnected);
     }
     if (generation_ == generation) {
-        DecideReconnect();
+        std::shared_ptr<Line>(line_)->Closed();
     } else if (!connectionWanted_) {
         CloseSocket();  // a handler has connected anew, and another has changed that
     }
@@ -243,20 +249,6 @@ void cSession::RaiseError(StringView code, StringView description) {
     Raise(&SessionEvents::OnError, element, serverAddress_, WireInt16(code), description);
 }
 
-bool cSession::RetriesLeft() const {
-    return reconnect_ && connectionWanted_ && attempts_ < reconnectAttempts_;
-}
-
-void cSession::DecideReconnect() {
-    if (RetriesLeft()) {
-        mTimer::StartReconnect(*relay_, reconnectInterval_ * 1000);
-        ++attempts_;
-    } else {
-        mTimer::StopReconnect();
-    }
-    if (newUser_ && connectionWanted_) Connect(false);
-}
-
 // -- Timers --
 
 void cSession::KeepAliveTick() {
@@ -267,6 +259,11 @@ void cSession::KeepAliveTick() {
 void cSession::ReconnectTick() {
     Held held(*this);
     Connect(false);
+}
+
+void cSession::Enter(const std::function<void()>& step) {
+    Entry entry(*this);
+    step();
 }
 
 // -- Notifications --
@@ -295,23 +292,17 @@ void cSession::DrainDeliveries() {
 }
 
 void cSession::socket1_DataArrival(std::string_view bytes) {
-    if (proxyType_ == KV_SOCKS5Proxy && !socks_.IsNegotiated()) return AnswerProxy(bytes);
-    if (proxyType_ == KV_HTTPProxy && IsHttpResponse(bytes)) return;
-    ProcessIncoming(bytes);
+    std::string_view ofTheStream = std::shared_ptr<Line>(line_)->Receive(bytes);
+    if (!ofTheStream.empty()) ProcessIncoming(ofTheStream);
 }
 
-void cSession::AnswerProxy(std::string_view reply) {
-    Socks5Request request{proxyAuthentication_,
-                          proxyUsername_,
-                          proxyPassword_,
-                          serverAddress_,
-                          static_cast<std::uint16_t>(port_),
-                          proxyUseRemoteDNS_.value_or(false)};
-    Socks5Answer answer = socks_.Take(
-        reply, request, [](StringView host) { return ResolveHost(Environment::Current(), host); });
-    if (!answer.bytes.empty()) socket_->SendBytes(answer.bytes);
-    if (answer.unknownHost) socket1_Error(kNoSuchHost, kNoSuchHostText);
-    if (answer.negotiated) SendStreamHeader();
+Socks5Request cSession::ProxyRequest() const {
+    return {proxyAuthentication_,
+            proxyUsername_,
+            proxyPassword_,
+            serverAddress_,
+            static_cast<std::uint16_t>(port_),
+            proxyUseRemoteDNS_.value_or(false)};
 }
 
 // -- The inbound stream --
@@ -357,6 +348,7 @@ void cSession::TakeStreamHeader(const StreamStep& header) {
     streamOpen_ = true;
     login_.sessionID = header.streamId;
     if (!IsConnected()) return;  // a handler has closed it
+    line_->StreamOpens();
     if (newUser_) return RequestRegistrationForm(*this);
     switch (login_.authType) {
         case KV_PlainAuth: return StartLogin();
@@ -396,8 +388,7 @@ void cSession::CompleteLogin() {
     std::uint32_t generation = generation_;
     Raise(&SessionEvents::OnAuthorized);
     if (generation_ != generation || !authorized_) return;
-    mTimer::StopReconnect();
-    if (keepAlive_) mTimer::StartKeepAlive(*relay_, keepAliveInterval_ * kKeepAliveUnit);
+    line_->LoggedIn();
 }
 
 // -- The outbound path --
@@ -411,21 +402,8 @@ void cSession::SendXML(StringView xml) {
 void cSession::Send(StringView xml) {
     if (!IsConnected()) return;
     Entry entry(*this);
-    Transmit(Text().ToBytes(xml));
+    line_->Transmit(Text().ToBytes(xml));
     RaiseWireText(&SessionEvents::OnOutgoingXML, xml);
-}
-
-// Until a SOCKS5 proxy has opened the tunnel, its greeting goes out in place of any text.
-void cSession::Transmit(std::string_view bytes) {
-    switch (proxyType_) {
-        case KV_NoProxy: return socket_->SendBytes(bytes);
-        case KV_HTTPProxy:
-            return socket_->SendBytes(PutRequest(Text().ToBytes(serverAddress_), port_, bytes));
-        case KV_SOCKS5Proxy:
-            if (socks_.IsNegotiated()) return socket_->SendBytes(bytes);
-            return socket_->SendBytes(socks_.Greeting(proxyAuthentication_));
-        default: return;
-    }
 }
 
 String cSession::GetNextID() {
@@ -441,6 +419,12 @@ String cSession::Convert2UTF8(StringView sIn) const { return EncodeUTF8(sIn, fal
 String cSession::Convert2Unicode(StringView sIn) const { return DecodeUTF8(sIn, true); }
 
 // -- Records --
+
+void cSession::EmptyTables() {
+    presence_.Clear();
+    roster_.Clear();
+    rooms_.Items().Clear();
+}
 
 std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
     auto item = std::make_shared<cRosterItem>();

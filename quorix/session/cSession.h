@@ -7,10 +7,10 @@
 // Ownership: made by Create and shared with the application. Dropping the last reference ends the session
 // without a word to the server; Disconnect says good-bye. Records given out by events may be kept.
 // Threads: a session, its records and its timers belong to the thread that created it.
-// Errors: an AutomationError for an impossible argument, and in KV_Modern 10057 for whatever is to be sent while not
-// connected. Network and protocol failures are events.
-// Text: in KV_Modern every value of the session and its records is text, and where a comment tells text from wire
-// text (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the stanza.
+// Errors: an AutomationError for an impossible argument, and in KV_Modern 10057 for whatever is to be sent
+// while not connected. Network and protocol failures are events. Text: in KV_Modern every value of the
+// session and its records is text, and where a comment tells text from wire text (see WireText.h) it speaks
+// of KV_Classic. A value that is sent never leaves its place in the stanza.
 #pragma once
 
 #include <deque>
@@ -86,6 +86,23 @@ public:
     // A signed 16-bit property whose unsigned value goes to the wire. No default.
     std::int16_t Port() const { return port_; }
     void Port(std::int16_t value) { port_ = value; }
+
+    // In KV_Modern: the host to connect to in place of ServerAddress (text), "" for none. With neither this
+    // nor Port set, the domain's SRV records say where the server is; else Port 0 counts as 5222. Every
+    // address, IPv6 or IPv4, is tried in turn.
+    String ConnectHost() const { return connectHost_; }
+    void ConnectHost(StringView value) { connectHost_ = value; }
+
+    // In KV_Modern: seconds from Connect, and from each attempt to connect again, until the login must have
+    // succeeded: then OnError 408, and the session ends and reconnects as configured. 0 is no limit, 30 the
+    // default. Error 6 for a negative value.
+    std::int32_t LoginTimeout() const { return loginTimeout_; }
+    void LoginTimeout(std::int32_t value);
+
+    // In KV_Modern: bytes that the stream's header, or one stanza, may have; 0 is no limit, 10 MiB the
+    // default. More is an OnError, and the session ends. Error 6 for a negative value.
+    std::int32_t MaxStanzaSize() const { return maxStanzaSize_; }
+    void MaxStanzaSize(std::int32_t value);
 
     // Runs the whole connection over TLS from its first byte. Copied to the socket at each Connect.
     bool UseSSL() const { return useSSL_; }
@@ -167,7 +184,7 @@ public:
 
     // True from the login's success until the connection ends.
     bool Active() const { return active_; }
-    bool IsConnected() const override { return socket_->State() == sockConnected; }
+    bool IsConnected() const override { return socket_->State() == sockConnected && line_->IsFree(); }
     String LocalIP() const { return socket_->LocalIP(); }
 
     // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
@@ -334,6 +351,9 @@ public:
 
 private:
     friend class Dispatcher;
+    friend class Line;
+    friend class ClassicLine;
+    friend class ModernLine;
 
     class Held;
     class Entry;
@@ -360,18 +380,20 @@ private:
     void socket1_Error(std::int32_t code, StringView description);
     void socket1_DataArrival(std::string_view bytes);
 
-    void OpenSocket(StringView host, std::int32_t port);
     void CloseSocket();
     void CloseSession(StringView code, StringView description);
     void SayGoodbye();
     void RaiseError(StringView code, StringView description);
-    void DecideReconnect();
-    bool RetriesLeft() const;
+    void RaiseSocketError(std::int32_t code, StringView description);
+    Socks5Request ProxyRequest() const;
+    std::int32_t KeepAliveMilliseconds() const { return keepAliveInterval_ * kKeepAliveUnit; }
+    void EmptyTables();
+
+    // Runs what a timer or a look-up calls.
+    void Enter(const std::function<void()>& step);
 
     void SendStreamHeader();
     void Send(StringView xml);
-    void Transmit(std::string_view bytes);
-    void AnswerProxy(std::string_view reply);
     void ProcessIncoming(std::string_view bytes);
     bool TakeStep(Dispatcher& dispatcher);
     void TakeStreamHeader(const StreamStep& header);
@@ -387,12 +409,16 @@ private:
         std::function<void()> step;
     };
 
+    static constexpr std::int32_t kKeepAliveUnit = 64000;  // milliseconds
+
     const SessionRules* rules_ = &RulesOf(KV_Classic);
     String serverAddress_;
     String username_;
     String password_;
     String resource_;
     String status_;
+    String connectHost_;
+    std::int32_t loginTimeout_ = 30;
     String proxyHostname_;
     String proxyUsername_;
     String proxyPassword_;
@@ -416,21 +442,20 @@ private:
     bool streamOpen_ = false;
     bool authorized_ = false;
     bool newUser_ = false;
+    bool accountCreated_ = false;  // by this connection
     bool connectionWanted_ = false;
     bool delivering_ = false;
     bool closing_ = false;
-    std::int32_t attempts_ = 0;
     std::uint32_t idCounter_ = 0;
     std::uint32_t generation_ = 0;   // counts calls of Connect
     std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
     long held_ = 0;                  // references held by entries in progress
 
-    std::unique_ptr<cHelpEvent> relay_;
+    std::shared_ptr<Line> line_;
     std::shared_ptr<cSocketSSL> socket_;
     std::unique_ptr<SocketPort> socketPort_;
     std::deque<Delivery> deliveries_;
     EventSinks sinks_;
-    Socks5Exchange socks_;
     std::unique_ptr<StreamReader> reader_;
     std::int32_t maxStanzaSize_ = 10 << 20;  // bytes
     PresenceTable presence_;
