@@ -91,6 +91,26 @@ TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
     EXPECT_TRUE(screen.Shows("/unregister: nothing was done."));
 }
 
+TEST_F(ConsoleOnATerminal, AcceptsACertificateByHandUntilItChanges) {
+    const TemporaryFolder folder;
+    auto use = [&](const Identity& identity) {
+        server->UseCertificate(TextFromUtf8(identity.SaveCertificate(folder.Path())),
+                               TextFromUtf8(identity.SaveKey(folder.Path())));
+    };
+    const Identity authority = Authority("Nobody knows this one");
+    use(IssuedBy(authority, {}));
+    const ConsoleScreen screen({}, Login({"--tls", "--reconnect", "1"}));
+    ASSERT_TRUE(screen.Shows("Accept it from now on"));
+    EXPECT_THAT(screen.Text(), Not(HasSubstr("Logged in")));
+    screen.Enter("y");
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    use(IssuedBy(authority, {}));  // the same names, another key
+    server->DropConnections();
+    ASSERT_TRUE(screen.Shows("THE CERTIFICATE HAS CHANGED") && screen.Shows("Accept it from now on"));
+    screen.Enter("n");
+    EXPECT_TRUE(screen.Ended());
+}
+
 TEST_F(ConsoleOnATerminal, CompletesAndTalksToOnePartner) {
     const ConsoleScreen screen({}, Login());
     ASSERT_TRUE(screen.Shows("Logged in"));
