@@ -1,5 +1,6 @@
 #include "apps/console/Connection.h"
 
+#include <fmt/format.h>
 #include <glib.h>
 
 #include "apps/console/Console.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr std::int16_t kAttempts = 32767;  // in a row; a client that listens does so for months
 constexpr std::int16_t kUntrusted = 101;   // of OnSocketError: the certificate was refused
+constexpr std::int16_t kNoAnswer = 408;    // of OnError: no login in time
 constexpr std::uint16_t kPort = 5222;
 
 // Where to connect, when that is not the account's domain.
@@ -77,7 +79,6 @@ void Connection::ApplyProxy() {
 void Connection::Open() {
     Apply();
     Show("connecting", {{"host", Session().ServerAddress()}});
-    opened_ = g_get_monotonic_time();
     if (!UseTimeout(Session(), options_.timeout)) StartDeadline();
     Session().Connect(newUser_);
     if (Session().IsConnected() && !trust_.IsAccepted(Session())) Distrust();
@@ -175,6 +176,7 @@ void Connection::OnDisConnected() {
     // Whoever has taken over would be thrown out in turn.
     if (StartsWith(told, u"conflict")) return End(ExitCode::replaced, u"Another login has taken over", told);
     Show("disconnected", {{"reason", told}});
+    lost_ = g_get_monotonic_time();
     Owner().OnLost();
     if (!Session().Reconnect()) return Owner().Quit(ExitCode::network);
 }
@@ -182,7 +184,8 @@ void Connection::OnDisConnected() {
 void Connection::OnSocketError(const NodePtr& /*XMLElement*/, StringView Description, std::int16_t Code) {
     if (Code == kUntrusted) return Distrust();
     reason_ = Concat({Description, u" (", ToString(Code), u")"});
-    if (!wasOnline_) GiveUp(reason_);
+    if (!wasOnline_) return GiveUp(reason_);
+    if (!online_) Show("attempt-failed", {{"reason", reason_}});
 }
 
 // Errors of messages are the chat's.
@@ -190,14 +193,14 @@ void Connection::OnError(const NodePtr& XMLElement, StringView /*FromJid*/, std:
                          StringView ErrorDescription) {
     if (XMLElement && XMLElement->Root().Is(u"message")) return;
     reason_ = ErrorDescription;
-    isRefused_ = eErrorCode != 0;
+    isSilence_ = eErrorCode == kNoAnswer;
+    isRefused_ = eErrorCode != 0 && !isSilence_;
+    if (wasOnline_ && !online_) End(ExitCode::network, u"Not connected", reason_);
 }
 
 // No login came of it.
 void Connection::GiveUp(StringView reason) {
-    const std::int64_t waited = (g_get_monotonic_time() - opened_) / G_USEC_PER_SEC;
-    if (options_.timeout > 0 && waited >= options_.timeout)
-        return End(ExitCode::silence, u"No login", reason);
+    if (isSilence_) return End(ExitCode::silence, u"No login", reason);
     if (!isRefused_) return End(ExitCode::network, u"No login", reason);
     End(ExitCode::refused, newUser_ ? u"account refused" : u"login refused", reason);
 }
@@ -219,7 +222,9 @@ void Connection::End(ExitCode code, const String& what, StringView reason) {
 
 std::string Connection::State() const {
     if (online_) return "online, " + trust_.State(Session());
-    return wasOnline_ ? "offline, connecting again" : "connecting";
+    if (!wasOnline_) return "connecting";
+    return fmt::format("offline for {} s, connecting again",
+                       (g_get_monotonic_time() - lost_) / G_USEC_PER_SEC);
 }
 
 // -- The traffic --

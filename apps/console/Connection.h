@@ -43,14 +43,15 @@ private:
 
     Options options_;
     Trust trust_;
-    String reason_;            // why the connection ends, as far as is known
-    std::int64_t opened_ = 0;  // microseconds of the system's steady clock
+    String reason_;          // why the connection ends, as far as is known
+    std::int64_t lost_ = 0;  // microseconds of the system's steady clock
     unsigned deadline_ = 0;
     bool online_ = false;
     bool wasOnline_ = false;
     bool isEndExpected_ = false;   // it is the console's own doing
     bool accountCreated_ = false;  // the connection ends now, and the login follows
     bool isRefused_ = false;
+    bool isSilence_ = false;
     bool newUser_ = false;
 };
 

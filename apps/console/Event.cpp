@@ -19,7 +19,7 @@ constexpr EventForm kForms[] = {
      "whom TLS has found at the other end"},
     {"login", notice, "Logged in as {jid}.", "the session is ready"},
     {"disconnected", notice, "Disconnected: {reason}.", "the connection has ended"},
-    {"reconnecting", notice, "Connecting again in about {seconds} s.", "after a loss"},
+    {"attempt-failed", notice, "Still not connected: {reason}.", "an attempt to connect again"},
     {"xml-in", data, "<< {xml}", "received, with --xml; secrets are masked"},
     {"xml-out", data, ">> {xml}", "sent, with --xml; secrets are masked"},
     // The program

@@ -13,16 +13,10 @@ std::string Verified(const cSession& session) {
     return X509_verify_cert_error_string(session.Socket()->SSLTrusted());
 }
 
-// A socket that tells no fingerprint is known by its names.
-template <class Socket>
-String IdentityOf(const Socket& socket) {
-    if constexpr (requires { socket.SSLFingerprint(); }) return socket.SSLFingerprint();
-    return Concat({socket.SSLSubject(), u" / ", socket.SSLIssuer()});
-}
-
-template <class Socket>
-void UsePin(Socket& socket, StringView pin) {
-    if constexpr (requires { socket.SSLPin(pin); }) socket.SSLPin(pin);
+// A session of the classic mode takes no fingerprint; there its peer is known by its names.
+String IdentityOf(const cSocketSSL& socket) {
+    const String fingerprint = socket.SSLFingerprint();
+    return fingerprint.empty() ? Concat({socket.SSLSubject(), u" / ", socket.SSLIssuer()}) : fingerprint;
 }
 
 std::string Fingerprint(const cSession& session) { return Utf8FromText(IdentityOf(*session.Socket())); }
@@ -36,7 +30,7 @@ Trust::Trust(const Options& options)
       known_(StateFile("servers")),
       pin_(options.pin.empty() ? known_.Fingerprint(server_) : options.pin) {}
 
-void Trust::Apply(cSession& session) const { UsePin(*session.Socket(), TextFromUtf8(pin_)); }
+void Trust::Apply(cSession& session) const { session.Socket()->SSLPin(TextFromUtf8(pin_)); }
 
 bool Trust::IsAccepted(const cSession& session) const {
     const bool isPinned = !pin_.empty() && Fingerprint(session) == pin_;
