@@ -19,30 +19,6 @@ constexpr std::int16_t kUntrusted = 101;   // of OnSocketError: the certificate 
 constexpr std::int16_t kNoAnswer = 408;    // of OnError: no login in time
 constexpr std::uint16_t kPort = 5222;
 
-// Where to connect, when that is not the account's domain.
-template <class Session>
-void UseHost(Session& session, const Options& options) {
-    const bool isElsewhere = options.server != options.domain;
-    if constexpr (requires { session.ConnectHost(u""); }) {
-        session.ServerAddress(TextFromUtf8(options.domain));
-        session.ConnectHost(isElsewhere ? TextFromUtf8(options.server) : String());
-        session.Port(static_cast<std::int16_t>(options.port));
-    } else {
-        session.ServerAddress(TextFromUtf8(options.server));
-        session.Port(static_cast<std::int16_t>(options.port == 0 ? kPort : options.port));
-    }
-}
-
-// Whether the session itself ends an attempt that takes too long.
-template <class Session>
-bool UseTimeout(Session& session, int seconds) {
-    if constexpr (requires { session.LoginTimeout(std::int16_t{1}); }) {
-        session.LoginTimeout(static_cast<std::int16_t>(seconds));
-        return session.Mode() == KV_Modern;
-    }
-    return false;
-}
-
 }  // namespace
 
 Connection::Connection(Console& console, const Options& options)
@@ -53,7 +29,7 @@ Connection::Connection(Console& console, const Options& options)
 void Connection::Apply() {
     cSession& session = Session();
     session.Mode(options_.classic ? KV_Classic : KV_Modern);
-    UseHost(session, options_);
+    ApplyHost();
     session.username(Inserted(session, TextFromUtf8(options_.user)));
     session.Password(TextFromUtf8(options_.password));
     session.Resource(TextFromUtf8(options_.resource));
@@ -62,6 +38,16 @@ void Connection::Apply() {
     session.Socket()->SSLCAFile(TextFromUtf8(options_.ca));
     trust_.Apply(session);
     ApplyProxy();
+}
+
+// A session of the classic mode has one name for the domain and the host, and looks up no port.
+void Connection::ApplyHost() {
+    cSession& session = Session();
+    const bool isElsewhere = options_.server != options_.domain;
+    session.ServerAddress(TextFromUtf8(options_.classic ? options_.server : options_.domain));
+    session.ConnectHost(isElsewhere ? TextFromUtf8(options_.server) : String());
+    session.Port(static_cast<std::int16_t>(options_.classic && options_.port == 0 ? kPort : options_.port));
+    session.LoginTimeout(options_.timeout);
 }
 
 void Connection::ApplyProxy() {
@@ -79,7 +65,7 @@ void Connection::ApplyProxy() {
 void Connection::Open() {
     Apply();
     Show("connecting", {{"host", Session().ServerAddress()}});
-    if (!UseTimeout(Session(), options_.timeout)) StartDeadline();
+    if (options_.classic) StartDeadline();
     Session().Connect(newUser_);
     if (Session().IsConnected() && !trust_.IsAccepted(Session())) Distrust();
 }

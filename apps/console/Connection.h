@@ -33,6 +33,7 @@ public:
 
 private:
     void Apply();
+    void ApplyHost();
     void ApplyProxy();
     void StartDeadline();
     void StopDeadline();

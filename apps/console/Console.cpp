@@ -155,18 +155,18 @@ void Console::UpdateStatus() {
 
 // -- Asking --
 
-void Console::Ask(const std::string& question, std::function<void(bool yes)> then) {
+void Console::Ask(const std::string& question, const std::function<void(bool yes)>& then) {
     terminal_->Ask(question + " [y/N] ", false, [then](const std::optional<std::string>& answer) {
         then(answer && (*answer == "y" || *answer == "Y" || *answer == "yes"));
     });
 }
 
-void Console::Confirm(const std::string& question, std::function<void(bool yes)> then) {
+void Console::Confirm(const std::string& question, const std::function<void(bool yes)>& then) {
     if (options_.yes) return then(true);
-    Ask(question, std::move(then));
+    Ask(question, then);
 }
 
-void Console::AskSecret(const std::string& question, std::function<void(const String& answer)> then) {
+void Console::AskSecret(const std::string& question, const std::function<void(const String& answer)>& then) {
     terminal_->Ask(question, true, [then](const std::optional<std::string>& answer) {
         then(TextFromUtf8(answer.value_or("")));
     });

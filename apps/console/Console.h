@@ -51,10 +51,10 @@ public:
 
     bool IsInteractive() const { return terminal_->IsInteractive(); }
     // Yes or no; in a script no.
-    void Ask(const std::string& question, std::function<void(bool yes)> then);
+    void Ask(const std::string& question, const std::function<void(bool yes)>& then);
     // The same before a command; --yes answers for all of them.
-    void Confirm(const std::string& question, std::function<void(bool yes)> then);
-    void AskSecret(const std::string& question, std::function<void(const String& answer)> then);
+    void Confirm(const std::string& question, const std::function<void(bool yes)>& then);
+    void AskSecret(const std::string& question, const std::function<void(const String& answer)>& then);
     void Remember(const std::string& line) { terminal_->Remember(line); }
 
     // -- Going on --

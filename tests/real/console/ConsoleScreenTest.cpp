@@ -91,7 +91,7 @@ TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
     EXPECT_TRUE(screen.Shows("/unregister: nothing was done."));
 }
 
-TEST_F(ConsoleOnATerminal, AcceptsACertificateByHand) {
+TEST_F(ConsoleOnATerminal, AcceptsACertificateByHandUntilItChanges) {
     const TemporaryFolder folder;
     auto use = [&](const Identity& identity) {
         server->UseCertificate(TextFromUtf8(identity.SaveCertificate(folder.Path())),
@@ -104,7 +104,10 @@ TEST_F(ConsoleOnATerminal, AcceptsACertificateByHand) {
     EXPECT_THAT(screen.Text(), Not(HasSubstr("Logged in")));
     screen.Enter("y");
     ASSERT_TRUE(screen.Shows("Logged in"));
-    screen.Enter("/quit");
+    use(IssuedBy(authority, {}));  // the same names, another key
+    server->DropConnections();
+    ASSERT_TRUE(screen.Shows("THE CERTIFICATE HAS CHANGED") && screen.Shows("Accept it from now on"));
+    screen.Enter("n");
     EXPECT_TRUE(screen.Ended());
 }
 
