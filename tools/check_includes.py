@@ -14,7 +14,7 @@ FOLDERS = {
     "testkit": {"quorix"},
     "apps": {"quorix", "testkit"},
     "examples": {"quorix"},
-    "tests": {"quorix", "testkit"},
+    "tests": {"quorix", "testkit", "apps"},
     "bench": {"quorix", "testkit", "tests"},
     "fuzz": {"quorix", "testkit"},
 }
