@@ -24,7 +24,7 @@ constexpr bool IsForbidden(char16_t unit) {
 inline constexpr std::array<bool, 128> kPlainAscii = [] {
     std::array<bool, 128> plain{};
     for (std::size_t c = 0x20; c < plain.size(); ++c) plain[c] = true;
-    for (char c : {'&', '<', '>', '"', '\''}) plain[static_cast<std::size_t>(c)] = false;
+    for (char16_t c : {u'&', u'<', u'>', u'"', u'\''}) plain[c] = false;
     return plain;
 }();
 constexpr bool IsPlainAscii(char16_t unit) { return unit < kPlainAscii.size() && kPlainAscii[unit]; }
