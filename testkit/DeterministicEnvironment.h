@@ -71,6 +71,9 @@ public:
     // Delivers everything that is due within `milliseconds`, timers in the order of their times.
     void Advance(std::int64_t milliseconds);
 
+    // The clock jumps; whatever became due meanwhile is delivered later.
+    void SkipTime(std::int64_t milliseconds) { now_ += milliseconds; }
+
     // The peer of the newest connection, or of the n-th one made (from 0). Throws when there is none.
     ScriptedPeer& Peer();
     ScriptedPeer& Peer(std::size_t index);
