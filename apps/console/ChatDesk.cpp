@@ -134,8 +134,6 @@ void ChatDesk::OnError(const NodePtr& XMLElement, StringView FromJid, std::int16
     Owner().Refused(Concat({u"Your message did not reach ", from}), XMLElement);
 }
 
-void ChatDesk::OnDisConnected() {
-    for (const Chat& chat : chats_.All()) chats_.With(chat.jid).typing = false;
-}
+void ChatDesk::OnDisConnected() { chats_.NobodyTypes(); }
 
 }  // namespace quorix::console

@@ -47,6 +47,10 @@ Chat& Chats::Received(StringView jid) {
     return chat;
 }
 
+void Chats::NobodyTypes() {
+    for (Chat& chat : chats_) chat.typing = false;
+}
+
 int Chats::Unread() const {
     return std::accumulate(chats_.begin(), chats_.end(), 0,
                            [](int sum, const Chat& chat) { return sum + chat.unread; });

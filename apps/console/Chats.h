@@ -36,6 +36,7 @@ public:
     // A message has come: unread unless its chat is the current one.
     Chat& Received(StringView jid);
     int Unread() const;
+    void NobodyTypes();
 
 private:
     std::vector<Chat> chats_;

@@ -169,7 +169,9 @@ void Connection::OnDisConnected() {
 
 void Connection::OnSocketError(const NodePtr& /*XMLElement*/, StringView Description, std::int16_t Code) {
     if (Code == kUntrusted) return Distrust();
-    reason_ = Concat({Description, u" (", ToString(Code), u")"});
+    const bool endsWithDot = !Description.empty() && Description.back() == u'.';
+    reason_ = Concat(
+        {Description.substr(0, Description.size() - (endsWithDot ? 1 : 0)), u" (", ToString(Code), u")"});
     if (!wasOnline_) return GiveUp(reason_);
     if (!online_) Show("attempt-failed", {{"reason", reason_}});
 }

@@ -41,7 +41,8 @@ EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
     Install();
     using_history();
     stifle_history(kHistoryLines);
-    if (!historyFile_.empty()) read_history(historyFile_.c_str());
+    if (!historyFile_.empty()) history_truncate_file(historyFile_.c_str(), kHistoryLines);
+    read_history(historyFile_.c_str());
     auto resized = [](gpointer /*self*/) -> gboolean {
         current->Resized();
         return G_SOURCE_CONTINUE;
@@ -140,7 +141,7 @@ void EditTerminal::Remember(const std::string& line) {
     add_history(ToLocale(line).c_str());
     if (historyFile_.empty()) return;
     const mode_t mask = umask(077);
-    write_history(historyFile_.c_str());
+    if (append_history(1, historyFile_.c_str()) != 0) write_history(historyFile_.c_str());  // none yet
     umask(mask);
 }
 
