@@ -41,8 +41,10 @@ EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
     Install();
     using_history();
     stifle_history(kHistoryLines);
-    if (!historyFile_.empty()) history_truncate_file(historyFile_.c_str(), kHistoryLines);
-    read_history(historyFile_.c_str());
+    if (!historyFile_.empty()) {
+        history_truncate_file(historyFile_.c_str(), kHistoryLines);
+        read_history(historyFile_.c_str());
+    }
     auto resized = [](gpointer /*self*/) -> gboolean {
         current->Resized();
         return G_SOURCE_CONTINUE;
