@@ -32,6 +32,11 @@ String ToString(std::int64_t value) {
     return {digits.begin(), digits.end()};
 }
 
+void FoldToLower(String& text, std::size_t count) {
+    auto end = text.begin() + static_cast<std::ptrdiff_t>(count);
+    std::transform(text.begin(), end, text.begin(), Lower);
+}
+
 String ToLower(StringView text) { return Folded(text, Lower); }
 String ToUpper(StringView text) { return Folded(text, Upper); }
 

@@ -22,6 +22,7 @@ String Concat(std::initializer_list<StringView> parts);
 String ToString(std::int64_t value);
 
 String ToLower(StringView text);
+void FoldToLower(String& text, std::size_t count);  // its first `count` characters
 String ToUpper(StringView text);
 bool EqualsIgnoringCase(StringView left, StringView right);
 bool StartsWith(StringView text, StringView prefix);

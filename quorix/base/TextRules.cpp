@@ -24,7 +24,9 @@ public:
         }
     }
     String ToNode(StringView text) const override { return WithoutForbidden(EncodeUTF8(text, false)); }
-    String Read(StringView received) const override { return DecodeUTF8(received, true); }
+    String Read(String received) const override {
+        return IsDecoded(received) ? received : DecodeUTF8(received, true);
+    }
     std::string ToBytes(StringView xml) const override { return BytesFromWire(xml); }
 };
 
@@ -34,7 +36,7 @@ public:
         AppendEscaped(xml, value, place);
     }
     String ToNode(StringView text) const override { return WithoutForbidden(text); }
-    String Read(StringView received) const override { return String(received); }
+    String Read(String received) const override { return received; }
     std::string ToBytes(StringView xml) const override { return Utf8FromText(xml); }
 };
 

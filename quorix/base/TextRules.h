@@ -36,7 +36,7 @@ public:
     virtual String ToNode(StringView text) const = 0;
 
     // A value as received, from a node, as text.
-    virtual String Read(StringView received) const = 0;
+    virtual String Read(String received) const = 0;
 
     // The text of the stream as its bytes. Text that has no byte or no UTF-8 becomes "?" or U+FFFD.
     virtual std::string ToBytes(StringView xml) const = 0;

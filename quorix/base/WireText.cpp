@@ -47,12 +47,6 @@ std::size_t Utf8Bound(StringView text) {
     return size;
 }
 
-bool IsAscii(std::string_view bytes) {
-    unsigned char all = 0;
-    for (char byte : bytes) all |= static_cast<unsigned char>(byte);
-    return all < 0x80;
-}
-
 struct Sequence {
     unsigned length;
     char32_t lead;
@@ -93,6 +87,12 @@ char16_t* PutUtf16(char16_t* out, char32_t code) {
 
 }  // namespace
 
+bool IsAscii(std::string_view bytes) {
+    unsigned char all = 0;
+    for (char byte : bytes) all |= static_cast<unsigned char>(byte);
+    return all < 0x80;
+}
+
 String WireFromBytes(std::string_view bytes) {
     String result(bytes.size(), u'\0');
     std::transform(bytes.begin(), bytes.end(), result.begin(),
@@ -120,8 +120,12 @@ std::string Utf8FromText(StringView text) {
 }
 
 String TextFromUtf8(std::string_view utf8) {
-    if (IsAscii(utf8)) return {utf8.begin(), utf8.end()};
     String result(utf8.size(), u'\0');
+    if (IsAscii(utf8)) {
+        std::transform(utf8.begin(), utf8.end(), result.begin(),
+                       [](char c) { return static_cast<char16_t>(c); });
+        return result;
+    }
     char16_t* out = result.data();
     while (!utf8.empty()) out = PutUtf16(out, DecodeUtf8(utf8));
     result.resize(static_cast<std::size_t>(out - result.data()));

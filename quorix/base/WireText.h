@@ -8,6 +8,8 @@
 
 namespace quorix {
 
+bool IsAscii(std::string_view bytes);
+
 String WireFromBytes(std::string_view bytes);
 
 // The inverse. A character above 255 has no byte and goes out as "?".

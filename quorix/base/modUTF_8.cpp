@@ -157,6 +157,10 @@ String EncodeUTF8(StringView text, bool escape) {
     return AppendEncoded(result, text, escape) ? result : String(text);
 }
 
+bool IsDecoded(StringView wire) {
+    return wire.size() > kMaxCodecUnits || (IsAscii(wire) && wire.find(u'&') == StringView::npos);
+}
+
 String DecodeUTF8(StringView wire, bool unescape) {
     if (wire.size() > kMaxCodecUnits || !IsWire(wire)) return String(wire);
     String result;

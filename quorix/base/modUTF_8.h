@@ -27,6 +27,9 @@ bool AppendEncoded(String& xml, StringView text, Place place);
 // characters, returns the input unchanged.
 String DecodeUTF8(StringView wire, bool unescape);
 
+// Whether decoding with `unescape` would return it as it is: in most cases.
+bool IsDecoded(StringView wire);
+
 // & " < > ' by their entities, in this order.
 String XmlEscape(StringView text);
 

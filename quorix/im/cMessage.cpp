@@ -1,5 +1,6 @@
 #include "quorix/im/cMessage.h"
 
+#include <algorithm>
 #include <array>
 #include <set>
 #include <utility>
@@ -84,7 +85,10 @@ String cMessage::xml() const { return draft_ ? draft_->Xml(text_) : node_->xml()
 
 String cMessage::FromJid() const {
     String from = Attribute(kFrom);
-    return Concat({ToLower(RemoveResource(from)), u"/", GetResource(from)});
+    std::size_t bare = std::min(from.find(u'/'), from.size());
+    FoldToLower(from, bare);
+    if (bare == from.size()) from += u'/';
+    return from;
 }
 
 String cMessage::Thread() const {

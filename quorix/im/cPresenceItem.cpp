@@ -10,7 +10,7 @@ StringView ShowText(std::int32_t show) {
 }
 
 // Decoding once here spares it at every look-up; the wire form is never asked for again.
-void cPresenceItem::JID(StringView value) { Assign(jid_, TextOf(session_).Read(value)); }
-void cPresenceItem::Resource(StringView value) { Assign(resource_, TextOf(session_).Read(value)); }
+void cPresenceItem::JID(StringView value) { Assign(jid_, TextOf(session_).Read(String(value))); }
+void cPresenceItem::Resource(StringView value) { Assign(resource_, TextOf(session_).Read(String(value))); }
 
 }  // namespace quorix

@@ -23,7 +23,7 @@ String RoomPresence(const TextRules& rules, const cGroupChat& room, bool availab
 class IsReceived {
 public:
     IsReceived(const TextRules& rules, StringView received)
-        : received_(received), text_(rules.Read(received)) {}
+        : received_(received), text_(rules.Read(String(received))) {}
     bool operator()(StringView recorded) const { return recorded == received_ || recorded == text_; }
 
 private:

@@ -51,12 +51,12 @@ const Dispatcher::Route Dispatcher::kRoutes[] = {
     {u"", &Dispatcher::WithoutQuery},
 };
 
-void Dispatcher::ProcessStanza(const Frame& frame) {
+void Dispatcher::ProcessStanza(Frame frame) {
     Contain([&] {
         if (session_.sinks_.WantWireText())
             session_.RaiseWireText(&SessionEvents::OnIncomingXML, frame.Text());
     });
-    if (frame.IsStanza()) Contain([&] { Dispatch(Stanza(frame.tree, frame.node)); });
+    if (frame.IsStanza()) Contain([&] { Dispatch(Stanza(std::move(frame.tree), frame.node)); });
 }
 
 void Dispatcher::Dispatch(const Stanza& stanza) {

@@ -11,7 +11,7 @@ public:
     Dispatcher(cSession& session, const std::shared_ptr<SessionLink>& self)
         : session_(session), self_(self) {}
 
-    void ProcessStanza(const Frame& frame);
+    void ProcessStanza(Frame frame);
 
 private:
     using Branch = void (Dispatcher::*)(const Stanza&);

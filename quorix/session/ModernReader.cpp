@@ -41,7 +41,7 @@ public:
     }
 
     StreamStep Next() override {
-        while (ready_.empty()) {
+        while (!next_) {
             if (ended_) return {};
             StreamParser::Event event = parser_.Next();
             if (event == StreamParser::Event::Malformed) return Fail(u"XML not well-formed");
@@ -72,7 +72,7 @@ private:
         open_ = true;
         ParsedXmlPtr root = parser_.Take();
         String name = root->Root().Name();
-        prefix_ = name.substr(0, name.find(u':') + 1);
+        error_ = name.substr(0, name.find(u':') + 1) + u"error";
         StreamStep step = StreamStep::Kind::Header;
         step.text = TextFromUtf8(std::string_view(header_).substr(0, parser_.PendingBytes()));
         step.streamId = root->Root().Attribute(u"id");
@@ -80,21 +80,27 @@ private:
         return step;
     }
 
-    void Collect(const ParsedXmlPtr& tree) {
-        for (ParsedNode node = tree->First(); node; node = node.NextSibling()) {
-            if (!node.IsBlankText()) ready_.push_back({tree, node, {}});
-        }
+    void Collect(ParsedXmlPtr tree) {
+        tree_ = std::move(tree);
+        next_ = FirstFrom(tree_->First());
+    }
+
+    // White space between stanzas is nothing.
+    static ParsedNode FirstFrom(ParsedNode node) {
+        while (node && node.IsBlankText()) node = node.NextSibling();
+        return node;
     }
 
     StreamStep TakeStanza() {
         StreamStep step = StreamStep::Kind::Stanza;
-        step.frame = std::move(ready_.front());
-        ready_.pop_front();
-        return step.frame.node.Is(prefix_ + u"error") ? TakeError(step.frame) : std::move(step);
+        step.frame.node = next_;
+        next_ = FirstFrom(next_.NextSibling());
+        step.frame.tree = next_ ? tree_ : std::move(tree_);
+        return step.frame.node.Is(error_) ? TakeError(step.frame) : std::move(step);
     }
 
     StreamStep TakeError(const Frame& frame) {
-        ready_.clear();
+        next_ = {};
         StreamStep step = Fail(Description(frame.node));
         if (wantsText_) step.text = frame.Text();
         step.isFinal = Condition(frame.node) == u"conflict";
@@ -104,8 +110,9 @@ private:
     const std::int32_t& maxStanzaSize_;
     StreamParser parser_{StreamParser::Bytes::Utf8};
     std::string header_;
-    String prefix_;
-    std::deque<Frame> ready_;
+    String error_;  // the name of a stream error
+    ParsedXmlPtr tree_;
+    ParsedNode next_;
     bool wantsText_ = true;
     bool open_ = false;
     bool ended_ = false;

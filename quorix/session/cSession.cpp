@@ -328,7 +328,7 @@ bool cSession::TakeStep(Dispatcher& dispatcher) {
     switch (step.kind) {
         case StreamStep::Kind::Nothing: return false;
         case StreamStep::Kind::Header: TakeStreamHeader(step); break;
-        case StreamStep::Kind::Stanza: dispatcher.ProcessStanza(step.frame); break;
+        case StreamStep::Kind::Stanza: dispatcher.ProcessStanza(std::move(step.frame)); break;
         case StreamStep::Kind::Error: EndWithStreamError(step); break;
         case StreamStep::Kind::Closed: CloseSession({}, {}); break;
     }

@@ -99,6 +99,7 @@ void ParsedBuilder::Start(std::string_view name, const char* const* attributes) 
     if (!open_.empty()) open_.back().hasElement = true;
     auto first = static_cast<std::uint32_t>(attributes_.size());
     std::uint32_t index = Append(XmlKind::Element, name);
+    if (name == "x") extensions_.push_back(index);
     for (; *attributes != nullptr; attributes += 2) {
         ParsedXml::Span key = Put(attributes[0]);
         attributes_.push_back({key, Put(attributes[1])});
@@ -160,14 +161,18 @@ ParsedXmlPtr ParsedBuilder::Take() {
     auto tree = std::make_shared<ParsedXml>(ParsedXml::Key());
     std::size_t nodes = SizeOf(nodes_);
     std::size_t attributes = SizeOf(attributes_);
-    tree->block_ = std::make_unique_for_overwrite<char[]>(nodes + attributes + chars_.size());
+    std::size_t extensions = SizeOf(extensions_);
+    tree->block_ = std::make_unique_for_overwrite<char[]>(nodes + attributes + extensions + chars_.size());
     char* block = tree->block_.get();
     CopyTo(block, nodes_);
     CopyTo(block + nodes, attributes_);
-    CopyTo(block + nodes + attributes, chars_);
+    CopyTo(block + nodes + attributes, extensions_);
+    CopyTo(block + nodes + attributes + extensions, chars_);
     tree->nodes_ = reinterpret_cast<const ParsedXml::Node*>(block);
     tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(block + nodes);
-    tree->chars_ = block + nodes + attributes;
+    tree->extensions_ = reinterpret_cast<const std::uint32_t*>(block + nodes + attributes);
+    tree->extensionCount_ = static_cast<std::uint32_t>(extensions_.size());
+    tree->chars_ = block + nodes + attributes + extensions;
     tree->nodeCount_ = static_cast<std::uint32_t>(nodes_.size());
     tree->tooDeep_ = tooDeep_;
     Clear();
@@ -177,6 +182,7 @@ ParsedXmlPtr ParsedBuilder::Take() {
 void ParsedBuilder::Clear() {
     nodes_.clear();
     attributes_.clear();
+    extensions_.clear();
     chars_.clear();
     open_.clear();
     lastAtTop_ = ParsedXml::kNone;

@@ -51,6 +51,7 @@ private:
     std::vector<ParsedXml::Node> nodes_;
     std::vector<ParsedXml::Attribute> attributes_;
     std::string chars_;
+    std::vector<std::uint32_t> extensions_;
     std::vector<Open> open_;
     std::uint32_t lastAtTop_ = ParsedXml::kNone;
     bool inText_ = false;  // the last node is text that may go on

@@ -1,6 +1,7 @@
 #include "quorix/xml/ParsedXml.h"
 
 #include <algorithm>
+#include <array>
 
 #include "quorix/base/WireText.h"
 #include "quorix/xml/StreamParser.h"
@@ -10,16 +11,28 @@ namespace quorix {
 
 namespace {
 
-bool Equals(std::string_view left, StringView right) {
-    if (left.size() == right.size()) {
-        std::size_t i = 0;
-        while (i < left.size() && static_cast<char16_t>(left[i]) == right[i] && right[i] < 0x80) ++i;
-        if (i == left.size()) return true;
+// A name to look for, as the tree has it. Most are short ASCII and need no memory of their own.
+class Sought {
+public:
+    explicit Sought(StringView text) {
+        char16_t all = text.size() > short_.size() ? 0x80 : 0;
+        for (std::size_t i = 0; i < text.size() && all < 0x80; ++i) {
+            all |= text[i];
+            short_[i] = static_cast<char>(text[i]);
+        }
+        if (all >= 0x80) long_ = Utf8FromText(text);
+        view_ = all < 0x80 ? std::string_view(short_.data(), text.size()) : std::string_view(long_);
     }
-    bool ascii =
-        std::all_of(left.begin(), left.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-    return !ascii && TextFromUtf8(left) == right;
-}
+    Sought(const Sought&) = delete;
+    Sought& operator=(const Sought&) = delete;
+
+    bool operator==(std::string_view name) const { return view_ == name; }
+
+private:
+    std::array<char, 48> short_;
+    std::string long_;
+    std::string_view view_;
+};
 
 bool IsBlankUtf8(std::string_view text) {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -58,11 +71,20 @@ String ParsedXml::Xml() const {
 }
 
 const ParsedXml::Attribute* ParsedXml::Find(const Node& element, StringView name) const {
+    Sought sought(name);
     const Attribute* end = attributes_ + element.attributes + element.attributeCount;
     const Attribute* found =
         std::find_if(attributes_ + element.attributes, end,
-                     [&](const Attribute& attribute) { return Equals(View(attribute.name), name); });
+                     [&](const Attribute& attribute) { return sought == View(attribute.name); });
     return found == end ? nullptr : found;
+}
+
+// The index behind the last node below.
+std::uint32_t ParsedXml::EndOf(std::uint32_t index) const {
+    for (; index != kNone; index = nodes_[index].parent) {
+        if (nodes_[index].next != kNone) return nodes_[index].next;
+    }
+    return nodeCount_;
 }
 
 XmlKind ParsedNode::Kind() const { return tree_->nodes_[index_].kind; }
@@ -72,7 +94,7 @@ bool ParsedNode::IsBlankText() const {
 }
 
 String ParsedNode::Name() const { return IsElement() ? TextFromUtf8(RawName()) : String(); }
-bool ParsedNode::Is(StringView name) const { return IsElement() && Equals(RawName(), name); }
+bool ParsedNode::Is(StringView name) const { return IsElement() && Sought(name) == RawName(); }
 
 std::string_view ParsedNode::RawName() const {
     const ParsedXml::Node& node = tree_->nodes_[index_];
@@ -123,7 +145,7 @@ bool ParsedNode::HasAttribute(StringView name) const {
 
 bool ParsedNode::AttributeIs(StringView name, StringView value) const {
     const ParsedXml::Attribute* found = IsElement() ? tree_->Find(tree_->nodes_[index_], name) : nullptr;
-    return found != nullptr && Equals(tree_->View(found->value), value);
+    return found != nullptr && Sought(value) == tree_->View(found->value);
 }
 
 ParsedNode ParsedNode::Parent() const {
@@ -145,9 +167,20 @@ ParsedNode ParsedNode::FirstElement() const { return FirstElementFrom(FirstChild
 ParsedNode ParsedNode::NextElement() const { return FirstElementFrom(NextSibling()); }
 
 ParsedNode ParsedNode::Child(StringView name) const {
+    Sought sought(name);
     ParsedNode child = FirstElement();
-    while (child && !child.Is(name)) child = child.NextElement();
+    while (child && !(sought == child.RawName())) child = child.NextElement();
     return child;
+}
+
+ParsedNode ParsedNode::FindExtension(StringView xmlns) const {
+    if (!tree_) return {};
+    std::uint32_t end = tree_->EndOf(index_);
+    for (std::uint32_t i = 0; i < tree_->extensionCount_; ++i) {
+        ParsedNode node(tree_, tree_->extensions_[i]);
+        if (node.index_ >= index_ && node.index_ < end && node.AttributeIs(u"xmlns", xmlns)) return node;
+    }
+    return {};
 }
 
 ParsedNode ParsedNode::Following(const ParsedNode& top) const {

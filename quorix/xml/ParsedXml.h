@@ -59,6 +59,10 @@ public:
     ParsedNode NextElement() const;
     ParsedNode Child(StringView name) const;  // the first child element of this name
 
+    // The first `x` element of this `xmlns`, this one and what is below it. Every message is asked for
+    // several.
+    ParsedNode FindExtension(StringView xmlns) const;
+
     // The next node in document order below `top`; empty at its end.
     ParsedNode Following(const ParsedNode& top) const;
 
@@ -122,12 +126,15 @@ private:
 
     std::string_view View(Span span) const { return {chars_ + span.at, span.size}; }
     const Attribute* Find(const Node& element, StringView name) const;
+    std::uint32_t EndOf(std::uint32_t index) const;
 
     std::unique_ptr<char[]> block_;
     const Node* nodes_ = nullptr;
     const Attribute* attributes_ = nullptr;
+    const std::uint32_t* extensions_ = nullptr;  // the elements called "x"
     const char* chars_ = nullptr;
     std::uint32_t nodeCount_ = 0;
+    std::uint32_t extensionCount_ = 0;
     bool tooDeep_ = false;
 
 public:

@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "quorix/base/WireText.h"
+
 #if defined(__ELF__)
 // Newer versions of the parser put off unfinished markup by themselves; older ones do not know the word.
 extern "C" __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
@@ -184,9 +186,7 @@ void StreamParser::Renew() {
 // -- Taking bytes --
 
 std::string_view StreamParser::Translated(std::string_view bytes) {
-    bool plain =
-        std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
-    if (bytes_ == Bytes::Utf8 || plain) return bytes;
+    if (bytes_ == Bytes::Utf8 || IsAscii(bytes)) return bytes;
     letters_.clear();
     AppendLettersOfBytes(letters_, bytes);
     return letters_;
