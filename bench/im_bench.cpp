@@ -7,6 +7,7 @@
 #include "quorix/im/Messages.h"
 #include "quorix/im/Presence.h"
 #include "quorix/im/RosterTable.h"
+#include "quorix/link/StanzaError.h"
 
 namespace quorix {
 namespace {
@@ -38,6 +39,7 @@ public:
     void Message(const NodePtr& node) { HandleMessage(shared_from_this(), Stanza(node)); }
     void Iq(const NodePtr& node) { roster.ParseRoster(shared_from_this(), presences, Stanza(node)); }
 
+    StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     const TextRules& Text() const override { return ClassicText(); }
     void SendXML(StringView) override {}
     bool IsConnected() const override { return true; }

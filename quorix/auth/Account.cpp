@@ -27,10 +27,9 @@ void ChangePassword(SessionLink& link, StringView newPassword) {
 
 void RemoveAccount(SessionLink& link) { SendRegister(link, kRemoveAccountId, u"<remove/>"); }
 
-void RequestRegistrationForm(SessionLink& link) {
-    link.SendXML(
-        Compose(link.Text(), {u"<iq type='get' to='", Quoted(link.ServerAddress()), u"' id='",
-                              Quoted(link.GetNextID()), u"'><query xmlns='jabber:iq:register'/></iq>"}));
+void RequestRegistrationForm(SessionLink& link, StringView id) {
+    link.SendXML(Compose(link.Text(), {u"<iq type='get' to='", Quoted(link.ServerAddress()), u"' id='",
+                                       Quoted(id), u"'><query xmlns='jabber:iq:register'/></iq>"}));
 }
 
 void SendNewUser(SessionLink& link, const Stanza& form) {

@@ -19,8 +19,8 @@ void ChangePassword(SessionLink& link, StringView newPassword);
 
 void RemoveAccount(SessionLink& link);
 
-// Asks the server for its registration form, under a fresh id.
-void RequestRegistrationForm(SessionLink& link);
+// Asks the server for its registration form, under `id`.
+void RequestRegistrationForm(SessionLink& link, StringView id);
 
 // Answers that form with the session's username and password and the form's key, empty when it has none.
 void SendNewUser(SessionLink& link, const Stanza& form);

@@ -46,6 +46,8 @@ String Proof(const TextRules& text, Form form, StringView password, const LoginF
 
 }  // namespace
 
+bool cAuth::TellsPassword() const { return FormFor(RequireSession(session_)->Login()) == Form::Plain; }
+
 void cAuth::SendAuth() {
     std::shared_ptr<SessionLink> session = RequireSession(session_);
     const TextRules& text = session->Text();

@@ -14,6 +14,9 @@ class cAuth {
 public:
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
+    // Whether the request would carry the password itself. Error 91 without a session.
+    bool TellsPassword() const;
+
     // Sends one login request in the form that `AuthType` and the server's offer choose, or nothing when
     // zero-knowledge is asked for and the server offered no sequence and token. Error 91 without a session.
     //

@@ -1,6 +1,7 @@
 #include "quorix/im/Messages.h"
 
 #include "quorix/im/Roster.h"
+#include "quorix/link/StanzaError.h"
 #include "quorix/link/StanzaText.h"
 #include "quorix/xml/Finding.h"
 
@@ -31,8 +32,8 @@ StringView ReportElement(eEvent event) {
 
 void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
     if (stanza.IsError()) {
-        session->Raise(&SessionEvents::OnError, stanza.Node(), stanza.from, stanza.ErrorCode(),
-                       stanza.ErrorText());
+        StanzaError error = session->ErrorOf(stanza);
+        session->Raise(&SessionEvents::OnError, stanza.Node(), stanza.from, error.code, error.text);
     } else if (FindExtension(stanza.root, u"jabber:x:roster")) {
         ParseReceiveRoster(*session, *stanza.Node());
     } else if (ParsedNode invitation = FindExtension(stanza.root, u"jabber:x:conference")) {

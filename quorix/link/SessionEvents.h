@@ -4,8 +4,9 @@
 // are raised synchronously on the session's thread. A handler may do anything: send, disconnect, connect
 // again, drop the last reference to the session. What it throws is swallowed.
 //
-// In KV_Modern texts are text (UTF-16). In KV_Classic they are where a parser decodes them, and wire text where it
-// hands them on as received; each event says which. Nodes and records are shared: an application may keep any it is given.
+// In KV_Modern texts are text (UTF-16). In KV_Classic they are where a parser decodes them, and wire text
+// where it hands them on as received; each event says which. Nodes and records are shared: an application may
+// keep any it is given.
 #pragma once
 
 #include <memory>

@@ -35,12 +35,18 @@ struct LoginFacts {
     String token;
 };
 
+struct Stanza;
+struct StanzaError;
+
 class SessionLink {
 public:
     virtual ~SessionLink() = default;
 
     // How values become text of the stream, and back.
     virtual const TextRules& Text() const = 0;
+
+    // What an answer of type "error" says went wrong.
+    virtual StanzaError ErrorOf(const Stanza& stanza) const = 0;
 
     virtual void SendXML(StringView xml) = 0;
     virtual bool IsConnected() const = 0;  // the socket is up, logged in or not

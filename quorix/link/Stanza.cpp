@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "quorix/base/Number.h"
-
 namespace quorix {
 
 Stanza::Stanza(ParsedXmlPtr whole, const ParsedNode& element)
@@ -22,7 +20,5 @@ const NodePtr& Stanza::Node() const {
 NodePtr Stanza::NodeOf(const ParsedNode& element) const { return std::make_shared<cXML_Node>(tree, element); }
 
 String Stanza::ChildText(StringView name) const { return root.Child(name).Text(); }
-
-std::int16_t Stanza::ErrorCode() const { return WireInt16(root.Child(u"error").Attribute(u"code")); }
 
 }  // namespace quorix

@@ -28,10 +28,6 @@ struct Stanza {
     // The text of the direct child `name`, "" when there is none.
     String ChildText(StringView name) const;
 
-    // `code` and text of the error child; 0 and "" when there is none, or no number in range.
-    std::int16_t ErrorCode() const;
-    String ErrorText() const { return ChildText(u"error"); }
-
     bool IsGet() const { return type == u"get"; }
     bool IsSet() const { return type == u"set"; }
     bool IsResult() const { return type == u"result"; }

@@ -73,7 +73,7 @@ void Dispatcher::Dispatch(const Stanza& stanza) {
 
 void Dispatcher::Iq(const Stanza& stanza) {
     Contain([&] {
-        if (AccountReply(stanza)) return;
+        if (Refusal(stanza) || AccountReply(stanza)) return;
         IqError(stanza);
         TakeToBranch(stanza);
     });
@@ -83,8 +83,8 @@ void Dispatcher::Iq(const Stanza& stanza) {
 void Dispatcher::IqError(const Stanza& stanza) {
     bool reported = stanza.Query().AttributeIs(u"xmlns", kOutOfBand);  // by OnOOBResult
     if (!stanza.IsError() || reported) return;
-    session_.Raise(&SessionEvents::OnIQError, stanza.Node(), stanza.from, stanza.ErrorCode(),
-                   stanza.ErrorText());
+    StanzaError error = session_.ErrorOf(stanza);
+    session_.Raise(&SessionEvents::OnIQError, stanza.Node(), stanza.from, error.code, error.text);
 }
 
 void Dispatcher::TakeToBranch(const Stanza& stanza) {
@@ -103,6 +103,16 @@ void Dispatcher::TakeToService(const Stanza& stanza, StringView nameSpace) {
 }
 
 // -- Login and account --
+
+// A login or an account that is refused, at any step, where that ends the session.
+bool Dispatcher::Refusal(const Stanza& stanza) {
+    bool asked = stanza.id == kLoginId || stanza.id == kNewUserId ||
+                 (!session_.loginQueryId_.empty() && stanza.id == session_.loginQueryId_);
+    if (!asked || !stanza.IsError() || !LoginPending() || !session_.rules_->RefusalEnds()) return false;
+    StanzaError error = session_.ErrorOf(stanza);
+    session_.EndForGood(ToString(error.code), error.text);
+    return true;
+}
 
 bool Dispatcher::AccountReply(const Stanza& stanza) {
     bool login = stanza.id == kLoginId;
@@ -141,7 +151,7 @@ void Dispatcher::NewUserReply(const Stanza& /*stanza*/) {
 }
 
 void Dispatcher::LoginFailure(const Stanza& stanza) {
-    if (LoginPending() && !stanza.ErrorText().empty()) session_.CloseSession({}, {});
+    if (LoginPending() && !session_.ErrorOf(stanza).text.empty()) session_.CloseSession({}, {});
 }
 
 // What the server offers, on each reply anew.
@@ -157,8 +167,9 @@ void Dispatcher::LoginFields(const Stanza& stanza) {
 // The form of a new account is filled in at once; any other belongs to an agent.
 void Dispatcher::Registration(const Stanza& stanza) {
     if (!stanza.IsResult()) return;
-    if (session_.newUser_) return SendNewUser(session_, stanza);
-    session_.agents_.HandleRegistrationForm(stanza);
+    if (!session_.newUser_) return session_.agents_.HandleRegistrationForm(stanza);
+    if (!session_.MayTellPassword()) return session_.RefuseToTellPassword();
+    SendNewUser(session_, stanza);
 }
 
 // -- Other queries --

@@ -27,6 +27,7 @@ private:
 
     // The replies that are known by their id, with or without a query. False for any other stanza.
     bool AccountReply(const Stanza& stanza);
+    bool Refusal(const Stanza& stanza);
     void LoginReply(const Stanza& stanza);
     void NewUserReply(const Stanza& stanza);
     void LoginFailure(const Stanza& stanza);

@@ -14,6 +14,9 @@ public:
         return NewClassicReader();
     }
     std::shared_ptr<Line> NewLine(cSession& session) const override { return NewClassicLine(session); }
+    StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
+    bool RefusalEnds() const override { return false; }
+    bool MayTellPassword(bool /*isSecure*/, bool /*isChosen*/) const override { return true; }
     void RefuseToSend() const override {}
 };
 
@@ -25,6 +28,9 @@ public:
         return NewModernReader(maxStanzaSize);
     }
     std::shared_ptr<Line> NewLine(cSession& session) const override { return NewModernLine(session); }
+    StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorByCondition(stanza); }
+    bool RefusalEnds() const override { return true; }
+    bool MayTellPassword(bool isSecure, bool isChosen) const override { return isSecure || isChosen; }
     void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }
 };
 

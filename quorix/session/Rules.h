@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "quorix/base/TextRules.h"
+#include "quorix/link/StanzaError.h"
 #include "quorix/session/Line.h"
 #include "quorix/session/StreamReader.h"
 
@@ -29,6 +30,15 @@ public:
 
     // How the session comes to its connection and keeps it.
     virtual std::shared_ptr<Line> NewLine(cSession& session) const = 0;
+
+    virtual StanzaError ErrorOf(const Stanza& stanza) const = 0;
+
+    // Whether a refused login or account ends the session, with OnError; else OnIQError tells of it.
+    virtual bool RefusalEnds() const = 0;
+
+    // Whether the password itself may go out, over TLS or not. `isChosen`: the application has asked for that
+    // form.
+    virtual bool MayTellPassword(bool isSecure, bool isChosen) const = 0;
 
     // What a sender gets while the session is not connected: nothing, or error 10057.
     virtual void RefuseToSend() const = 0;

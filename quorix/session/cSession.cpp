@@ -349,7 +349,8 @@ void cSession::TakeStreamHeader(const StreamStep& header) {
     login_.sessionID = header.streamId;
     if (!IsConnected()) return;  // a handler has closed it
     line_->StreamOpens();
-    if (newUser_) return RequestRegistrationForm(*this);
+    loginQueryId_ = {};
+    if (newUser_) return RequestRegistrationForm(*this, loginQueryId_ = GetNextID());
     switch (login_.authType) {
         case KV_PlainAuth: return StartLogin();
         case KV_AutoAuth:
@@ -369,7 +370,8 @@ void cSession::EndWithStreamError(const StreamStep& error) {
 }
 
 void cSession::RequestLoginFields() {
-    Send(Compose(Text(), {u"<iq type='get' to='", Quoted(serverAddress_), u"' id='", Quoted(GetNextID()),
+    loginQueryId_ = GetNextID();
+    Send(Compose(Text(), {u"<iq type='get' to='", Quoted(serverAddress_), u"' id='", Quoted(loginQueryId_),
                           u"'><query xmlns='jabber:iq:auth'><username>", Content(username_, Put::Own),
                           u"</username></query></iq>"}));
 }
@@ -378,7 +380,24 @@ void cSession::StartLogin() {
     if (IsAbandoned() || !IsConnected()) return;
     cAuth auth;
     auth.SetSession(shared_from_this());
+    if (auth.TellsPassword() && !MayTellPassword()) return RefuseToTellPassword();
     auth.SendAuth();
+}
+
+bool cSession::MayTellPassword() const {
+    return rules_->MayTellPassword(socket_->SSLHandle() != 0, login_.authType == KV_PlainAuth);
+}
+
+void cSession::RefuseToTellPassword() { EndForGood(u"0", u"The password would go out in the clear"); }
+
+void cSession::EndForGood(StringView code, StringView description) {
+    connectionWanted_ = false;
+    CloseSession(code, description);
+}
+
+void cSession::ChangePassword(StringView NewPassword) {
+    if (!MayTellPassword()) throw AutomationError(ERR_InvalidCall);
+    quorix::ChangePassword(*this, NewPassword);
 }
 
 void cSession::BecomeActive() { authorized_ = active_ = true; }

@@ -265,7 +265,7 @@ public:
 
     // OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the
     // new password go out unescaped.
-    void ChangePassword(StringView NewPassword) { quorix::ChangePassword(*this, NewPassword); }
+    void ChangePassword(StringView NewPassword);
     // OnAccountRemoved follows.
     void RemoveAccount() { quorix::RemoveAccount(*this); }
 
@@ -342,6 +342,7 @@ public:
     // -- SessionLink --
 
     const TextRules& Text() const override { return rules_->Text(); }
+    StanzaError ErrorOf(const Stanza& stanza) const override { return rules_->ErrorOf(stanza); }
 
     // `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
     // contact (without the resource, ASCII case aside), else unknown.
@@ -401,6 +402,9 @@ private:
     void RaiseWireText(void (SessionEvents::*event)(StringView), StringView text);
     void StartLogin();
     void RequestLoginFields();
+    bool MayTellPassword() const;
+    void RefuseToTellPassword();
+    void EndForGood(StringView code, StringView description);
     void BecomeActive();
     void CompleteLogin();
 
@@ -438,6 +442,7 @@ private:
     bool reconnect_ = true;
 
     LoginFacts login_;
+    String loginQueryId_;  // of the question for the login's fields, or for the form of a new account
     bool active_ = false;
     bool streamOpen_ = false;
     bool authorized_ = false;

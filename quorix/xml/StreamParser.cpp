@@ -222,7 +222,8 @@ StreamParser::Event StreamParser::Settle(int status) {
         throw std::bad_alloc();
     if (broken_) return Event::Malformed;
     if (!suspended_) {
-        if (builder_.Depth() == 0 && builder_.IsBlank()) boundary_ = EventBegin();
+        bool isBetween = rootOpen_ && builder_.Depth() == 0 && builder_.IsBlank();
+        if (isBetween) boundary_ = EventBegin();
         std::string_view held = HeldBack();
         if (held.size() > kLongToken) longToken_.Open(held);
     }

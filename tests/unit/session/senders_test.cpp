@@ -191,6 +191,7 @@ protected:
     Senders() {
         session->Mode(GetParam());
         LogIn();
+        session->AuthType(KV_PlainAuth);  // so that a password may go out
         Say("<iq type='result' id='fullagents'><query xmlns='jabber:iq:agents'><agent jid='a'><name>A</name>"
             "</agent></query></iq>");
     }
