@@ -117,6 +117,7 @@ bool RunDemo() {
     std::uint16_t port = server->Start();
 
     std::shared_ptr<cSession> session = cSession::Create();
+    session->Mode(KV_Modern);
     auto demo = std::make_shared<Demo>(*session, *server);
     session->Advise(demo);
     session->ServerAddress(u"127.0.0.1");  // a bare container knows no "localhost"
