@@ -7,7 +7,13 @@ namespace quorix::console {
 
 void AccountDesk::ChangePassword(StringView password) {
     newPassword_ = password;
-    Session().ChangePassword(Inserted(Session(), password));
+    try {
+        Session().ChangePassword(Inserted(Session(), password));
+    } catch (const AutomationError& error) {
+        if (error.Number() != ERR_InvalidCall) throw;
+        throw AutomationError(ERR_InvalidCall,
+                              "The password would go out in the clear; use --tls, or --plain");
+    }
 }
 
 void AccountDesk::OnChangedPassword() {

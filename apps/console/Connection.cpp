@@ -48,6 +48,7 @@ void Connection::ApplyHost() {
     session.ConnectHost(isElsewhere ? TextFromUtf8(options_.server) : String());
     session.Port(static_cast<std::int16_t>(options_.classic && options_.port == 0 ? kPort : options_.port));
     session.LoginTimeout(options_.timeout);
+    session.AuthType(options_.plain ? KV_PlainAuth : KV_AutoAuth);
 }
 
 void Connection::ApplyProxy() {

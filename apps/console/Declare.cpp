@@ -74,6 +74,7 @@ void DeclareConnection(CLI::App& app, Options& options) {
     app.add_option("--ca", options.ca, "PEM file of the certificates to trust instead of the system's");
     app.add_option("--pin", options.pin, "SHA-256 fingerprint of the certificate to accept, and of no other");
     app.add_flag("--insecure", options.insecure, "goes on with a server that is not trusted, without asking");
+    app.add_flag("--plain", options.plain, "lets the password itself go out, also without TLS");
     app.add_option("--proxy", options.proxy, "socks5://[USER:PASSWORD@]HOST:PORT or http://HOST:PORT")
         ->check(CheckProxy);
     app.add_flag("--remote-dns", options.remoteDns, "lets a SOCKS5 proxy look up the server");

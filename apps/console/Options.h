@@ -25,6 +25,7 @@ struct Options {
     int reconnect = 5;  // seconds until the first attempt to connect again; 0: none
     bool tls = false;
     bool insecure = false;
+    bool plain = false;
     bool remoteDns = false;
     bool newUser = false;
     bool classic = false;

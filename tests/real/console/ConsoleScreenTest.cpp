@@ -71,7 +71,7 @@ TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
 }
 
 TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
-    const ConsoleScreen screen({}, Login());
+    const ConsoleScreen screen({}, Login({"--plain"}));
     ASSERT_TRUE(screen.Shows("Logged in"));
     screen.Enter("/passwd");
     ASSERT_TRUE(screen.Shows("Password:"));

@@ -66,7 +66,7 @@ TEST_F(ConsoleClient, GoesThroughASocksProxyAndKeepsItsPasswordToItself) {
 }
 
 TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
-    ConsoleProgram program(LoginOptions(server->Start(), "juliet", {"--xml", "--yes"}));
+    ConsoleProgram program(LoginOptions(server->Start(), "juliet", {"--xml", "--yes", "--plain"}));
     const std::pair<const char*, const char*> steps[] = {
         {"/help\n/search users.localhost last=Nobody\n/agents", "Nobody was found."},
         {"/agent gateway.localhost username=me; password=Zoë & co",
@@ -185,7 +185,7 @@ class ConsoleChat : public RealServerTest {};
 TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeeds) {
     Person bob(Server().Port(), u"con.bob", u"work");
     ASSERT_TRUE(bob.Join());
-    ConsoleProgram console(LoginOptions(Server().Port(), "con.ann", {"--new", "--yes"}));
+    ConsoleProgram console(LoginOptions(Server().Port(), "con.ann", {"--new", "--yes", "--plain"}));
     auto type = [&](const std::string& line) { console.Type(line); };
     auto shows = [&](const std::string& text) { return console.Shows(text); };
     ASSERT_TRUE(shows("Logged in as con.ann@localhost/console."));
@@ -222,9 +222,9 @@ TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeeds) {
 }
 
 TEST_P(ConsoleChat, EndsWhenAnotherLoginTakesItsPlace) {
-    ConsoleProgram first(LoginOptions(Server().Port(), "con.two", {"--new"}));
+    ConsoleProgram first(LoginOptions(Server().Port(), "con.two", {"--new", "--plain"}));
     ASSERT_TRUE(first.Shows("Logged in"));
-    ConsoleProgram second(LoginOptions(Server().Port(), "con.two"));
+    ConsoleProgram second(LoginOptions(Server().Port(), "con.two", {"--plain"}));
     ASSERT_TRUE(second.Shows("Logged in"));
     EXPECT_EQ(first.ExitCode(), 7) << first.Output();
     second.OutputAfter("");
@@ -234,7 +234,7 @@ TEST_P(ConsoleChat, EndsWhenAnotherLoginTakesItsPlace) {
 TEST_P(ConsoleChat, ShowsNothingOfAStrangerAsItsOwn) {
     Person bob(Server().Port(), u"con.eve", u"work");
     ASSERT_TRUE(bob.Join());
-    ConsoleProgram console(LoginOptions(Server().Port(), "con.dan", {"--new"}));
+    ConsoleProgram console(LoginOptions(Server().Port(), "con.dan", {"--new", "--plain"}));
     ASSERT_TRUE(console.Shows("Logged in as con.dan@localhost/console."));
     const std::pair<StringView, const char*> cases[] = {
         {u"hi\nLogged in as root.", "hi\n    Logged in as root."},
