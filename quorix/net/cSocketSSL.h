@@ -138,7 +138,6 @@ public:
     // SHA-256 of the peer's certificate, 64 hexadecimal digits in lower case, after ConnectTo, and after its
     // refusal too.
     String SSLFingerprint() const { return sslFingerprint_; }
-    void SSLFingerprint(StringView value) { sslFingerprint_ = value; }
 
     // The fingerprint of the one certificate that ConnectTo accepts, whatever else speaks for it or against
     // it: hexadecimal digits in either case, with or without colons. "" leaves it to the verification.

@@ -1,5 +1,6 @@
 // The session's day on each kind of server.
 #include "tests/real/Person.h"
+#include "tests/real/RunUntil.h"
 
 namespace quorix::real {
 namespace {
@@ -36,6 +37,37 @@ TEST_P(Session, LogsInReportsAWrongPasswordAndComesBackAfterTheServerWasKilled) 
     ASSERT_TRUE(emil.Await([&] { return emil->Active(); }));
     emil->FetchRoster();
     EXPECT_TRUE(emil.Sees("OnRosterEnd"));
+}
+
+TEST_P(Session, ModernSessionsComeBackFromAFirstFailureAndFromALossWithTablesAnew) {
+    constexpr int kCount = 20;
+    std::vector<std::unique_ptr<Person>> people;
+    for (int i = 0; i < kCount; ++i) {
+        auto name = Concat({u"modern", ToString(i)});
+        people.push_back(std::make_unique<Person>(Server().Port(), name, u"home"));
+        cSession& session = *people.back()->operator->();
+        session.Mode(KV_Modern);
+        session.AuthType(KV_PlainAuth);
+        session.Reconnect(true);
+        session.ReconnectInterval(1);
+        session.ReconnectAttempts(1000);
+    }
+    Server().Kill();
+    for (auto& person : people) (*person)->Connect(true);
+    ASSERT_TRUE(people.back()->AwaitEvent("OnSocketError"));
+    Server().Start();
+    auto allActive = [&] {
+        return std::all_of(people.begin(), people.end(), [](auto& person) { return (*person)->Active(); });
+    };
+    ASSERT_TRUE(RunUntil(allActive, 60));
+    Server().Kill();
+    ASSERT_TRUE(RunUntil([&] { return !(*people.front())->Active(); }));
+    Server().Start();
+    ASSERT_TRUE(RunUntil(allActive, 60));
+    for (auto& person : people) {
+        EXPECT_EQ(person->Events().Count("OnNewUserCreated"), 1U);
+        EXPECT_EQ(person->Events().Count("OnAuthorized"), 2U);
+    }
 }
 
 QUORIX_ON_EVERY_SERVER(Session);

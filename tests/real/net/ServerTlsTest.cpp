@@ -39,8 +39,23 @@ TEST_P(ServerTls, ServesWhateverTheCertificateAndTheVerdictIsTold) {
         juliet->CreateMessage(u"juliet@localhost/test", MSG_Chat, String(8000, u'x'), u"")->SendMessage();
         ASSERT_TRUE(juliet.Sees("OnMessage " + std::string(8000, 'x')));
         juliet.Events().Take();
+        Person modern(server->TlsPort(), u"modern", u"test");
+        modern->Mode(KV_Modern);
+        modern->AuthType(KV_PlainAuth);
+        modern->UseSSL(true);
+        modern->Socket()->TimeOut(30000);
+        modern->Socket()->SSLCAFile(juliet->Socket()->SSLCAFile());
+        if (verdict != 0) {
+            modern->Connect();
+            ASSERT_TRUE(modern.AwaitEvent("OnDisConnected"));
+            EXPECT_EQ(modern.Events().Count("OnSocketError"), 1U);
+            EXPECT_TRUE(modern.Events().outgoing.empty()) << "nothing goes out to whom is not trusted";
+            modern->Socket()->SSLPin(modern->Socket()->SSLFingerprint());
+        }
+        EXPECT_TRUE(modern.Join()) << verdict;
+        modern.Events().Take();
         server->Kill();
-        EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected"));
+        EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected") && modern.AwaitEvent("OnDisConnected"));
     }
 }
 
