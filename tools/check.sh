@@ -1,0 +1,25 @@
+#!/bin/bash
+# The second gate: what a change must pass besides the tests. Its form comes first, since that takes seconds.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. tools/packages.sh
+. tools/steps.sh
+
+cat <<'TEXT'
+Checks format, includes and lint, runs the tests with sanitizers, and tries each fuzz target for a few seconds.
+On two processors this takes up to 20 minutes from nothing, and 5 when little has changed.
+TEXT
+need build console test check fuzz
+need_servers servers
+
+step "Format"
+tools/format.sh --dry-run -Werror
+step "Includes"
+tools/check_includes.py
+step "Lint"
+configure dev
+tools/lint.py build/dev
+build_and_test asan
+step "Fuzz"
+./run fuzz 5
+step "Done"

@@ -1,0 +1,13 @@
+# What the gates have in common. Sourced by them.
+
+step() { printf '\n== %s (%d s)\n' "$1" "$SECONDS"; }
+
+configure() { cmake --preset "$1" >/dev/null; }
+
+build_and_test() {
+    step "Build: $1"
+    configure "$1"
+    cmake --build --preset "$1"
+    step "Tests: $1"
+    ctest --preset "$1"
+}
