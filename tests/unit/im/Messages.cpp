@@ -68,12 +68,14 @@ TEST_F(MessageTest, EncodesItsTextsAndReadsThemBack) {
 
 TEST_F(MessageTest, TellsItsBodyFromThatOfItsMarkup) {
     auto message = New();
-    message->XHTML(u"<b>x</b>");
+    message->XHTML(u"<b>x</b> <i>y</i> z");
+    EXPECT_EQ(message->XHTML(), u"<b>x</b> <i>y</i> z");
     EXPECT_EQ(message->Body(), u"");
     message->Body(u"plain");
-    EXPECT_EQ(Content(*message),
-              R"(<html xmlns="http://www.w3.org/1999/xhtml"><body><b>x</b></body></html><body>plain</body>)");
-    EXPECT_EQ(Read(u"<body>1<b>2</b></body><body>3</body>").Body(), u"12");
+    EXPECT_EQ(
+        Content(*message),
+        R"(<html xmlns="http://www.w3.org/1999/xhtml"><body><b>x</b> <i>y</i> z</body></html><body>plain</body>)");
+    EXPECT_EQ(Read(u"<body>1<b>2</b> <i>3</i></body><body>4</body>").Body(), u"12 3");
 }
 
 TEST_F(MessageTest, AsksForEventsInOneElement) {
