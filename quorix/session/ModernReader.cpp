@@ -56,6 +56,11 @@ public:
         return TakeStanza();
     }
 
+    void Stop() override {
+        ended_ = true;
+        next_ = {};
+    }
+
 private:
     bool IsTooBig() const {
         return maxStanzaSize_ > 0 && parser_.PendingBytes() > static_cast<std::size_t>(maxStanzaSize_);

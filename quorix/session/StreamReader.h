@@ -41,6 +41,9 @@ public:
 
     // std::bad_alloc when memory has run out: the stream is of no use any more.
     virtual StreamStep Next() = 0;
+
+    // The session has ended; some of what was fed may not have been taken.
+    virtual void Stop() {}
 };
 
 std::unique_ptr<StreamReader> NewClassicReader();

@@ -214,6 +214,7 @@ void cSession::CloseSession(StringView code, StringView description) {
     {
         Flagged closing(closing_);
         line_->Closing();
+        if (reader_) reader_->Stop();
         authorized_ = streamOpen_ = active_ = false;
         roster_.StreamEnded();
         if (IsConnected()) SayGoodbye();

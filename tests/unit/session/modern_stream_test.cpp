@@ -43,6 +43,20 @@ TEST_F(ModernStream, RaisesAStanzaThatStandsBeforeTheBeginningOfAnotherOrTheClos
     EXPECT_FALSE(session->IsConnected());
 }
 
+TEST_F(ModernStream, TakesNothingThatStandsBehindItsEnd) {
+    const std::string more = "<message from='a@s'><body>2</body></message></stream:stream>";
+    OpenStream(false);
+    events->lines.clear();
+    EXPECT_EQ(Raised("<iq type='error' id='kv_login'><error code='401'/></iq>" + more),
+              (Lines{"OnError s 401 ", "OnDisConnected", "OnIQ"}));
+    LogIn();
+    events->hook = [&](const std::string& event) {
+        if (event == "OnMessage") session->Disconnect();
+    };
+    EXPECT_EQ(Raised("<message from='a@s'><body>1</body></message>" + more),
+              (Lines{"OnMessage 1", "OnDisConnected"}));
+}
+
 TEST_F(ModernStream, EndsWithTheReasonOfTheStreamError) {
     const std::string xmlns = " xmlns='urn:ietf:params:xml:ns:xmpp-streams'";
     const std::pair<std::string, std::string> cases[] = {
