@@ -1,6 +1,7 @@
 #include "tests/real/RealServer.h"
 
 #include <pwd.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "tests/real/Loopback.h"
 
@@ -42,12 +44,14 @@ RealServer::RealServer(std::string user, const Certificate* certificate)
 
 RealServer::~RealServer() {
     processes_.clear();
+    ending_.clear();
     std::error_code ignored;
     fs::remove_all(folder_, ignored);
 }
 
 void RealServer::Start() {
     if (!processes_.empty()) return;
+    ending_.clear();
     if (!configured_) Configure();
     configured_ = true;
     // What an earlier run wrote must not be taken for this one's.
@@ -66,6 +70,13 @@ void RealServer::Kill() {
     if (processes_.empty()) return;
     Settle();
     processes_.clear();
+}
+
+void RealServer::ShutDown() {
+    if (processes_.empty()) return;
+    Settle();
+    ending_ = std::exchange(processes_, {});
+    for (const auto& process : ending_) process->Signal(SIGTERM);
 }
 
 std::string RealServer::Contents(const fs::path& file) {

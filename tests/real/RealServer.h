@@ -36,6 +36,9 @@ public:
     // Ends the server without a word to its clients. Started again, it has the same port and accounts.
     void Kill();
 
+    // Asks the server to end, so that it may tell its clients; it is killed when it is started again.
+    void ShutDown();
+
     // Returns when the server has forgotten the sessions of clients that are gone.
     virtual void AwaitLogouts() {}
 
@@ -72,6 +75,7 @@ private:
     int tls_port_;
     bool configured_ = false;
     std::vector<std::unique_ptr<Process>> processes_;
+    std::vector<std::unique_ptr<Process>> ending_;
 };
 
 // Each not started yet. jabberd2 takes no certificate.
