@@ -129,7 +129,9 @@ public:
     // -- Keeping the line --
 
     // White space sent every KeepAliveInterval units of 64 seconds. Setting the interval to 0 also switches
-    // KeepAlive off; an interval of 0 or less is never armed. Both take effect at the next login.
+    // KeepAlive off; an interval of 0 or less is never armed. Both take effect at the next login. In
+    // KV_Modern a server that has been silent for one interval is asked something, and after another one the
+    // session ends with OnError 408.
     bool KeepAlive() const { return keepAlive_; }
     void KeepAlive(bool value) { keepAlive_ = value; }
     std::int16_t KeepAliveInterval() const { return keepAliveInterval_; }
@@ -137,6 +139,9 @@ public:
 
     // After a loss (not after Disconnect): connect again every ReconnectInterval seconds. A loss and the
     // attempt that follows it count as two against ReconnectAttempts. A negative interval is never armed.
+    // In KV_Modern also after a first attempt that failed; each wait is twice the one before, up to 16
+    // intervals, and up to a quarter shorter or longer; each attempt counts one, a login resets the count,
+    // and OnError 408 tells that the last one has failed.
     bool Reconnect() const { return reconnect_; }
     void Reconnect(bool value) { reconnect_ = value; }
     std::int16_t ReconnectAttempts() const { return static_cast<std::int16_t>(reconnectAttempts_); }
@@ -150,10 +155,11 @@ public:
     // the body of its own PUT request; a SOCKS5 proxy (RFC 1928) opens a tunnel first. With UseSSL, TLS is
     // spoken to the proxy itself, so it is the proxy's certificate that Socket shows.
     //
-    // A SOCKS5 proxy that refuses is not reported: the stream does not open, until somebody closes the
-    // connection. ProxyUsername, ProxyPassword and, with ProxyUseRemoteDNS, ServerAddress hold 255 characters
-    // at most; nothing is sent otherwise. Without ProxyUseRemoteDNS the server's address is looked up here,
-    // and OnSocketError with number 100 reports that it has none.
+    // In KV_Modern a SOCKS5 proxy that refuses is OnSocketError 102 with its reason, and the texts are text
+    // of 255 bytes in UTF-8. In KV_Classic it is not reported: the stream does not open, until somebody
+    // closes the connection. ProxyUsername, ProxyPassword and, with ProxyUseRemoteDNS, ServerAddress hold 255
+    // characters at most; nothing is sent otherwise. Without ProxyUseRemoteDNS the server's address is looked
+    // up here, and OnSocketError with number 100 reports that it has none.
 
     eProxyType ProxyType() const { return proxyType_; }
     void ProxyType(eProxyType value) { proxyType_ = value; }
@@ -188,9 +194,10 @@ public:
     String LocalIP() const { return socket_->LocalIP(); }
 
     // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
-    // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. TLS connects before Connect returns, so an
-    // application judges the certificate there, and Disconnects when it does not trust it: no password has
-    // been sent by then. Its events are the session's alone.
+    // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. In KV_Classic TLS connects before Connect
+    // returns, so an application judges the certificate there, and Disconnects when it does not trust it: no
+    // password has been sent by then. In KV_Modern what is not trusted, or is not the SSLPin, ends the
+    // session with OnSocketError 101 before anything was sent. Its events are the session's alone.
     const std::shared_ptr<cSocketSSL>& Socket() const { return socket_; }
 
     // -- Connection --
@@ -263,8 +270,8 @@ public:
 
     // -- The account (jabber:iq:register, XEP-0077) --
 
-    // OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the
-    // new password go out unescaped.
+    // OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the new password go out
+    // unescaped. In KV_Modern error 5 without TLS, unless AuthType is KV_PlainAuth.
     void ChangePassword(StringView NewPassword);
     // OnAccountRemoved follows.
     void RemoveAccount() { quorix::RemoveAccount(*this); }
