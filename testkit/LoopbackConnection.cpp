@@ -50,13 +50,13 @@ void LoopbackConnection::TakeIq(const Stanza& stanza) {
 }
 
 void LoopbackConnection::Result(const Stanza& stanza, StringView content) {
-    Send(Concat({u"<iq type='result' from='", stanza.root.Attribute(u"to"), u"' id='", stanza.id, u"'>",
+    Send(Concat({u"<iq type='result' from='", stanza.root.Attribute(u"to"), u"' id='", stanza.Id(), u"'>",
                  content, u"</iq>"}));
 }
 
 void LoopbackConnection::Error(const Stanza& stanza, StringView code, StringView text) {
     Send(Concat(
-        {u"<iq type='error' id='", stanza.id, u"'><error code='", code, u"'>", text, u"</error></iq>"}));
+        {u"<iq type='error' id='", stanza.Id(), u"'><error code='", code, u"'>", text, u"</error></iq>"}));
 }
 
 String LoopbackConnection::FullJid() const {
@@ -85,7 +85,7 @@ void LoopbackConnection::Login(const Stanza& stanza) {
     authorized_ = true;
     username_ = username;
     resource_ = query.Child(u"resource").Text();
-    Send(Concat({u"<iq type='result' id='", stanza.id, u"'/>"}));
+    Send(Concat({u"<iq type='result' id='", stanza.Id(), u"'/>"}));
 }
 
 bool LoopbackConnection::Proves(const LoopbackAccount& account, const ParsedNode& query) const {
@@ -113,7 +113,7 @@ void LoopbackConnection::Register(const Stanza& stanza) {
     } else {
         server_.AddAccount(query.Child(u"username").Text(), {.password = query.Child(u"password").Text()});
     }
-    Send(Concat({u"<iq type='result' id='", stanza.id, u"'/>"}));
+    Send(Concat({u"<iq type='result' id='", stanza.Id(), u"'/>"}));
 }
 
 // -- The contact --

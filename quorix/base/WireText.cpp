@@ -1,6 +1,7 @@
 #include "quorix/base/WireText.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quorix {
 
@@ -47,6 +48,14 @@ std::size_t Utf8Bound(StringView text) {
     return size;
 }
 
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+bool IsAsciiWord(const char* at) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, kWord);
+    return (word & 0x8080808080808080U) == 0;
+}
+
 struct Sequence {
     unsigned length;
     char32_t lead;
@@ -87,10 +96,15 @@ char16_t* PutUtf16(char16_t* out, char32_t code) {
 
 }  // namespace
 
-bool IsAscii(std::string_view bytes) {
-    unsigned char all = 0;
-    for (char byte : bytes) all |= static_cast<unsigned char>(byte);
-    return all < 0x80;
+bool IsAscii(std::string_view bytes) { return AsciiPrefix(bytes) == bytes.size(); }
+
+std::size_t AsciiPrefix(std::string_view bytes) {
+    std::size_t plain = 0;
+    while (plain + kWord <= bytes.size() && IsAsciiWord(bytes.data() + plain)) plain += kWord;
+    bool lastIsAscii = bytes.size() >= kWord && IsAsciiWord(bytes.data() + bytes.size() - kWord);
+    if (lastIsAscii && plain + kWord > bytes.size()) return bytes.size();
+    while (plain < bytes.size() && static_cast<unsigned char>(bytes[plain]) < 0x80) ++plain;
+    return plain;
 }
 
 String WireFromBytes(std::string_view bytes) {
@@ -121,13 +135,15 @@ std::string Utf8FromText(StringView text) {
 
 String TextFromUtf8(std::string_view utf8) {
     String result(utf8.size(), u'\0');
-    if (IsAscii(utf8)) {
-        std::transform(utf8.begin(), utf8.end(), result.begin(),
-                       [](char c) { return static_cast<char16_t>(c); });
-        return result;
-    }
     char16_t* out = result.data();
-    while (!utf8.empty()) out = PutUtf16(out, DecodeUtf8(utf8));
+    while (true) {
+        std::size_t plain = AsciiPrefix(utf8);
+        out = std::transform(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(plain), out,
+                             [](char c) { return static_cast<char16_t>(c); });
+        utf8.remove_prefix(plain);
+        if (utf8.empty()) break;
+        out = PutUtf16(out, DecodeUtf8(utf8));
+    }
     result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
 }

@@ -9,6 +9,7 @@
 namespace quorix {
 
 bool IsAscii(std::string_view bytes);
+std::size_t AsciiPrefix(std::string_view bytes);  // how many bytes at the front are ASCII
 
 String WireFromBytes(std::string_view bytes);
 

@@ -158,7 +158,10 @@ String EncodeUTF8(StringView text, bool escape) {
 }
 
 bool IsDecoded(StringView wire) {
-    return wire.size() > kMaxCodecUnits || (IsAscii(wire) && wire.find(u'&') == StringView::npos);
+    if (wire.size() > kMaxCodecUnits) return true;
+    unsigned found = 0;  // without a way out, so that many are looked at in one step
+    for (char16_t c : wire) found |= static_cast<unsigned>(c >= 0x80) | static_cast<unsigned>(c == u'&');
+    return found == 0;
 }
 
 String DecodeUTF8(StringView wire, bool unescape) {

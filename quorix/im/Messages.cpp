@@ -12,10 +12,13 @@ namespace {
 void RaiseMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
     auto message = std::make_shared<cMessage>(session, stanza.Node());
     session->Raise(&SessionEvents::OnMessage, message);
-    const bool noBody = message->Body().empty();
-    for (eEvent event : {KV_Composing, KV_Delivered, KV_Displayed, KV_Offline, KV_Cancelled}) {
-        if (!message->getEvent(event)) continue;
+    std::uint32_t events = message->Events();
+    if (events == 0) return;
+    const bool noBody = !message->HasBody();
+    for (eEvent event : {KV_Composing, KV_Delivered, KV_Displayed, KV_Offline}) {
+        if ((events & BitOf(event)) == 0) continue;
         session->Raise(&SessionEvents::OnMessageEvent, noBody, event, message->FromJid());
+        events = message->Events();  // a handler may have changed the message
     }
 }
 
@@ -33,11 +36,11 @@ StringView ReportElement(eEvent event) {
 void HandleMessage(const std::shared_ptr<SessionLink>& session, const Stanza& stanza) {
     if (stanza.IsError()) {
         StanzaError error = session->ErrorOf(stanza);
-        session->Raise(&SessionEvents::OnError, stanza.Node(), stanza.from, error.code, error.text);
+        session->Raise(&SessionEvents::OnError, stanza.Node(), stanza.From(), error.code, error.text);
     } else if (FindExtension(stanza.root, u"jabber:x:roster")) {
         ParseReceiveRoster(*session, *stanza.Node());
     } else if (ParsedNode invitation = FindExtension(stanza.root, u"jabber:x:conference")) {
-        session->Raise(&SessionEvents::OnGCInvite10, invitation.Attribute(u"jid"), stanza.from,
+        session->Raise(&SessionEvents::OnGCInvite10, invitation.Attribute(u"jid"), stanza.From(),
                        stanza.ChildText(u"body"), stanza.ChildText(u"subject"), stanza.Node());
     } else {
         RaiseMessage(session, stanza);

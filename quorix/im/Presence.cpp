@@ -80,7 +80,7 @@ void Forget(PresenceTable& table, const cPresenceItem& item) {
 void Disappear(const Arrival& arrival) {
     eItemType kind = arrival.session->FindItemType(arrival.bareJid);
     bool isRoom = kind == KV_GroupChatItem;
-    if (isRoom && arrival.session->LeaveRoom(arrival.bareJid, GetResource(arrival.stanza.from))) return;
+    if (isRoom && arrival.session->LeaveRoom(arrival.bareJid, GetResource(arrival.stanza.From()))) return;
     if (!isRoom) Forget(arrival.table, *arrival.item);
     arrival.RaisePresence(false, kind);
 }
@@ -123,8 +123,9 @@ void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& 
     const StringView type = Trim(stanza.type);
     const bool isAvailable = type.empty() || type == u"available";
     const bool isUnavailable = type == u"unavailable";
-    const String bareJid = ToLower(RemoveResource(stanza.from));
-    const String resource = GetResource(stanza.from);
+    const String from = stanza.From();
+    const String bareJid = ToLower(RemoveResource(from));
+    const String resource = GetResource(from);
 
     // A presence from a bare address finds the contact's primary entry, and takes it over on purpose: such a
     // sender has one presence, whatever it called its resource before. Presences about subscriptions and

@@ -81,6 +81,12 @@ void cMessage::ChildText(const Field& field, StringView value) {
     child.Text(text_.ToNode(value));
 }
 
+// Reading never makes nothing of something.
+bool cMessage::HasBody() const {
+    if (draft_) return !Body().empty();
+    return AskRoot([](const auto& root) { return root.Child(kBody.name).HasText(); });
+}
+
 String cMessage::xml() const { return draft_ ? draft_->Xml(text_) : node_->xml(); }
 
 String cMessage::FromJid() const {
@@ -147,10 +153,20 @@ void cMessage::AddEvent(eEvent event) {
 }
 
 bool cMessage::getEvent(eEvent event) const {
-    StringView name = NameOf(kEventNames, event);
-    if (name.empty()) return false;
-    return AskRoot(
-        [&](const auto& root) { return bool(FindExtension(root, u"jabber:x:event").Child(name)); });
+    return !NameOf(kEventNames, event).empty() && (Events() & BitOf(event)) != 0;
+}
+
+std::uint32_t cMessage::Events() const {
+    return AskRoot([](const auto& root) {
+        std::uint32_t events = 0;
+        auto child = FindExtension(root, u"jabber:x:event").FirstElement();
+        for (; child; child = child.NextElement()) {
+            for (eEvent event : {KV_Offline, KV_Composing, KV_Displayed, KV_Delivered}) {
+                if (child.Is(NameOf(kEventNames, event))) events |= BitOf(event);
+            }
+        }
+        return events;
+    });
 }
 
 String cMessage::XHTML() const {

@@ -40,6 +40,8 @@ enum eEvent : std::int32_t {
     KV_Cancelled = 4,  // no element: an event message without one withdraws a former event
 };
 
+constexpr std::uint32_t BitOf(eEvent event) { return 1U << static_cast<std::uint32_t>(event); }
+
 class cMessage {
 public:
     // A new message: the next id, no recipient, no type, from the local user's full address.
@@ -65,6 +67,7 @@ public:
     // "?" for each character above 255.
     String Body() const { return ChildText(kBody); }
     void Body(StringView value) { ChildText(kBody, value); }
+    bool HasBody() const;  // Body is not empty
     String Subject() const { return ChildText(kSubject); }
     void Subject(StringView value) { ChildText(kSubject, value); }
 
@@ -85,6 +88,8 @@ public:
     void AddEvent(eEvent event);
     // Whether the message asks for `event` or, sent as a report, is about it.
     bool getEvent(eEvent event) const;
+    // All of them at once, as bits.
+    std::uint32_t Events() const;
 
     // -- Formatted text --
 

@@ -8,8 +8,6 @@ Stanza::Stanza(ParsedXmlPtr whole, const ParsedNode& element)
     : tree(std::move(whole)),
       root(element ? element : tree->Root()),
       type(root.Attribute(u"type")),
-      from(root.Attribute(u"from")),
-      id(root.Attribute(u"id")),
       part_(element) {}
 
 const NodePtr& Stanza::Node() const {

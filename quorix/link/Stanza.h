@@ -10,7 +10,7 @@ namespace quorix {
 
 using NodePtr = std::shared_ptr<cXML_Node>;
 
-// `type`, `from` and `id` are the root element's own attributes, "" when missing.
+// `type`, From and Id are the root element's own attributes, "" when missing.
 struct Stanza {
     // Of `element`, which `whole` holds; without one, of all of it.
     explicit Stanza(ParsedXmlPtr whole, const ParsedNode& element = {});
@@ -21,6 +21,9 @@ struct Stanza {
 
     // `element`, which is part of this stanza, as a node of its own.
     NodePtr NodeOf(const ParsedNode& element) const;
+
+    String From() const { return root.Attribute(u"from"); }
+    String Id() const { return root.Attribute(u"id"); }
 
     // The first child element, or an empty node.
     ParsedNode Query() const { return root.FirstElement(); }
@@ -36,8 +39,6 @@ struct Stanza {
     ParsedXmlPtr tree;
     ParsedNode root;
     String type;
-    String from;
-    String id;
 
 private:
     ParsedNode part_;

@@ -83,7 +83,7 @@ void FillDataForm(cAgentItem& agent, const ParsedNode& x) {
 }  // namespace
 
 void Agents::HandleRegistrationForm(const Stanza& stanza) {
-    std::shared_ptr<cAgentItem> agent = LastWithJid(stanza.from);
+    std::shared_ptr<cAgentItem> agent = LastWithJid(stanza.From());
     if (!agent) return;
     FieldIndex fields(*agent);
     for (ParsedNode child = stanza.root.Child(u"query").FirstElement(); child; child = child.NextElement()) {

@@ -59,7 +59,7 @@ std::shared_ptr<cGroupChat> ReadRoom(const ParsedNode& element, StringView serve
 void HandleServer(SessionLink& link, const Stanza& stanza) {
     std::vector<std::shared_ptr<cGroupChat>> rooms;
     for (const ParsedNode& element : RoomElements(ConferenceOf(stanza))) {
-        rooms.push_back(ReadRoom(element, stanza.from));
+        rooms.push_back(ReadRoom(element, stanza.From()));
     }
     if (rooms.empty()) rooms.emplace_back();
     for (const auto& room : rooms) link.Raise(&SessionEvents::OnChatServerBrowseResult, room, stanza.Node());
@@ -88,9 +88,9 @@ void HandleRoom(SessionLink& link, const Stanza& stanza) {
     for (const ParsedNode& element : ChildrenWhere(ConferenceOf(stanza), IsEntry)) {
         entries.push_back(ReadEntry(stanza, element));
     }
-    link.Raise(&SessionEvents::OnChatRoomBrowseResult, stanza.from, stanza.Node());
+    link.Raise(&SessionEvents::OnChatRoomBrowseResult, stanza.From(), stanza.Node());
     for (const Entry& entry : entries) {
-        link.Raise(&SessionEvents::OnGroupChatItem, entry.item, stanza.from, entry.node);
+        link.Raise(&SessionEvents::OnGroupChatItem, entry.item, stanza.From(), entry.node);
     }
 }
 
@@ -104,8 +104,8 @@ void BrowseChatRoom(SessionLink& link, StringView jid, StringView id) { Browse(l
 
 void HandleBrowse(SessionLink& link, const Stanza& stanza) {
     if (!stanza.IsResult()) return;
-    if (StartsWith(stanza.id, kServerPrefix)) HandleServer(link, stanza);
-    if (StartsWith(stanza.id, kRoomPrefix)) HandleRoom(link, stanza);
+    if (StartsWith(stanza.Id(), kServerPrefix)) HandleServer(link, stanza);
+    if (StartsWith(stanza.Id(), kRoomPrefix)) HandleRoom(link, stanza);
 }
 
 }  // namespace quorix

@@ -30,11 +30,11 @@ void HandleConference(SessionLink& link, const Stanza& stanza) {
     if (!stanza.IsResult()) return;
     ParsedNode query = stanza.Query();
     auto room = std::make_shared<cGroupChat>();
-    SetAddress(*room, stanza.from);
+    SetAddress(*room, stanza.From());
     room->RoomName(query.Child(u"name").Text());
     room->NickName(query.Child(u"nick").Text());
     room->NeedPassword(static_cast<bool>(query.Child(u"secret")));
-    link.Raise(&SessionEvents::OnGroupChat, room, stanza.from, stanza.Node());
+    link.Raise(&SessionEvents::OnGroupChat, room, stanza.From(), stanza.Node());
 }
 
 }  // namespace quorix

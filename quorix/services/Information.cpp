@@ -47,26 +47,26 @@ void SendGetLastResponse(SessionLink& link, StringView jid, StringView seconds) 
 }
 
 void HandleVersion(SessionLink& link, const Stanza& stanza) {
-    if (stanza.IsGet()) link.Raise(&SessionEvents::OnVersionRequest, stanza.from, stanza.id);
+    if (stanza.IsGet()) link.Raise(&SessionEvents::OnVersionRequest, stanza.From(), stanza.Id());
     if (!stanza.IsResult()) return;
     ParsedNode query = stanza.Query();
-    link.Raise(&SessionEvents::OnVersionResult, stanza.from, query.Child(u"name").Text(),
+    link.Raise(&SessionEvents::OnVersionResult, stanza.From(), query.Child(u"name").Text(),
                query.Child(u"version").Text(), query.Child(u"os").Text());
 }
 
 void HandleTime(SessionLink& link, const Stanza& stanza) {
-    if (stanza.IsGet()) link.Raise(&SessionEvents::OnTimeRequest, stanza.from, stanza.id);
+    if (stanza.IsGet()) link.Raise(&SessionEvents::OnTimeRequest, stanza.From(), stanza.Id());
     if (!stanza.IsResult()) return;
     ParsedNode query = stanza.Query();
-    link.Raise(&SessionEvents::OnTimeResult, stanza.from, query.Child(u"utc").Text(),
+    link.Raise(&SessionEvents::OnTimeResult, stanza.From(), query.Child(u"utc").Text(),
                query.Child(u"display").Text());
 }
 
 void HandleLast(SessionLink& link, const Stanza& stanza) {
-    if (stanza.IsGet()) link.Raise(&SessionEvents::OnGetLastRequest, stanza.from, stanza.id);
+    if (stanza.IsGet()) link.Raise(&SessionEvents::OnGetLastRequest, stanza.From(), stanza.Id());
     if (!stanza.IsResult()) return;
     std::int32_t seconds = WireInt32(stanza.Query().Attribute(u"seconds"));
-    link.Raise(&SessionEvents::OnLastSeenResult, stanza.Node(), stanza.from, seconds);
+    link.Raise(&SessionEvents::OnLastSeenResult, stanza.Node(), stanza.From(), seconds);
 }
 
 }  // namespace quorix

@@ -27,10 +27,10 @@ void SendOOBComplete(SessionLink& link, StringView jid) {
 void HandleOob(SessionLink& link, const Stanza& stanza) {
     ParsedNode query = stanza.Query();
     if (stanza.IsSet()) {
-        link.Raise(&SessionEvents::OnOOBRequest, stanza.from, query.Child(u"desc").Text(),
+        link.Raise(&SessionEvents::OnOOBRequest, stanza.From(), query.Child(u"desc").Text(),
                    query.Child(u"url").Text());
     } else if (stanza.IsResult() || stanza.IsError()) {
-        link.Raise(&SessionEvents::OnOOBResult, stanza.from, stanza.IsResult());
+        link.Raise(&SessionEvents::OnOOBResult, stanza.From(), stanza.IsResult());
     }
 }
 

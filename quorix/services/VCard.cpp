@@ -179,7 +179,7 @@ void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza)
     if (!stanza.IsResult() || !EqualsIgnoringCase(element.Name(), u"VCARD")) return;
     std::shared_ptr<cVcard> card = ReadVCard(link->Text(), element);
     card->SetSession(link);
-    link->Raise(&SessionEvents::OnVCardResult, card, stanza.from, stanza.Node());
+    link->Raise(&SessionEvents::OnVCardResult, card, stanza.From(), stanza.Node());
 }
 
 }  // namespace quorix

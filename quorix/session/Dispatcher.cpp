@@ -36,7 +36,7 @@ void Contain(Step step) {
 
 // Servers leave the query out of a refusal, so an error is known by its id too.
 bool IsAgentList(const Stanza& stanza, StringView nameSpace) {
-    return stanza.id == kAgentListId && (nameSpace == u"jabber:iq:agents" || stanza.IsError());
+    return stanza.Id() == kAgentListId && (nameSpace == u"jabber:iq:agents" || stanza.IsError());
 }
 
 }  // namespace
@@ -84,7 +84,7 @@ void Dispatcher::IqError(const Stanza& stanza) {
     bool reported = stanza.Query().AttributeIs(u"xmlns", kOutOfBand);  // by OnOOBResult
     if (!stanza.IsError() || reported) return;
     StanzaError error = session_.ErrorOf(stanza);
-    session_.Raise(&SessionEvents::OnIQError, stanza.Node(), stanza.from, error.code, error.text);
+    session_.Raise(&SessionEvents::OnIQError, stanza.Node(), stanza.From(), error.code, error.text);
 }
 
 void Dispatcher::TakeToBranch(const Stanza& stanza) {
@@ -106,8 +106,9 @@ void Dispatcher::TakeToService(const Stanza& stanza, StringView nameSpace) {
 
 // A login or an account that is refused, at any step, where that ends the session.
 bool Dispatcher::Refusal(const Stanza& stanza) {
-    bool asked = stanza.id == kLoginId || stanza.id == kNewUserId ||
-                 (!session_.loginQueryId_.empty() && stanza.id == session_.loginQueryId_);
+    const String id = stanza.Id();
+    bool asked = id == kLoginId || id == kNewUserId ||
+                 (!session_.loginQueryId_.empty() && id == session_.loginQueryId_);
     if (!asked || !stanza.IsError() || !LoginPending() || !session_.rules_->RefusalEnds()) return false;
     StanzaError error = session_.ErrorOf(stanza);
     session_.EndForGood(ToString(error.code), error.text);
@@ -115,10 +116,11 @@ bool Dispatcher::Refusal(const Stanza& stanza) {
 }
 
 bool Dispatcher::AccountReply(const Stanza& stanza) {
-    bool login = stanza.id == kLoginId;
-    bool newUser = stanza.id == kNewUserId;
-    bool changePass = stanza.id == kChangePasswordId;
-    bool removeAccount = stanza.id == kRemoveAccountId;
+    const String id = stanza.Id();
+    bool login = id == kLoginId;
+    bool newUser = id == kNewUserId;
+    bool changePass = id == kChangePasswordId;
+    bool removeAccount = id == kRemoveAccountId;
     bool known = login || newUser || changePass || removeAccount;
     if (!known || (!stanza.IsResult() && !stanza.IsError())) return false;
     if (stanza.IsError()) {
@@ -129,7 +131,7 @@ bool Dispatcher::AccountReply(const Stanza& stanza) {
     if (login) LoginReply(stanza);
     if (newUser) NewUserReply(stanza);
     if (changePass) session_.Raise(&SessionEvents::OnChangedPassword);
-    if (removeAccount) session_.Raise(&SessionEvents::OnAccountRemoved, stanza.from, stanza.id);
+    if (removeAccount) session_.Raise(&SessionEvents::OnAccountRemoved, stanza.From(), id);
     return true;
 }
 
@@ -187,7 +189,7 @@ void Dispatcher::SearchReply(const Stanza& stanza) { session_.search_.Handle(ses
 void Dispatcher::VCardReply(const Stanza& stanza) { HandleVCard(self_, stanza); }
 
 void Dispatcher::WithoutQuery(const Stanza& stanza) {
-    if (stanza.IsResult()) session_.Raise(&SessionEvents::OnIQResult, stanza.Node(), stanza.from);
+    if (stanza.IsResult()) session_.Raise(&SessionEvents::OnIQResult, stanza.Node(), stanza.From());
 }
 
 }  // namespace quorix

@@ -212,7 +212,7 @@ void ModernLine::Ask() {
 }
 
 bool ModernLine::IsOwnAnswer(const Stanza& stanza) {
-    bool isAnswer = !questionId_.empty() && stanza.id == questionId_ && !stanza.IsGet() && !stanza.IsSet();
+    bool isAnswer = !questionId_.empty() && stanza.Id() == questionId_ && !stanza.IsGet() && !stanza.IsSet();
     if (isAnswer) questionId_.clear();
     return isAnswer;
 }

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "quorix/base/String.h"
-#include "quorix/xml/ParsedXml.h"
 
 namespace quorix {
 
@@ -64,6 +63,5 @@ template <class Node>
 Node FindExtension(const Node& top, StringView xmlns) {
     return FindElement(top, u"x", xmlns);
 }
-inline ParsedNode FindExtension(const ParsedNode& top, StringView xmlns) { return top.FindExtension(xmlns); }
 
 }  // namespace quorix

@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "quorix/base/WireText.h"
 #include "quorix/xml/XmlLimits.h"
 
 namespace quorix {
@@ -41,6 +42,28 @@ void AppendBytesOfLetters(std::string& out, std::string_view text) {
     }
 }
 
+// Memory for one object and, behind it, for `size` bytes, of which it tells the place.
+template <class T>
+struct WithTail {
+    using value_type = T;
+
+    WithTail(std::size_t theSize, char** thePlace) : size(theSize), place(thePlace) {}
+    template <class Other>
+    WithTail(const WithTail<Other>& other)  // NOLINT(google-explicit-constructor): allocators convert
+        : size(other.size), place(other.place) {}
+
+    T* allocate(std::size_t count) {
+        char* block = static_cast<char*>(::operator new(count * sizeof(T) + size));
+        *place = block + count * sizeof(T);
+        return reinterpret_cast<T*>(block);
+    }
+    void deallocate(T* block, std::size_t) { ::operator delete(block); }
+    bool operator==(const WithTail&) const = default;
+
+    std::size_t size;
+    char** place;
+};
+
 bool IsBlankUtf8(std::string_view text) {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
@@ -58,37 +81,39 @@ void CopyTo(char* block, const Items& items) {
 }  // namespace
 
 void AppendLettersOfBytes(std::string& out, std::string_view bytes) {
-    for (char c : bytes) {
-        if (Unsigned(c) < 0x80) {
-            out += c;
-            continue;
-        }
-        unsigned letter = kFirstLetter + Unsigned(c);
-        out += static_cast<char>(0xE0U | (letter >> 12U));
-        out += static_cast<char>(0x80U | ((letter >> 6U) & 0x3FU));
-        out += static_cast<char>(0x80U | (letter & 0x3FU));
+    while (true) {
+        std::size_t plain = AsciiPrefix(bytes);
+        out += bytes.substr(0, plain);
+        if (plain == bytes.size()) return;
+        unsigned letter = kFirstLetter + Unsigned(bytes[plain]);
+        const char utf8[] = {static_cast<char>(0xE0U | (letter >> 12U)),
+                             static_cast<char>(0x80U | ((letter >> 6U) & 0x3FU)),
+                             static_cast<char>(0x80U | (letter & 0x3FU))};
+        out.append(utf8, sizeof utf8);
+        bytes.remove_prefix(plain + 1);
     }
 }
 
-ParsedXml::Span ParsedBuilder::Put(std::string_view text) {
+std::uint32_t ParsedBuilder::Put(std::string_view text) {
     std::size_t at = chars_.size();
     letters_ ? AppendBytesOfLetters(chars_, text) : void(chars_ += text);
     if (chars_.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    return {static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(chars_.size() - at)};
+    return static_cast<std::uint32_t>(chars_.size() - at);
 }
 
 std::uint32_t ParsedBuilder::Append(XmlKind kind, std::string_view text) {
     auto index = static_cast<std::uint32_t>(nodes_.size());
     ParsedXml::Node node;
     node.kind = kind;
-    node.text = Put(text);
+    node.text.at = At();
+    node.text.size = Put(text);
     if (!open_.empty()) node.parent = open_.back().index;
     nodes_.push_back(node);
     std::uint32_t& last = open_.empty() ? lastAtTop_ : open_.back().last;
     if (last != ParsedXml::kNone) {
         nodes_[last].next = index;
     } else if (!open_.empty()) {
-        nodes_[open_.back().index].first = index;
+        nodes_[open_.back().index].toFirst = 1;
     }
     last = index;
     return index;
@@ -99,13 +124,16 @@ void ParsedBuilder::Start(std::string_view name, const char* const* attributes) 
     if (!open_.empty()) open_.back().hasElement = true;
     auto first = static_cast<std::uint32_t>(attributes_.size());
     std::uint32_t index = Append(XmlKind::Element, name);
-    if (name == "x") extensions_.push_back(index);
     for (; *attributes != nullptr; attributes += 2) {
-        ParsedXml::Span key = Put(attributes[0]);
-        attributes_.push_back({key, Put(attributes[1])});
+        ParsedXml::Attribute& attribute = attributes_.emplace_back();
+        attribute.at = At();
+        attribute.nameSize = Put(attributes[0]);
+        attribute.valueSize = Put(attributes[1]);
     }
+    std::size_t count = attributes_.size() - first;
+    if (count > ParsedXml::kMostAttributes) throw std::bad_alloc();
     nodes_[index].attributes = first;
-    nodes_[index].attributeCount = static_cast<std::uint32_t>(attributes_.size()) - first;
+    nodes_[index].attributeCount = static_cast<std::uint32_t>(count);
     open_.push_back({index});
     tooDeep_ = tooDeep_ || open_.size() > kMaxXmlDepth;
 }
@@ -119,7 +147,7 @@ void ParsedBuilder::End() {
 
 void ParsedBuilder::Text(std::string_view text) {
     if (inText_) {
-        nodes_.back().text.size += Put(text).size;
+        nodes_.back().text.size += Put(text);
     } else {
         Append(XmlKind::Text, text);
         inText_ = true;
@@ -142,15 +170,22 @@ void ParsedBuilder::Leaf(XmlKind kind, std::string_view content) {
 }
 
 void ParsedBuilder::DropBlankChildren(std::uint32_t element) {
-    std::uint32_t* link = &nodes_[element].first;
-    while (*link != ParsedXml::kNone) {
-        ParsedXml::Node& child = nodes_[*link];
-        if (child.kind == XmlKind::Text) {
-            *link = child.next;
-        } else {
-            link = &child.next;
+    std::uint32_t kept = ParsedXml::kNone;
+    std::uint32_t child = element + 1;
+    nodes_[element].toFirst = 0;
+    while (child != ParsedXml::kNone) {
+        std::uint32_t next = nodes_[child].next;
+        if (nodes_[child].kind != XmlKind::Text) {
+            if (kept == ParsedXml::kNone) {
+                nodes_[element].toFirst = child - element;
+            } else {
+                nodes_[kept].next = child;
+            }
+            kept = child;
         }
+        child = next;
     }
+    nodes_[kept].next = ParsedXml::kNone;
 }
 
 bool ParsedBuilder::IsBlank() const {
@@ -158,21 +193,17 @@ bool ParsedBuilder::IsBlank() const {
 }
 
 ParsedXmlPtr ParsedBuilder::Take() {
-    auto tree = std::make_shared<ParsedXml>(ParsedXml::Key());
     std::size_t nodes = SizeOf(nodes_);
     std::size_t attributes = SizeOf(attributes_);
-    std::size_t extensions = SizeOf(extensions_);
-    tree->block_ = std::make_unique_for_overwrite<char[]>(nodes + attributes + extensions + chars_.size());
-    char* block = tree->block_.get();
-    CopyTo(block, nodes_);
-    CopyTo(block + nodes, attributes_);
-    CopyTo(block + nodes + attributes, extensions_);
-    CopyTo(block + nodes + attributes + extensions, chars_);
-    tree->nodes_ = reinterpret_cast<const ParsedXml::Node*>(block);
-    tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(block + nodes);
-    tree->extensions_ = reinterpret_cast<const std::uint32_t*>(block + nodes + attributes);
-    tree->extensionCount_ = static_cast<std::uint32_t>(extensions_.size());
-    tree->chars_ = block + nodes + attributes + extensions;
+    char* tail = nullptr;
+    auto tree = std::allocate_shared<ParsedXml>(
+        WithTail<ParsedXml>{nodes + attributes + chars_.size(), &tail}, ParsedXml::Key());
+    CopyTo(tail, nodes_);
+    CopyTo(tail + nodes, attributes_);
+    CopyTo(tail + nodes + attributes, chars_);
+    tree->nodes_ = reinterpret_cast<const ParsedXml::Node*>(tail);
+    tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(tail + nodes);
+    tree->chars_ = tail + nodes + attributes;
     tree->nodeCount_ = static_cast<std::uint32_t>(nodes_.size());
     tree->tooDeep_ = tooDeep_;
     Clear();
@@ -182,7 +213,6 @@ ParsedXmlPtr ParsedBuilder::Take() {
 void ParsedBuilder::Clear() {
     nodes_.clear();
     attributes_.clear();
-    extensions_.clear();
     chars_.clear();
     open_.clear();
     lastAtTop_ = ParsedXml::kNone;

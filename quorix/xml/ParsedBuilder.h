@@ -43,7 +43,9 @@ private:
     };
 
     std::uint32_t Append(XmlKind kind, std::string_view text);
-    ParsedXml::Span Put(std::string_view text);
+    // Appends `text` to the characters; its size there.
+    std::uint32_t Put(std::string_view text);
+    std::uint32_t At() const { return static_cast<std::uint32_t>(chars_.size()); }
     void EndText();
     void DropBlankChildren(std::uint32_t element);
     void KeepSmall();
@@ -51,7 +53,6 @@ private:
     std::vector<ParsedXml::Node> nodes_;
     std::vector<ParsedXml::Attribute> attributes_;
     std::string chars_;
-    std::vector<std::uint32_t> extensions_;
     std::vector<Open> open_;
     std::uint32_t lastAtTop_ = ParsedXml::kNone;
     bool inText_ = false;  // the last node is text that may go on

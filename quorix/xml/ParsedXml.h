@@ -1,6 +1,6 @@
 // XML as it was parsed: a tree that never changes.
 //
-// All of a tree stands in one block of memory, in document order, and dies with it. Reading converts what is
+// All of a tree stands in one piece of memory, in document order. Reading converts what is
 // read, when it is read. For editing and for XPath there is XmlDocument, which is made from a tree when it is
 // asked for.
 //
@@ -59,10 +59,6 @@ public:
     ParsedNode NextElement() const;
     ParsedNode Child(StringView name) const;  // the first child element of this name
 
-    // The first `x` element of this `xmlns`, this one and what is below it. Every message is asked for
-    // several.
-    ParsedNode FindExtension(StringView xmlns) const;
-
     // The next node in document order below `top`; empty at its end.
     ParsedNode Following(const ParsedNode& top) const;
 
@@ -110,43 +106,91 @@ private:
         std::uint32_t at = 0;
         std::uint32_t size = 0;
     };
+    // A value stands behind its name.
     struct Attribute {
-        Span name;
-        Span value;
+        std::uint32_t at = 0;
+        std::uint32_t nameSize = 0;
+        std::uint32_t valueSize = 0;
     };
+    // Its first child stands behind a node, or behind one blank text that was dropped.
     struct Node {
         std::uint32_t parent = kNone;
         std::uint32_t next = kNone;
-        std::uint32_t first = kNone;  // child
+        Span text;  // the name of an element, the content of a leaf, "target data" of an instruction
         std::uint32_t attributes = 0;
-        std::uint32_t attributeCount = 0;  // of an instruction, none
-        Span text;                         // the name of an element, the content of a leaf, "target data"
-        XmlKind kind = XmlKind::Element;
+        std::uint32_t attributeCount : 27 = 0;
+        std::uint32_t toFirst : 2 = 0;  // how far behind the first child stands; 0 without one
+        XmlKind kind : 3 = XmlKind::Element;
     };
+    static constexpr std::uint32_t kMostAttributes = (1U << 27U) - 1;
 
     std::string_view View(Span span) const { return {chars_ + span.at, span.size}; }
+    std::string_view NameOf(const Attribute& attribute) const {
+        return {chars_ + attribute.at, attribute.nameSize};
+    }
+    std::string_view ValueOf(const Attribute& attribute) const {
+        return {chars_ + attribute.at + attribute.nameSize, attribute.valueSize};
+    }
     const Attribute* Find(const Node& element, StringView name) const;
-    std::uint32_t EndOf(std::uint32_t index) const;
 
-    std::unique_ptr<char[]> block_;
+    // All of it stands behind this object, in the same piece of memory.
     const Node* nodes_ = nullptr;
     const Attribute* attributes_ = nullptr;
-    const std::uint32_t* extensions_ = nullptr;  // the elements called "x"
     const char* chars_ = nullptr;
     std::uint32_t nodeCount_ = 0;
-    std::uint32_t extensionCount_ = 0;
     bool tooDeep_ = false;
 
 public:
     explicit ParsedXml(Key) {}
 };
 
+// -- What every look-up consists of --
+
+bool EqualsBeyondAscii(std::string_view utf8, StringView text);
+
+// Most names are ASCII, and most that differ do so in their length. In UTF-8, all other text is longer.
+inline bool EqualsText(std::string_view utf8, StringView text) {
+    if (utf8.size() > text.size()) return EqualsBeyondAscii(utf8, text);
+    if (utf8.size() < text.size()) return false;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        if (text[i] != static_cast<unsigned char>(utf8[i]) || text[i] >= 0x80) return false;
+    }
+    return true;
+}
+
+inline XmlKind ParsedNode::Kind() const { return tree_->nodes_[index_].kind; }
+inline bool ParsedNode::Is(StringView name) const {
+    return IsElement() && EqualsText(tree_->View(tree_->nodes_[index_].text), name);
+}
+
+inline ParsedNode ParsedNode::Parent() const {
+    std::uint32_t parent = tree_ ? tree_->nodes_[index_].parent : ParsedXml::kNone;
+    return parent == ParsedXml::kNone ? ParsedNode() : ParsedNode(tree_, parent);
+}
+inline ParsedNode ParsedNode::FirstChild() const {
+    std::uint32_t toFirst = tree_ ? tree_->nodes_[index_].toFirst : 0;
+    return toFirst == 0 ? ParsedNode() : ParsedNode(tree_, index_ + toFirst);
+}
+inline ParsedNode ParsedNode::NextSibling() const {
+    std::uint32_t next = tree_ ? tree_->nodes_[index_].next : ParsedXml::kNone;
+    return next == ParsedXml::kNone ? ParsedNode() : ParsedNode(tree_, next);
+}
+inline ParsedNode ParsedNode::Following(const ParsedNode& top) const {
+    if (ParsedNode first = FirstChild()) return first;
+    ParsedNode node = *this;
+    while (node != top) {
+        if (ParsedNode next = node.NextSibling()) return next;
+        node = node.Parent();
+    }
+    return {};
+}
+
 template <class Visit>
 void ParsedNode::ForEachRawAttribute(Visit visit) const {
     const ParsedXml::Node& node = tree_->nodes_[index_];
     for (std::uint32_t i = 0; i < node.attributeCount; ++i) {
         const ParsedXml::Attribute& attribute = tree_->attributes_[node.attributes + i];
-        visit(tree_->View(attribute.name), tree_->View(attribute.value));
+        visit(tree_->NameOf(attribute), tree_->ValueOf(attribute));
     }
 }
 

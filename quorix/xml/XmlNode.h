@@ -47,6 +47,7 @@ public:
 
     // The text of all descendants in one; the value of an attribute; the content of other nodes.
     String Text() const;
+    bool HasText() const { return !Text().empty(); }
     // Drops the children and puts `value` in their place.
     void Text(StringView value);
 

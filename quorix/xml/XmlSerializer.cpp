@@ -1,6 +1,6 @@
 #include "quorix/xml/XmlSerializer.h"
 
-#include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "quorix/base/XmlText.h"
@@ -10,17 +10,31 @@ namespace quorix {
 
 namespace {
 
+constexpr std::size_t kMostStanzas = 480;  // have no longer text
+
+using Specials = std::array<bool, 256>;
+
+constexpr Specials SpecialsOf(std::string_view characters) {
+    Specials specials{};
+    for (char c : characters) specials[static_cast<unsigned char>(c)] = true;
+    return specials;
+}
+
 // White space that a parser would take for something else is written as a reference.
+constexpr Specials kInContent = SpecialsOf("&<>\r");
+constexpr Specials kInQuotes = SpecialsOf("&<>\"\t\n\r");
+
 void AppendEscaped(std::string& out, std::string_view text, Place place) {
-    std::string_view special = place == Place::Content ? "&<>\r" : "&<>\"\t\n\r";
-    while (true) {
-        std::size_t plain = std::min(text.find_first_of(special), text.size());
-        out += text.substr(0, plain);
-        if (plain == text.size()) return;
-        StringView reference = ReferenceOf(static_cast<unsigned char>(text[plain]), place);
-        out.append(reference.begin(), reference.end());
-        text.remove_prefix(plain + 1);
+    const Specials& specials = place == Place::Content ? kInContent : kInQuotes;
+    std::size_t copied = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        auto byte = static_cast<unsigned char>(text[at]);
+        if (!specials[byte]) continue;
+        StringView reference = ReferenceOf(byte, place);
+        out.append(text, copied, at - copied).append(reference.begin(), reference.end());
+        copied = at + 1;
     }
+    out.append(text, copied);
 }
 
 void AppendAttribute(std::string& out, std::string_view name, std::string_view value) {
@@ -137,6 +151,7 @@ std::string Serialize(const xmlNode* top) {
 
 std::string Serialize(const ParsedNode& top) {
     std::string out;
+    out.reserve(kMostStanzas);
     AppendNode(out, top);
     return out;
 }
