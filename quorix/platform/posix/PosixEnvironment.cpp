@@ -81,7 +81,11 @@ void EndSendingAndDrain(int descriptor) {
     }
 }
 
-bool IsMainThread() { return gettid() == getpid(); }
+// Asked for with every piece that arrives, so the system is asked once.
+bool IsMainThread() {
+    thread_local const bool isMain = gettid() == getpid();
+    return isMain;
+}
 
 }  // namespace
 
