@@ -53,28 +53,37 @@ struct Line {
     std::shared_ptr<Reader> reader = std::make_shared<Reader>();
 };
 
-// 200 bytes.
-std::string MessageOfTwoHundredBytes() {
+std::string MessageOf(std::size_t size) {
     std::string message =
         "<message type='chat' id='m1' to='juliet@example.org/balcony' from='romeo@example.net/orchard'>"
         "<subject>s</subject><thread>t1</thread><body></body></message>";
-    message.insert(message.find("</body>"), std::string(200 - message.size(), 'x'));
+    message.insert(message.find("</body>"), std::string(size - message.size(), 'x'));
     return message;
 }
 
-// `state.range(0)` stanzas of 200 bytes, written back to back.
-void InboundFlood(benchmark::State& state) {
+// `state.range(0)` stanzas of `state.range(1)` bytes, written back to back. The sizes divide no chunk, so
+// that stanzas begin and end everywhere in it.
+void InboundFlood(benchmark::State& state, eMode mode) {
     Line line;
+    line.session->Mode(mode);
     line.LogIn();
+    std::string message = MessageOf(static_cast<std::size_t>(state.range(1)));
     std::string flood;
-    for (std::int64_t i = 0; i < state.range(0); ++i) flood += MessageOfTwoHundredBytes();
+    for (std::int64_t i = 0; i < state.range(0); ++i) flood += message;
     for (auto _ : state) line.Say(flood);
     if (line.reader->messages != static_cast<std::int64_t>(state.iterations()) * state.range(0)) {
         state.SkipWithError("messages were lost");
     }
     state.SetItemsProcessed(line.reader->messages);
 }
-BENCHMARK(InboundFlood)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(InboundFlood, Classic, KV_Classic)
+    ->Args({100000, 207})
+    ->Args({10000, 1313})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(InboundFlood, Modern, KV_Modern)
+    ->Args({100000, 207})
+    ->Args({10000, 1313})
+    ->Unit(benchmark::kMillisecond);
 
 // One stanza of `state.range(0)` bytes in chunks of 2000.
 void InboundLongStanza(benchmark::State& state) {
