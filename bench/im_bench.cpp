@@ -35,9 +35,9 @@ public:
     PresenceTable presences;
     RosterTable roster;
 
-    void Presence(const NodePtr& node) { HandlePresence(shared_from_this(), presences, Stanza(node)); }
-    void Message(const NodePtr& node) { HandleMessage(shared_from_this(), Stanza(node)); }
-    void Iq(const NodePtr& node) { roster.ParseRoster(shared_from_this(), presences, Stanza(node)); }
+    void Presence(const ParsedXmlPtr& node) { HandlePresence(shared_from_this(), presences, Stanza(node)); }
+    void Message(const ParsedXmlPtr& node) { HandleMessage(shared_from_this(), Stanza(node)); }
+    void Iq(const ParsedXmlPtr& node) { roster.ParseRoster(shared_from_this(), presences, Stanza(node)); }
 
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     const TextRules& Text() const override { return ClassicText(); }
@@ -56,11 +56,7 @@ public:
     void ForEachSink(const std::function<void(SessionEvents&)>& raise) override { raise(reader); }
 };
 
-NodePtr Node(StringView xml) {
-    auto node = std::make_shared<cXML_Node>();
-    node->xml(xml);
-    return node;
-}
+ParsedXmlPtr Node(StringView xml) { return ParsedXml::FromText(xml); }
 
 String Number(std::int64_t i) { return ToString(i); }
 
@@ -75,7 +71,7 @@ String Roster(StringView type, StringView items) {
 
 void MessageReceived(benchmark::State& state) {
     auto session = std::make_shared<Session>();
-    NodePtr node = Node(
+    ParsedXmlPtr node = Node(
         u"<message from='ann@example.org/Home' to='me@example.org' type='chat' id='m1'><body>Hello there, "
         u"how are you?</body><x xmlns='jabber:x:event'><composing/></x></message>");
     for (auto _ : state) session->Message(node);
@@ -92,8 +88,8 @@ BENCHMARK(MessageSent);
 // Presences of as many senders as the argument says: arriving, again and again, and leaving.
 template <class From>
 void Presences(benchmark::State& state, From from) {
-    std::vector<NodePtr> arrivals;
-    std::vector<NodePtr> departures;
+    std::vector<ParsedXmlPtr> arrivals;
+    std::vector<ParsedXmlPtr> departures;
     for (std::int64_t i = 0; i < state.range(0); ++i) {
         String start = Concat({u"<presence from='", from(i)});
         arrivals.push_back(
@@ -103,9 +99,9 @@ void Presences(benchmark::State& state, From from) {
     for (auto _ : state) {
         auto session = std::make_shared<Session>();
         for (int round = 0; round < 2; ++round) {
-            for (const NodePtr& node : arrivals) session->Presence(node);
+            for (const ParsedXmlPtr& node : arrivals) session->Presence(node);
         }
-        for (const NodePtr& node : departures) session->Presence(node);
+        for (const ParsedXmlPtr& node : departures) session->Presence(node);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0) * 3);
 }
@@ -123,18 +119,18 @@ BENCHMARK(PresencesOfOneContact)->Arg(20000)->Arg(40000)->Unit(benchmark::kMilli
 // The roster in one stanza, then a change and a removal of each contact.
 void RosterAndPushes(benchmark::State& state) {
     String all;
-    std::vector<NodePtr> pushes;
+    std::vector<ParsedXmlPtr> pushes;
     for (std::int64_t i = 0; i < state.range(0); ++i) {
         all += Item(i, u"both");
         pushes.push_back(Node(Roster(u"set", Item(i, u"to"))));
     }
     for (std::int64_t i = 0; i < state.range(0); ++i)
         pushes.push_back(Node(Roster(u"set", Item(i, u"remove"))));
-    NodePtr result = Node(Roster(u"result", all));
+    ParsedXmlPtr result = Node(Roster(u"result", all));
     for (auto _ : state) {
         auto session = std::make_shared<Session>();
         session->Iq(result);
-        for (const NodePtr& push : pushes) session->Iq(push);
+        for (const ParsedXmlPtr& push : pushes) session->Iq(push);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0) * 3);
 }
