@@ -70,7 +70,12 @@ public:
     void Add(T item) { Append({std::move(item)}); }
     void Add(T item, StringView key) {
         if (!byKey_.try_emplace(String(key), next_).second) throw AutomationError(ERR_KeyInUse);
-        Append({std::move(item), true, String(key)});
+        try {
+            Append({std::move(item), true, String(key)});
+        } catch (...) {
+            byKey_.erase(byKey_.find(key));
+            throw;
+        }
     }
 
     // 1 to Count; error 9 outside. Error 5 for an unknown key.
@@ -97,7 +102,7 @@ public:
     const_iterator end() const { return const_iterator(elements_.end()); }
 
 protected:
-    // For a collection that finds its elements by more than index and key.
+    // For a collection that finds its elements by more than index and key. What throws has changed nothing.
     virtual void Entered(Sequence, const T&) {}
     virtual void Leaving(Sequence, const T&) {}
 
@@ -122,7 +127,13 @@ protected:
 private:
     void Append(Element element) {
         Sequence sequence = next_++;
-        Entered(sequence, elements_.insert({sequence, std::move(element)}).first->second.item);
+        auto made = elements_.insert({sequence, std::move(element)}).first;
+        try {
+            Entered(sequence, made->second.item);
+        } catch (...) {
+            elements_.erase(made);
+            throw;
+        }
     }
 
     void Erase(Sequence sequence) {

@@ -5,14 +5,19 @@
 namespace quorix {
 
 void PresenceIndex::Learn(Sequence sequence, const cPresenceItem& item) {
+    Contact learnt;
+    learnt.byResource.emplace(item.Resource(), sequence);
+    learnt.byPriority.emplace(item.Priority(), sequence);
+    learnt.all.insert(sequence);
     Contact& contact = contacts_[item.JID()];
-    contact.byResource.emplace(item.Resource(), sequence);
-    contact.byPriority.emplace(item.Priority(), sequence);
-    contact.all.insert(sequence);
+    contact.byResource.merge(learnt.byResource);
+    contact.byPriority.merge(learnt.byPriority);
+    contact.all.merge(learnt.all);
 }
 
 void PresenceIndex::Forget(Sequence sequence, const cPresenceItem& item) {
     auto found = contacts_.find(item.JID());
+    if (found == contacts_.end()) return;
     Contact& contact = found->second;
     contact.byResource.erase({item.Resource(), sequence});
     contact.byPriority.erase({item.Priority(), sequence});

@@ -54,15 +54,22 @@ private:
     std::vector<Place> places_;
 };
 
-// `Index` holds what is needed to find a record: Learn(sequence, record) and Forget(sequence, record). A null
-// that the application has added is never found.
+// `Index` holds what is needed to find a record: Learn(sequence, record) and Forget(sequence, record), which
+// change nothing when memory runs out; a record that was not learnt may be forgotten. A null that the
+// application has added is never found.
 template <class Record, class Index>
 class RecordTable : public Collection<std::shared_ptr<Record>>, private RecordWatcher {
 public:
     RecordTable() = default;
     RecordTable(const RecordTable&) = delete;
     RecordTable& operator=(const RecordTable&) = delete;
-    ~RecordTable() override { this->Clear(); }
+    // Whatever memory there is: the index goes as a whole.
+    ~RecordTable() override {
+        for (const std::shared_ptr<Record>& record : *this) {
+            if (record)
+                std::erase_if(record->places_, [this](const auto& place) { return place.table == this; });
+        }
+    }
 
 protected:
     const Index& GetIndex() const { return index_; }
@@ -71,7 +78,12 @@ private:
     void Entered(Sequence sequence, const std::shared_ptr<Record>& record) final {
         if (!record) return;
         record->places_.push_back({this, sequence});
-        index_.Learn(sequence, *record);
+        try {
+            index_.Learn(sequence, *record);
+        } catch (...) {
+            record->places_.pop_back();
+            throw;
+        }
     }
     void Leaving(Sequence sequence, const std::shared_ptr<Record>& record) final {
         if (!record) return;

@@ -23,11 +23,14 @@ void AddGroups(const TextRules& rules, cRosterItem& item, const ParsedNode& elem
 }  // namespace
 
 void RosterIndex::Learn(Sequence sequence, const cRosterItem& item) {
-    byFoldedJid_[ToLower(item.JID())].emplace(item.JID(), sequence);
+    Ordered<String> learnt;
+    learnt.emplace(item.JID(), sequence);
+    byFoldedJid_[ToLower(item.JID())].merge(learnt);
 }
 
 void RosterIndex::Forget(Sequence sequence, const cRosterItem& item) {
     auto found = byFoldedJid_.find(ToLower(item.JID()));
+    if (found == byFoldedJid_.end()) return;
     found->second.erase({item.JID(), sequence});
     if (found->second.empty()) byFoldedJid_.erase(found);
 }

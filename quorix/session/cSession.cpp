@@ -313,7 +313,11 @@ void cSession::ProcessIncoming(std::string_view bytes) {
     Entry entry(*this);
     Dispatcher dispatcher(*this, entry.Self());
     std::uint32_t generation = generation_;
-    reader_->Feed(bytes, sinks_.WantWireText());
+    try {
+        reader_->Feed(bytes, sinks_.WantWireText());
+    } catch (const std::bad_alloc&) {
+        return CloseSession({}, {});
+    }
     while (generation_ == generation && TakeStep(dispatcher)) {
     }
 }

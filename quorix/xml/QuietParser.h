@@ -4,6 +4,8 @@
 
 #include <libxml/globals.h>
 
+#include <new>
+
 namespace quorix {
 
 class QuietParser {
@@ -11,6 +13,7 @@ public:
     QuietParser() {
         xmlSetGenericErrorFunc(nullptr, IgnoreText);
         xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+        xmlResetLastError();
     }
     ~QuietParser() {
         xmlSetGenericErrorFunc(genericContext_, generic_);
@@ -18,6 +21,11 @@ public:
     }
     QuietParser(const QuietParser&) = delete;
     QuietParser& operator=(const QuietParser&) = delete;
+
+    // The library answers many a call as if nothing were there when it has run out of memory.
+    static void RequireMemory(const xmlError& last = xmlLastError) {
+        if (last.code == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+    }
 
 private:
     static void IgnoreText(void*, const char*, ...) {}

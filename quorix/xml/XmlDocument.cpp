@@ -1,13 +1,14 @@
 #include "quorix/xml/XmlDocument.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <sstream>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/xml/QuietParser.h"
 #include "quorix/xml/XmlBuilder.h"
 #include "quorix/xml/XmlEncoding.h"
 #include "quorix/xml/XmlQuery.h"
@@ -25,9 +26,13 @@ std::filesystem::path PathFrom(StringView path) {
 // Nothing when it cannot be read, which is no XML either.
 std::string ContentOf(StringView path) {
     std::ifstream file(PathFrom(path), std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
+    std::string content;
+    std::array<char, 4096> block;
+    do {
+        file.read(block.data(), block.size());
+        content.append(block.data(), static_cast<std::size_t>(file.gcount()));
+    } while (file);
+    return content;
 }
 
 // `xml` with the encoding that its declaration names, if any, replaced.
@@ -57,8 +62,10 @@ std::shared_ptr<XmlDocument> XmlDocument::CopyOf(const XmlNode& node) {
     auto copy = Create();
     const xmlNode* source = node.IsElement() ? node.Raw() : FirstElementFrom(ChildrenOf(node.Raw()));
     if (source == nullptr) return copy;
-    xmlDoc* target = copy->tree_.get();
-    LinkLast(AsNode(*copy->tree_), Required(xmlDocCopyNode(const_cast<xmlNode*>(source), target, 1)));
+    QuietParser quiet;
+    OwnedNode made(Required(xmlDocCopyNode(const_cast<xmlNode*>(source), copy->tree_.get(), 1)));
+    QuietParser::RequireMemory();
+    LinkLast(AsNode(*copy->tree_), made.release());
     return copy;
 }
 
@@ -78,8 +85,9 @@ bool XmlDocument::LoadFile(StringView path) {
 }
 
 void XmlDocument::SaveFile(StringView path) const {
+    std::string xml = DeclaringUtf8(Serialize(AsNode(*tree_)));
     std::ofstream file(PathFrom(path), std::ios::binary);
-    file << DeclaringUtf8(Serialize(AsNode(*tree_)));
+    file << xml;
     file.close();
     if (!file) throw AutomationError(ERR_FileNotFound);
 }
@@ -90,11 +98,10 @@ void XmlDocument::Root(const XmlNode& element) {
     if (!element.IsElement()) throw AutomationError(ERR_InvalidCall);
     xmlNode* former = FirstElementFrom(tree_->children);
     if (former == element.Raw()) return;
+    if (former) return Replace(former, element.Raw());
     Unlink(element.Raw());
     Adopt(*tree_, element.Raw());
-    if (!former) return LinkLast(AsNode(*tree_), element.Raw());
-    xmlReplaceNode(former, element.Raw());
-    Discard(former);
+    LinkLast(AsNode(*tree_), element.Raw());
 }
 
 String XmlDocument::Xml() const { return TextFromUtf8(Serialize(AsNode(*tree_))); }
@@ -107,9 +114,7 @@ std::vector<XmlNode> XmlDocument::Select(StringView xpath) const {
 }
 
 XmlNode XmlDocument::CreateElement(StringView name) {
-    XmlNode element(NewElement(*tree_, TreeName(name)));
-    Discard(element.Raw());
-    return element;
+    return XmlNode(NewLooseElement(*tree_, TreeName(name)));
 }
 
 void XmlDocument::AppendInstruction(StringView target, StringView data) {

@@ -28,14 +28,18 @@ std::string DeclaredEncoding(std::string_view bytes) {
 }
 
 std::optional<std::string> Converted(const Handler& handler, std::string_view bytes) {
+    QuietParser::RequireMemory();
     if (!handler) return {};
     Buffer in(Required(xmlBufferCreateSize(bytes.size() + 1)));
     Buffer out(Required(xmlBufferCreate()));
     if (xmlBufferAdd(in.get(), BAD_CAST bytes.data(), static_cast<int>(bytes.size())) != 0)
         throw std::bad_alloc();
     while (xmlBufferLength(in.get()) > 0) {
-        if (xmlCharEncInFunc(handler.get(), out.get(), in.get()) <= 0) return {};
+        if (xmlCharEncInFunc(handler.get(), out.get(), in.get()) > 0) continue;
+        QuietParser::RequireMemory();
+        return {};
     }
+    QuietParser::RequireMemory();
     return std::string(Chars(xmlBufferContent(out.get())),
                        static_cast<std::size_t>(xmlBufferLength(out.get())));
 }

@@ -34,10 +34,7 @@ String TextBelow(const xmlNode* top) {
 }
 
 void DropChildren(xmlNode* element) {
-    while (xmlNode* child = element->children) {
-        Unlink(child);
-        Discard(child);
-    }
+    while (xmlNode* child = element->children) Remove(child);
 }
 
 bool IsWithin(const xmlNode* node, const xmlNode* ancestor) {
@@ -115,9 +112,7 @@ void XmlNode::SetAttribute(StringView name, StringView value) {
 
 void XmlNode::RemoveAttribute(StringView name) {
     xmlAttr* attribute = FindAttribute(RequireElement(node_), name);
-    if (!attribute) return;
-    Unlink(AsNode(attribute));
-    Discard(AsNode(attribute));
+    if (attribute) Remove(AsNode(attribute));
 }
 
 XmlNode XmlNode::Parent() const {
@@ -163,8 +158,7 @@ void XmlNode::RemoveChild(const XmlNode& child) {
     RequireElement(node_);
     if (!child || child.node_->parent != node_ || !CanBeChild(child.node_))
         throw AutomationError(ERR_InvalidCall);
-    Unlink(child.node_);
-    Discard(child.node_);
+    Remove(child.node_);
 }
 
 }  // namespace quorix

@@ -35,9 +35,11 @@ public:
         if (!expression) return nullptr;
         context_->doc = node->doc;
         context_->node = node;
+        xmlResetError(&context_->lastError);
         Result result(xmlXPathCompiledEval(expression, context_.get()));
         context_->doc = nullptr;
         context_->node = nullptr;
+        RequireMemory();
         return result;
     }
 
@@ -51,11 +53,18 @@ private:
         if (found != compiled_.end()) return found->second.get();
         if (compiled_.size() >= kMaxCompiledQueries) compiled_.clear();
         std::string utf8 = WithNamesAsWritten(TreeText(xpath));
+        xmlResetError(&context_->lastError);
         Compiled expression(xmlXPathCtxtCompile(context_.get(), BAD_CAST utf8.c_str()));
+        RequireMemory();
         return compiled_.emplace(xpath, std::move(expression)).first->second.get();
     }
 
-    Context context_{xmlXPathNewContext(nullptr)};
+    void RequireMemory() const {
+        QuietParser::RequireMemory();
+        QuietParser::RequireMemory(context_->lastError);
+    }
+
+    Context context_{Required(xmlXPathNewContext(nullptr))};
     std::unordered_map<String, Compiled, Hash, std::equal_to<>> compiled_;
 };
 

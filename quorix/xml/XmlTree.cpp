@@ -27,8 +27,20 @@ void ForEachNode(xmlNode* top, Visit visit) {
     }
 }
 
-// Before threads can race for it.
-void StartLibrary() { [[maybe_unused]] static const bool started = (xmlInitParser(), true); }
+// Before threads can race for it. What the library keeps for a thread it makes when it reports something, and
+// counts on it even when memory has run out.
+void StartLibrary() {
+    [[maybe_unused]] static const bool started = (xmlInitParser(), true);
+    Required(xmlGetGlobalState());
+}
+
+// The library makes a node without the name for which there is no memory.
+template <class Node, class Free>
+Node* WithName(Node* node, Free free) {
+    if (Required(node)->name != nullptr) return node;
+    free(node);
+    throw std::bad_alloc();
+}
 
 xmlNode* WithContent(xmlNode* node, std::string_view content) {
     Required(node)->content = xmlStrndup(BAD_CAST content.data(), static_cast<int>(content.size()));
@@ -41,6 +53,18 @@ bool InSight(xmlNode* top) {
     std::uintptr_t handles = 0;
     ForEachNode(top, [&](xmlNode* node) { handles += Handles(node); });
     return handles > 0;
+}
+
+// Before the tree is changed, since memory may run out.
+bool KeepIfInSight(xmlNode* node) {
+    bool kept = InSight(node);
+    if (kept) TreeOf(node)->loose.insert(node);
+    return kept;
+}
+
+void TakeOut(xmlNode* node) {
+    if (TreeOf(node)->attributes) TreeOf(node)->attributes->Forget();
+    xmlUnlinkNode(node);
 }
 
 void ReleaseTree(XmlTree* tree) {
@@ -103,17 +127,23 @@ void LinkLast(xmlNode* parent, xmlNode* node) {
 }
 
 void Unlink(xmlNode* node) {
-    if (TreeOf(node)->attributes) TreeOf(node)->attributes->Forget();
-    xmlUnlinkNode(node);
+    TakeOut(node);
     if (!TreeOf(node)->loose.empty()) TreeOf(node)->loose.erase(node);
 }
 
-void Discard(xmlNode* node) {
-    if (InSight(node)) {
-        TreeOf(node)->loose.insert(node);
-    } else {
-        xmlFreeNode(node);
-    }
+void Remove(xmlNode* node) {
+    bool kept = KeepIfInSight(node);
+    TakeOut(node);
+    if (!kept) xmlFreeNode(node);
+}
+
+void Replace(xmlNode* former, xmlNode* element) {
+    XmlTree& tree = *TreeOf(former);
+    bool kept = KeepIfInSight(former);
+    Unlink(element);
+    Adopt(tree, element);
+    xmlReplaceNode(former, element);
+    if (!kept) xmlFreeNode(former);
 }
 
 void Adopt(XmlTree& tree, xmlNode* top) {
@@ -131,13 +161,20 @@ void Adopt(XmlTree& tree, xmlNode* top) {
 }
 
 xmlNode* NewElement(XmlTree& tree, const std::string& name) {
-    xmlNode* node = Required(xmlNewNode(nullptr, BAD_CAST name.c_str()));
+    xmlNode* node = WithName(xmlNewNode(nullptr, BAD_CAST name.c_str()), xmlFreeNode);
     node->doc = &tree;
     return node;
 }
 
+xmlNode* NewLooseElement(XmlTree& tree, const std::string& name) {
+    OwnedNode made(NewElement(tree, name));
+    tree.loose.insert(made.get());
+    return made.release();
+}
+
 xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data) {
-    return WithContent(xmlNewDocPI(&tree, BAD_CAST target.c_str(), nullptr), data);
+    xmlNode* node = WithName(xmlNewDocPI(&tree, BAD_CAST target.c_str(), nullptr), xmlFreeNode);
+    return WithContent(node, data);
 }
 
 xmlNode* NewText(XmlTree& tree, std::string_view text) {
@@ -153,12 +190,11 @@ xmlNode* NewCData(XmlTree& tree, std::string_view text) {
 }
 
 xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, const std::string& name, std::string_view value) {
-    xmlNode* text = NewText(*TreeOf(element), value);
-    xmlAttr* attribute = xmlNewDocProp(element->doc, BAD_CAST name.c_str(), nullptr);
-    if (attribute == nullptr) xmlFreeNode(text);
-    Required(attribute)->parent = element;
-    attribute->children = attribute->last = text;
+    OwnedNode text(NewText(*TreeOf(element), value));
+    xmlAttr* attribute = WithName(xmlNewDocProp(element->doc, BAD_CAST name.c_str(), nullptr), xmlFreeProp);
+    attribute->parent = element;
     text->parent = AsNode(attribute);
+    attribute->children = attribute->last = text.release();
     attribute->prev = last;
     (last ? last->next : element->properties) = attribute;
     return attribute;

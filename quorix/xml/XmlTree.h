@@ -7,6 +7,7 @@
 
 #include <libxml/tree.h>
 
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -34,6 +35,9 @@ T* Required(T* made) {
     return made;
 }
 
+// A node that no tree holds yet.
+using OwnedNode = std::unique_ptr<xmlNode, decltype([](xmlNode* node) { xmlFreeNode(node); })>;
+
 inline XmlTree* TreeOf(const xmlNode* node) { return static_cast<XmlTree*>(node->doc); }
 inline xmlNode* AsNode(XmlTree& tree) { return reinterpret_cast<xmlNode*>(static_cast<xmlDoc*>(&tree)); }
 inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
@@ -47,16 +51,22 @@ xmlNode* Following(const xmlNode* node, const xmlNode* top);
 // Appends `node`, which must stand outside, in constant time.
 void LinkLast(xmlNode* parent, xmlNode* node);
 
-// Takes `node` out of its place. It must be linked or discarded next.
+// Takes `node` out of its place. It must be linked next.
 void Unlink(xmlNode* node);
 
-// Frees an unlinked node, or keeps it with the tree while a handle may look at it.
-void Discard(xmlNode* node);
+// Takes `node` out of its place and frees it, or keeps it with the tree while a handle may look at it.
+// Changes nothing when memory runs out.
+void Remove(xmlNode* node);
+
+// Puts `element`, wherever it stands, in the place of `former`, which is removed. Changes nothing when memory
+// runs out.
+void Replace(xmlNode* former, xmlNode* element);
 
 // Makes an unlinked node and all below it part of `tree`, whatever tree it came from.
 void Adopt(XmlTree& tree, xmlNode* node);
 
 xmlNode* NewElement(XmlTree& tree, const std::string& name);
+xmlNode* NewLooseElement(XmlTree& tree, const std::string& name);  // kept with the tree, in no place
 xmlNode* NewInstruction(XmlTree& tree, const std::string& target, const std::string& data);
 xmlNode* NewText(XmlTree& tree, std::string_view text);
 xmlNode* NewComment(XmlTree& tree, std::string_view text);

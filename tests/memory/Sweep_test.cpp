@@ -1,0 +1,129 @@
+// Memory that runs out anywhere ends a call, a stanza or a connection, and nothing else.
+#include <gtest/gtest.h>
+#include <libxml/xmlerror.h>
+
+#include <functional>
+
+#include "quorix/xml/XmlDocument.h"
+#include "testkit/DeterministicEnvironment.h"
+#include "testkit/EventRecorder.h"
+#include "testkit/TemporaryFolder.h"
+#include "tests/memory/Allocation.h"
+
+namespace quorix {
+namespace {
+
+using testkit::AllocationFailed;
+using testkit::FailAllocation;
+using testkit::LiveAllocations;
+
+// What a run comes to, in words that are compared.
+using Run = std::function<std::string()>;
+
+// Beyond any run, so that a sweep that never ends is seen.
+constexpr std::size_t kMost = 20000;
+
+std::string WithFailure(const Run& run, std::size_t nth) {
+    FailAllocation(nth);
+    std::string result;
+    try {
+        result = run();
+    } catch (const std::exception&) {
+        result = "";
+    }
+    bool failed = AllocationFailed();
+    FailAllocation(0);
+    xmlResetLastError();  // which it would keep until the next one
+    return failed ? "failed" : result;
+}
+
+// Lets each allocation of `run` fail in turn; after each, `run` works as ever.
+void Sweep(const Run& run) {
+    const std::string usual = run();
+    std::size_t nth = 1;
+    while (nth < kMost && WithFailure(run, nth) == "failed") {
+        ASSERT_EQ(run(), usual) << "after allocation " << nth;
+        ++nth;
+    }
+    EXPECT_GT(nth, 100U);
+    EXPECT_LT(nth, kMost);
+}
+
+TEST(MemoryRunsOut, InADocumentsLife) {
+    testkit::TemporaryFolder folder;
+    String path = TextFromUtf8((folder.Path() / "saved.xml").string());
+    Sweep([&] {
+        auto document = XmlDocument::Create();
+        document->Load(u"<?xml version='1.0' encoding='UTF-8'?><r a='1'><b>eins</b> <!--c--><c/><?p q?></r>");
+        XmlNode root = document->Root();
+        root.SetAttribute(u"a", u"2");
+        for (std::size_t length = 1; length <= 40; ++length) root.SetAttribute(String(length, u'n'), u"");
+        XmlNode former = root.Child(u"b");
+        root.RemoveChild(former);
+        root.AppendElement(u"d").Text(u"drei");
+        root.AppendChild(document->CreateElement(u"e")).AppendChild(former);
+        root.RemoveAttribute(u"nn");
+        document->AppendInstruction(u"target", u"data");
+        document->SaveFile(path);
+        auto loaded = XmlDocument::Create();
+        bool read = loaded->LoadFile(path);
+        auto copy = XmlDocument::CopyOf(loaded->Root());
+        loaded->Root(loaded->CreateElement(u"f"));
+        return (read ? "read " : "unread ") + Utf8FromText(copy->Xml()) + Utf8FromText(loaded->Xml());
+    });
+}
+
+class SessionsDay {
+public:
+    SessionsDay() {
+        session_->Advise(events_);
+        session_->ServerAddress(u"s");
+        session_->Port(5222);
+        session_->username(u"u");
+        session_->Password(u"p");
+        session_->Resource(u"r");
+        session_->Connect();
+        environment_.DoEvents();
+    }
+
+    std::string Result() {
+        Say("<stream:stream id='s1' from='s' xmlns='jabber:client' "
+            "xmlns:stream='http://etherx.jabber.org/streams'>");
+        Say("<iq type='result' id='kv_login'/>");
+        Say("<iq type='result' from='u@s'><query xmlns='jabber:iq:roster'>"
+            "<item jid='a@s' name='A' subscription='both'><group>G</group></item></query></iq>");
+        Say("<presence from='a@s/r'><priority>1</priority><show>away</show></presence>");
+        Say("<message from='a@s/r' type='chat'><body>hallo</body><x xmlns='jabber:x:event'><composing/></x>"
+            "<x xmlns='jabber:x:data' type='form'><field var='v' type='text-single'><value>w</value></field>"
+            "</x></message>");
+        session_->SendPresence(u"", KV_Available, u"da");
+        session_->CreateMessage(u"a@s", MSG_Chat, u"Betreff", u"Text")->SendMessage();
+        session_->Disconnect();
+        environment_.DoEvents();
+        std::string all;
+        for (const std::string& line : events_->lines) all += line + '\n';
+        return all;
+    }
+
+private:
+    void Say(std::string_view bytes) {
+        environment_.Peer().Say(bytes);
+        environment_.DoEvents();
+    }
+
+    testkit::DeterministicEnvironment environment_;
+    std::shared_ptr<cSession> session_ = cSession::Create();
+    std::shared_ptr<testkit::EventRecorder> events_ = std::make_shared<testkit::EventRecorder>();
+};
+
+// What the libraries make once and keep, they have made in the first sweep.
+TEST(MemoryRunsOut, InAClassicSessionsDayAndLeavesNothing) {
+    auto run = [] { return SessionsDay().Result(); };
+    Sweep(run);
+    std::ptrdiff_t before = LiveAllocations();
+    Sweep(run);
+    EXPECT_EQ(LiveAllocations(), before);
+}
+
+}  // namespace
+}  // namespace quorix
