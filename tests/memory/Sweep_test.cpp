@@ -75,7 +75,8 @@ TEST(MemoryRunsOut, InADocumentsLife) {
 
 class SessionsDay {
 public:
-    SessionsDay() {
+    explicit SessionsDay(eMode mode) {
+        session_->Mode(mode);
         session_->Advise(events_);
         session_->ServerAddress(u"s");
         session_->Port(5222);
@@ -117,13 +118,17 @@ private:
 };
 
 // What the libraries make once and keep, they have made in the first sweep.
-TEST(MemoryRunsOut, InAClassicSessionsDayAndLeavesNothing) {
-    auto run = [] { return SessionsDay().Result(); };
+class MemoryRunsOutIn : public ::testing::TestWithParam<eMode> {};
+
+TEST_P(MemoryRunsOutIn, ASessionsDayAndLeavesNothing) {
+    auto run = [] { return SessionsDay(GetParam()).Result(); };
     Sweep(run);
     std::ptrdiff_t before = LiveAllocations();
     Sweep(run);
     EXPECT_EQ(LiveAllocations(), before);
 }
+
+INSTANTIATE_TEST_SUITE_P(Modes, MemoryRunsOutIn, ::testing::Values(KV_Classic, KV_Modern));
 
 }  // namespace
 }  // namespace quorix
