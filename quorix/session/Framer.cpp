@@ -96,12 +96,11 @@ bool Framer::IsOneDocument() const {
 }
 
 void Framer::Release() {
-    if (state_ == State::Document) return ReleaseWhole();
+    if (state_ == State::Document) return void(ReleaseWhole());
     if (ParsedXmlPtr rest = content_.TakeRest(); rest->First()) trees_.push_back(std::move(rest));
     bool kept = keepText_ || text_.size() < kKeptAnyway;
-    if (trees_.size() <= 2 && IsOneDocument() && kept) {
-        ReleaseWhole();
-    } else {
+    // White space that is written as a reference cannot stand beside the root of a document.
+    if (!(trees_.size() <= 2 && IsOneDocument() && kept && ReleaseWhole())) {
         for (ParsedXmlPtr& tree : trees_) {
             for (ParsedNode node = tree->First(); node; node = node.NextSibling()) {
                 if (!node.IsBlankText()) ready_.push_back({tree, node, {}});
@@ -114,13 +113,14 @@ void Framer::Release() {
 }
 
 // What stands beside the element belongs to the document; most often there is nothing.
-void Framer::ReleaseWhole() {
+bool Framer::ReleaseWhole() {
     ParsedXmlPtr tree =
         trees_.size() == 1 && !trees_[0]->First().NextSibling() ? trees_[0] : ParsedXml::FromWire(text_);
-    if (!tree) return;  // something has begun behind the document
+    if (!tree) return false;  // something has begun behind the document
     ready_.push_back({std::move(tree), {}, std::exchange(text_, {})});
     document_.reset();
     state_ = State::Idle;
+    return true;
 }
 
 // Its beginning may still be asked for.

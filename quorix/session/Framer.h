@@ -44,7 +44,7 @@ private:
     void TakeDocument(std::string_view bytes);
     void Keep(std::string_view bytes);
     void Release();
-    void ReleaseWhole();
+    bool ReleaseWhole();  // false when it is no document
     bool IsOneDocument() const;
     void Block();
 

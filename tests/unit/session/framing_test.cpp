@@ -32,6 +32,7 @@ TEST_F(SessionTest, CutsTheStreamIntoStanzas) {
         {"two in one chunk are serialized", {"<a  b='1'></a> \n <b/>"}, {"<a b=\"1\"/>", "<b/>"}},
         {"one and a half wait for the other half", {"<a/><b>", "</b>"}, {"<a/>", "<b/>"}},
         {"white space is never a stanza", {" ", "\n", "<a/>"}, {"<a/>"}},
+        {"white space by reference is no part of a document", {"<a  b='1'/>&#13;"}, {"<a b=\"1\"/>"}},
         {"text between stanzas is passed on", {"<a/>x &amp; y<b/>"}, {"<a/>", "x &amp; y", "<b/>"}},
         {"a lone text too", {"hello"}, {"hello"}},
         {"a reference in pieces", {"a &am", "p; b"}, {"a &amp; b"}},
