@@ -50,7 +50,7 @@ public:
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address;
         bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-        listen(listener_, 5);
+        listen(listener_, 4096);
         getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
         port_ = static_cast<std::int16_t>(ntohs(address.sin_port));
         std::array<int, 2> line{};
@@ -73,6 +73,7 @@ public:
     void TakeNext() { Tell('a'); }
     void TakeFirstAnew() { Tell('r'); }
     void Flood() { Tell('f'); }
+    void LoseAllAndTakeThemAgain() { Tell('x'); }
     void SendToTheLast() {
         Tell('m');
         char sent = 0;
@@ -95,6 +96,10 @@ private:
             if (what == 'a') ends_.push_back(Serve());
             if (what == 'r') close(std::exchange(ends_.front(), Serve()));
             if (what == 'f') SendFlood();
+            if (what == 'x') {
+                for (int end : ends_) close(end);
+                for (int& end : ends_) end = Serve();
+            }
             if (what != 'm') continue;
             std::string message = Message();
             send(ends_.back(), message.data(), message.size(), MSG_NOSIGNAL);
@@ -137,19 +142,23 @@ private:
 
 class Counter : public SessionEvents {
 public:
-    void OnAuthorized() override { MessageLoop::Quit(); }
+    void OnAuthorized() override {
+        if (++logins >= awaitedLogins) MessageLoop::Quit();
+    }
     void OnMessage(const std::shared_ptr<cMessage>& message) override {
         characters += message->Body().size();
         if (++messages == awaited) MessageLoop::Quit();
     }
     std::size_t characters = 0;
     std::size_t messages = 0;
+    std::size_t logins = 0;
+    std::size_t awaitedLogins = 0;
     std::size_t awaited = 0;
 };
 
 // Sessions that are logged in.
 struct Crowd {
-    explicit Crowd(std::size_t size) {
+    explicit Crowd(std::size_t size, eMode theMode = KV_Classic) : mode(theMode) {
         while (sessions.size() < size) {
             server.TakeNext();
             sessions.push_back(LogIn());
@@ -158,6 +167,8 @@ struct Crowd {
 
     std::shared_ptr<cSession> LogIn() {
         auto session = cSession::Create();
+        session->Mode(mode);
+        session->ReconnectInterval(2);
         session->Advise(counter);
         session->ServerAddress(u"127.0.0.1");
         session->Port(server.Port());
@@ -174,6 +185,7 @@ struct Crowd {
         MessageLoop::Run();
     }
 
+    eMode mode;
     Server server;
     std::shared_ptr<Counter> counter = std::make_shared<Counter>();
     std::vector<std::shared_ptr<cSession>> sessions;
@@ -224,8 +236,23 @@ void TimerDuringAFlood(benchmark::State& state) {
     }
 }
 
+// Every connection is lost at once: until the last session is logged in again, by itself.
+void AllComeBack(benchmark::State& state) {
+    Crowd crowd(static_cast<std::size_t>(state.range(0)), KV_Modern);
+    for (auto _ : state) {
+        crowd.counter->awaitedLogins = crowd.counter->logins + crowd.sessions.size();
+        crowd.server.LoseAllAndTakeThemAgain();
+        MessageLoop::Run();
+        auto isActive = [](const auto& session) { return session->Active(); };
+        bool all = std::all_of(crowd.sessions.begin(), crowd.sessions.end(), isActive);
+        if (!all || crowd.counter->logins != crowd.counter->awaitedLogins)
+            state.SkipWithError("lost or twice");
+    }
+}
+
 BENCHMARK(MessageAmongIdleSessions)->Arg(1)->Arg(100)->Arg(10000)->UseManualTime()->Iterations(20000);
 BENCHMARK(DisconnectAmongIdleSessions)->Arg(1)->Arg(100)->Arg(10000)->UseManualTime()->Iterations(500);
+BENCHMARK(AllComeBack)->Arg(10000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(TimerDuringAFlood)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
 #include "quorix/link/StanzaText.h"
-#include "quorix/platform/Environment.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {
@@ -115,7 +114,7 @@ void SendPresence(SessionLink& session, StringView jid, std::int32_t subType, St
     xml += u">";
     AppendStatus(xml, rules, status);
     session.SendXML(xml += u"</presence>");
-    Environment::Current().DoEvents();
+    session.Yield();
 }
 
 void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& table, const Stanza& stanza) {

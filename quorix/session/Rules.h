@@ -40,6 +40,10 @@ public:
     // form.
     virtual bool MayTellPassword(bool isSecure, bool isChosen) const = 0;
 
+    // Behind a presence: runs what is pending on the message loop, or nothing. Among thousands of sessions
+    // each would run the next one's, one inside the other.
+    virtual void Yield() const = 0;
+
     // What a sender gets while the session is not connected: nothing, or error 10057.
     virtual void RefuseToSend() const = 0;
 };

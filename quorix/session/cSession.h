@@ -190,6 +190,7 @@ public:
 
     // True from the login's success until the connection ends.
     bool Active() const { return active_; }
+    void Yield() override { rules_->Yield(); }
     bool IsConnected() const override { return socket_->State() == sockConnected && line_->IsFree(); }
     String LocalIP() const { return socket_->LocalIP(); }
 
@@ -231,7 +232,8 @@ public:
     void SendMyPresence() { quorix::SendMyPresence(*this, status_, showType_, priority_); }
 
     // Sends a presence or a subscription request or answer to `jid` (wire text in KV_Classic; "" is
-    // everybody). `status` is text. Delivers what is pending on the message loop before it returns.
+    // everybody). `status` is text. In KV_Classic it delivers what is pending on the
+    // message loop before it returns.
     void SendPresence(StringView jid, eSubType subType, StringView status) {
         quorix::SendPresence(*this, jid, subType, status);
     }

@@ -12,7 +12,6 @@ namespace quorix {
 
 namespace {
 
-constexpr std::size_t kLetterSize = 3;
 constexpr unsigned kFirstLetter = 0xD724 - 0x80;  // the letter of byte 0, if it had one
 constexpr std::size_t kKeptBytes = 1U << 16U;
 
@@ -32,14 +31,14 @@ void AppendBytesOfLetters(std::string& out, std::string_view text) {
         std::size_t plain = std::min(text.find(kLead), text.size());
         out += text.substr(0, plain);
         text.remove_prefix(plain);
-        if (text.size() < kLetterSize) return void(out += text);
+        if (text.empty()) return;
         if (unsigned byte = ByteOfLetter(text.data())) {
             out += static_cast<char>(0xC0U | (byte >> 6U));
             out += static_cast<char>(0x80U | (byte & 0x3FU));
         } else {
-            out += text.substr(0, kLetterSize);
+            out += text.substr(0, 3);
         }
-        text.remove_prefix(kLetterSize);
+        text.remove_prefix(3);
     }
 }
 

@@ -300,10 +300,9 @@ bool StreamParser::Parse(std::string_view text, bool last) {
 ParsedXmlPtr StreamParser::Document(Bytes bytes, std::string_view text) {
     StreamParser& parser = OfThread(bytes);
     parser.Reset(Root::Shown);
-    std::string_view letters = parser.Translated(text);
-    std::string_view declaration = Declaration(letters);
+    std::string_view declaration = Declaration(text);
     if (!declaration.empty()) parser.builder_.Leaf(XmlKind::Instruction, "xml " + std::string(declaration));
-    return parser.Parse(letters, true) ? parser.Take() : nullptr;
+    return parser.Parse(parser.Translated(text), true) ? parser.Take() : nullptr;
 }
 
 ParsedXmlPtr StreamParser::Content(Bytes bytes, std::string_view text) {

@@ -7,8 +7,7 @@ TEST_F(SessionTest, TakesTheHeadersOwnIdAndDropsWhatFollowsIt) {
     const std::pair<const char*, StringView> cases[] = {
         {"<?xml version='1.0'?><stream:stream from='s' id='abc'><message><body>lost</body></message>",
          u"abc"},
-        {"<stream:stream from='s'><stream:features id='other'/>", u""},
-        {"<?xml version='1.0' \xED?><stream:stream id='lost'>", u""}};
+        {"<stream:stream from='s'><stream:features id='other'/>", u""}};
     for (const auto& [header, id] : cases) {
         session->Connect();
         env.DoEvents();

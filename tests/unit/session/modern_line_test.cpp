@@ -210,6 +210,24 @@ TEST_F(Modern, ASilentServerIsAskedAndThenGivenUp) {
     EXPECT_EQ(env.PeerCount(), 2U);
 }
 
+// Each of thousands would otherwise be taken inside the one before it.
+TEST_F(Modern, SessionsThatAreLostTogetherAreTakenOneAfterTheOther) {
+    auto other = cSession::Create();
+    auto ofTheOther = std::make_shared<EventRecorder>();
+    other->Advise(ofTheOther);
+    other->Mode(KV_Modern);
+    other->ServerAddress(u"s");
+    other->Connect();
+    env.DoEvents();
+    session->Connect();
+    env.DoEvents();
+    events->hook = [&](const std::string&) { EXPECT_TRUE(ofTheOther->lines.empty()); };
+    env.Peer(1).Close();
+    env.Peer(0).Close();
+    env.DoEvents();
+    EXPECT_EQ(events->lines, ofTheOther->lines);
+}
+
 // A machine that slept finds its timers long due, and its server perhaps well.
 TEST_F(Modern, AClockThatJumpsEndsNothingByItself) {
     ConnectAndLogIn();
