@@ -37,7 +37,7 @@ void Kill(Slot& slot) {
 
 void Arm(Slot& slot, const cHelpEvent& owner, std::int32_t milliseconds, TimerTick tick) {
     Kill(slot);
-    slot = {Environment::Current().SetTimer(std::max(milliseconds, kLeastInterval), tick), &owner};
+    slot = {Environment::Current().SetTimer(std::max(milliseconds, kLeastInterval), std::move(tick)), &owner};
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "quorix/xml/ParsedBuilder.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -75,7 +74,8 @@ std::size_t SizeOf(const std::vector<T>& items) {
 
 template <class Items>
 void CopyTo(char* block, const Items& items) {
-    if (!items.empty()) std::memcpy(block, items.data(), items.size() * sizeof(items[0]));
+    const char* bytes = reinterpret_cast<const char*>(items.data());
+    std::copy_n(bytes, items.size() * sizeof(*items.data()), block);
 }
 
 }  // namespace

@@ -10,8 +10,10 @@
 #include "quorix/base/WireText.h"
 
 #if defined(__ELF__)
-// Newer versions of the parser put off unfinished markup by themselves; older ones do not know the word.
-extern "C" __attribute__((weak)) XML_Bool XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
+// Newer versions of the parser put off unfinished markup by themselves; older ones, and their headers, do not
+// know the word.
+extern "C" __attribute__((weak)) XML_Bool  // NOLINTNEXTLINE(readability-redundant-declaration): see above
+XML_SetReparseDeferralEnabled(XML_Parser parser, XML_Bool enabled);
 #endif
 
 namespace quorix {
@@ -24,6 +26,13 @@ constexpr std::size_t kLongToken = 1U << 16U;
 constexpr std::size_t kRenewAfter = 1U << 20U;
 
 constexpr std::string_view kThoughtOf = "content";
+
+void PutNothingOff(XML_Parser parser) {
+#if defined(__ELF__)
+    if (XML_SetReparseDeferralEnabled == nullptr) return;
+#endif
+    XML_SetReparseDeferralEnabled(parser, XML_FALSE);
+}
 
 // The declaration's content, as written; nothing when the document has none.
 std::string_view Declaration(std::string_view source) {
@@ -143,10 +152,7 @@ void StreamParser::Reset(Root root) {
     XML_SetCommentHandler(parser_.get(), Callbacks::Comment);
     XML_SetProcessingInstructionHandler(parser_.get(), Callbacks::Instruction);
     XML_SetStartDoctypeDeclHandler(parser_.get(), Callbacks::DocumentType);
-#if defined(__ELF__)
-    if (XML_SetReparseDeferralEnabled != nullptr)
-#endif
-        XML_SetReparseDeferralEnabled(parser_.get(), XML_FALSE);
+    PutNothingOff(parser_.get());
     root_ = root;
     rootOpen_ = broken_ = suspended_ = inCData_ = waiting_ = false;
     event_ = Event::Nothing;

@@ -36,7 +36,7 @@ xmlNode* Append(XmlTree& tree, xmlNode* parent, const ParsedNode& node) {
 void AppendWhole(XmlTree& tree, const ParsedNode& top) {
     xmlNode* parent = AsNode(tree);
     ParsedNode node = top;
-    while (true) {
+    while (node) {
         xmlNode* made = Append(tree, parent, node);
         if (ParsedNode first = node.FirstChild()) {
             parent = made;
