@@ -42,7 +42,7 @@ public:
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     const TextRules& Text() const override { return ClassicText(); }
     void SendXML(StringView) override {}
-    void Yield() override {}
+    void LetOthersRun() override {}
     bool IsConnected() const override { return true; }
     String GetNextID() override { return u"KV_1"; }
     String ServerAddress() const override { return u"example.org"; }

@@ -114,7 +114,7 @@ void SendPresence(SessionLink& session, StringView jid, std::int32_t subType, St
     xml += u">";
     AppendStatus(xml, rules, status);
     session.SendXML(xml += u"</presence>");
-    session.Yield();
+    session.LetOthersRun();
 }
 
 void HandlePresence(const std::shared_ptr<SessionLink>& session, PresenceTable& table, const Stanza& stanza) {

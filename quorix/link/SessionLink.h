@@ -50,7 +50,7 @@ public:
 
     virtual void SendXML(StringView xml) = 0;
     // Lets pending events run, where the session's mode has it so.
-    virtual void Yield() = 0;
+    virtual void LetOthersRun() = 0;
     virtual bool IsConnected() const = 0;  // the socket is up, logged in or not
     virtual String GetNextID() = 0;
 

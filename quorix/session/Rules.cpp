@@ -18,7 +18,7 @@ public:
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     bool RefusalEnds() const override { return false; }
     bool MayTellPassword(bool /*isSecure*/, bool /*isChosen*/) const override { return true; }
-    void Yield() const override { Environment::Current().DoEvents(); }
+    void LetOthersRun() const override { Environment::Current().DoEvents(); }
     void RefuseToSend() const override {}
 };
 
@@ -33,7 +33,7 @@ public:
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorByCondition(stanza); }
     bool RefusalEnds() const override { return true; }
     bool MayTellPassword(bool isSecure, bool isChosen) const override { return isSecure || isChosen; }
-    void Yield() const override {}
+    void LetOthersRun() const override {}
     void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }
 };
 

@@ -42,7 +42,7 @@ public:
 
     // Behind a presence: runs what is pending on the message loop, or nothing. Among thousands of sessions
     // each would run the next one's, one inside the other.
-    virtual void Yield() const = 0;
+    virtual void LetOthersRun() const = 0;
 
     // What a sender gets while the session is not connected: nothing, or error 10057.
     virtual void RefuseToSend() const = 0;

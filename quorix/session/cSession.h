@@ -190,7 +190,7 @@ public:
 
     // True from the login's success until the connection ends.
     bool Active() const { return active_; }
-    void Yield() override { rules_->Yield(); }
+    void LetOthersRun() override { rules_->LetOthersRun(); }
     bool IsConnected() const override { return socket_->State() == sockConnected && line_->IsFree(); }
     String LocalIP() const { return socket_->LocalIP(); }
 
