@@ -105,6 +105,7 @@ TEST_F(Loopback, WhatNobodyServesCostsNoTime) {
     EXPECT_EQ(std::count(listener->log.begin(), listener->log.end(), "request"), 2);
 }
 
+#ifndef __SANITIZE_ADDRESS__  // the sanitizers need descriptors themselves
 TEST_F(Loopback, AListenerOutOfDescriptorsRestsAndThenTakesTheConnection) {
     rlimit usual{};
     getrlimit(RLIMIT_NOFILE, &usual);
@@ -119,6 +120,7 @@ TEST_F(Loopback, AListenerOutOfDescriptorsRestsAndThenTakesTheConnection) {
     client->socket->SendData(u"still here");
     EXPECT_TRUE(RunUntil([&] { return server->received == "still here"; }));
 }
+#endif
 
 TEST_F(Loopback, ALateByteFindsNoSocketUnderTheSameNumber) {
     Establish();
