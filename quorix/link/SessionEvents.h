@@ -78,8 +78,8 @@ public:
     virtual void OnIncomingXML(StringView /*XML*/) {}
     virtual void OnOutgoingXML(StringView /*XML*/) {}
 
-    // 20: every iq, after its own events. 21: every iq of type "error". 22: results that nothing else
-    // reports.
+    // 20: every iq, after its own events; in KV_Modern not one that has ended the session. 21: every iq of
+    // type "error". 22: results that nothing else reports.
     virtual void OnIQ(const NodePtr& /*XMLElement*/) {}
     virtual void OnIQError(const NodePtr& /*XMLElement*/, StringView /*FromJid*/, std::int16_t /*eErrorCode*/,
                            StringView /*ErrorDescription*/) {}

@@ -72,11 +72,13 @@ void Dispatcher::Dispatch(const Stanza& stanza) {
 // -- Queries --
 
 void Dispatcher::Iq(const Stanza& stanza) {
+    const std::uint32_t epoch = session_.socketEpoch_;
     Contain([&] {
         if (Refusal(stanza) || AccountReply(stanza)) return;
         IqError(stanza);
         TakeToBranch(stanza);
     });
+    if (session_.socketEpoch_ != epoch && !session_.rules_->ReportsAfterEnd()) return;
     session_.Raise(&SessionEvents::OnIQ, stanza.Node());
 }
 

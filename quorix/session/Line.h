@@ -44,6 +44,9 @@ public:
     // True for the answer to a question of the line's own, which concerns nobody else.
     virtual bool IsOwnAnswer(const Stanza& /*stanza*/) { return false; }
 
+    // Seconds until the next attempt to connect again, rounded up; 0 when none is waited for.
+    virtual std::int32_t RetryDelay() const { return 0; }
+
     virtual void Closing() = 0;  // the session ends; events follow
     virtual void Closed() = 0;   // they were raised
 

@@ -152,8 +152,16 @@ void ModernLine::Retry() {
     }
     std::int64_t interval = std::int64_t{session_.reconnectInterval_} * kSecond;
     std::int64_t wait = interval * std::min(1 << std::min(retries_, 4), kLongestWait);
+    wait = Spread(wait, Environment::Current().Random());
     ++retries_;
-    Start(retry_, Spread(wait, Environment::Current().Random()), &ModernLine::OnRetryDue);
+    retryDue_ = Environment::Current().Milliseconds() + wait;
+    Start(retry_, wait, &ModernLine::OnRetryDue);
+}
+
+std::int32_t ModernLine::RetryDelay() const {
+    if (!retry_.IsRunning()) return 0;
+    std::int64_t left = std::max<std::int64_t>(retryDue_ - Environment::Current().Milliseconds(), 1);
+    return static_cast<std::int32_t>((left + kSecond - 1) / kSecond);
 }
 
 void ModernLine::OnRetryDue() {

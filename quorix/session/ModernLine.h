@@ -22,6 +22,7 @@ public:
     void StreamOpens() override;
     void LoggedIn() override;
     bool IsOwnAnswer(const Stanza& stanza) override;
+    std::int32_t RetryDelay() const override;
     void Closing() override;
     void Closed() override;
 
@@ -53,7 +54,8 @@ private:
     LookUpId lookUp_ = 0;
     Socks5Tunnel tunnel_;
     std::int32_t retries_ = 0;  // since the last login
-    bool retrying_ = false;     // the attempt that begins is one of these
+    std::int64_t retryDue_ = 0;
+    bool retrying_ = false;  // the attempt that begins is one of these
     std::int64_t lastHeard_ = 0;
     Trial trial_ = Trial::None;
     String questionId_;  // "" when none is open

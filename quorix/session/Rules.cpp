@@ -17,6 +17,7 @@ public:
     std::shared_ptr<Line> NewLine(cSession& session) const override { return NewClassicLine(session); }
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     bool RefusalEnds() const override { return false; }
+    bool ReportsAfterEnd() const override { return true; }
     bool MayTellPassword(bool /*isSecure*/, bool /*isChosen*/) const override { return true; }
     void LetOthersRun() const override { Environment::Current().DoEvents(); }
     void RefuseToSend() const override {}
@@ -32,6 +33,7 @@ public:
     std::shared_ptr<Line> NewLine(cSession& session) const override { return NewModernLine(session); }
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorByCondition(stanza); }
     bool RefusalEnds() const override { return true; }
+    bool ReportsAfterEnd() const override { return false; }
     bool MayTellPassword(bool isSecure, bool isChosen) const override { return isSecure || isChosen; }
     void LetOthersRun() const override {}
     void RefuseToSend() const override { throw AutomationError(ERR_NotConnected); }

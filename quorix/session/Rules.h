@@ -36,6 +36,9 @@ public:
     // Whether a refused login or account ends the session, with OnError; else OnIQError tells of it.
     virtual bool RefusalEnds() const = 0;
 
+    // Whether an answer that has ended the session still raises OnIQ.
+    virtual bool ReportsAfterEnd() const = 0;
+
     // Whether the password itself may go out, over TLS or not. `isChosen`: the application has asked for that
     // form.
     virtual bool MayTellPassword(bool isSecure, bool isChosen) const = 0;

@@ -129,6 +129,8 @@ void cSession::LoginTimeout(std::int32_t value) {
     loginTimeout_ = value;
 }
 
+std::int32_t cSession::ReconnectDelay() const { return line_->RetryDelay(); }
+
 void cSession::MaxStanzaSize(std::int32_t value) {
     if (value < 0) throw AutomationError(ERR_Overflow);
     maxStanzaSize_ = value;

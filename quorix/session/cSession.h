@@ -149,6 +149,10 @@ public:
     std::int16_t ReconnectInterval() const { return static_cast<std::int16_t>(reconnectInterval_); }
     void ReconnectInterval(std::int16_t value) { reconnectInterval_ = value; }
 
+    // In KV_Modern: seconds until the next attempt to connect again, rounded up; 0 when none is waited for,
+    // and still inside the events of the loss or failure before it.
+    std::int32_t ReconnectDelay() const;
+
     // -- Proxy --
     //
     // The socket connects to ProxyHostname:ProxyPort instead of the server. An HTTP proxy gets each text as

@@ -65,6 +65,7 @@ const ClassTable& TableOf<cSession>() {
             .Property(L"ProxyPassword", &T::ProxyPassword, &T::ProxyPassword)
             .Property(L"ProxyAuthentication", &T::ProxyAuthentication, &T::ProxyAuthentication)
             .Property(L"ProxyUseRemoteDNS", &T::ProxyUseRemoteDNS, &T::ProxyUseRemoteDNS)
+            .Get(L"ReconnectDelay", &T::ReconnectDelay)
             .Get(L"SessionID", &T::SessionID)
             .Get(L"digest", &T::digest)
             .Get(L"Sequence", &T::Sequence)

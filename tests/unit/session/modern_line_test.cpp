@@ -154,7 +154,9 @@ TEST_F(Modern, ComesBackAtGrowingIntervalsAndAtLastGivesUp) {
     EXPECT_EQ(events->Take(), Lines{"OnDisConnected"});
     env.RefuseConnections(SOCKERR_Refused);
     for (std::int64_t wait : {10, 20, 40, 80, 160, 160, 160}) {
+        EXPECT_EQ(session->ReconnectDelay(), wait);
         env.Advance(wait * 1000 - 1);
+        EXPECT_EQ(session->ReconnectDelay(), 1);
         EXPECT_EQ(events->lines, Lines()) << wait;
         env.Advance(1);
         ASSERT_FALSE(events->lines.empty()) << wait;
@@ -162,7 +164,7 @@ TEST_F(Modern, ComesBackAtGrowingIntervalsAndAtLastGivesUp) {
         events->lines.erase(events->lines.begin());
     }
     EXPECT_EQ(events->Take(), Lines{"OnError s 408 Reconnecting has been given up"});
-    EXPECT_EQ(env.RunningTimers(), 0U);
+    EXPECT_EQ(env.RunningTimers() + static_cast<std::size_t>(session->ReconnectDelay()), 0U);
 }
 
 TEST_F(Modern, AFirstAttemptIsRepeatedAndOnlyALoginResetsTheCount) {
