@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""check_docs.py COMPILER...: checks the hand-written pages: lines, links, and that every C++ fragment compiles.
+
+A fragment with an #include is a file of its own. One that begins with a declaration stands in a namespace, any other in
+a function that knows a few names. COMPILER is the command that compiles one file, flags included.
+"""
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+COLUMNS = 120
+FRAGMENT = re.compile(r"^```cpp\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+LINK = re.compile(r"\]\(([^)#:\s]+)(?:#([^)\s]+))?\)")
+DECLARATION = re.compile(r"(struct|class|enum|template|using|void|int)\b")
+PRELUDE = """#include <iostream>
+#include <vector>
+#include "quorix/base/WireText.h"
+#include "quorix/net/mSocketSSL.h"
+#include "quorix/platform/MessageLoop.h"
+#include "quorix/session/cSession.h"
+using namespace quorix;
+void show(const std::shared_ptr<cPresenceItem>&);
+"""
+NAMES = "const std::shared_ptr<cSession>& session, const std::shared_ptr<SessionEvents>& sink, const String& jid"
+
+
+def pages():
+    return sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")])
+
+
+def faults_of_lines(page, text):
+    for number, line in enumerate(text.splitlines(), 1):
+        if len(line) > COLUMNS:
+            yield f"{page}:{number}: {len(line)} columns"
+
+
+def anchors(text):
+    titles = re.findall(r"^#+ (.*)$", text, re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
+def faults_of_links(page, text):
+    for target, anchor in LINK.findall(text):
+        file = page.parent / target
+        if not file.exists():
+            yield f"{page}: {target} is not there"
+        elif anchor and anchor not in anchors(file.read_text(encoding="utf-8")):
+            yield f"{page}: {target} has no {anchor}"
+
+
+def wrapped(number, code):
+    if DECLARATION.match(code):
+        return f"namespace fragment{number} {{\n{code}}}\n"
+    return f"void fragment{number}({NAMES}) {{ {{\n{code}}} (void)session, (void)sink, (void)jid; }}\n"
+
+
+def units():
+    """The text of each file to compile: the fragments that are files, and one for all others."""
+    parts = [PRELUDE]
+    for page in pages():
+        text = page.read_text(encoding="utf-8")
+        for number, found in enumerate(FRAGMENT.finditer(text)):
+            line = text.count("\n", 0, found.start()) + 2
+            code = f'#line {line} "{page.relative_to(ROOT)}"\n{found[1]}'
+            if "#include" in found[1]:
+                yield code
+            else:
+                parts.append(wrapped(f"_{page.stem.replace('-', '_')}_{number}", found[1]).replace(found[1], code, 1))
+    yield "".join(parts)
+
+
+def compiles(compiler, unit):
+    with tempfile.NamedTemporaryFile("w", suffix=".cpp", encoding="utf-8") as file:
+        file.write(unit)
+        file.flush()
+        return subprocess.run([*compiler, "-fsyntax-only", f"-I{ROOT}", file.name], check=False).returncode == 0
+
+
+def main(compiler):
+    faults = []
+    for page in pages():
+        text = page.read_text(encoding="utf-8")
+        faults += [*faults_of_lines(page.relative_to(ROOT), text), *faults_of_links(page, text)]
+    print("\n".join(faults))
+    compiled = [compiles(compiler, unit) for unit in units()]
+    return 0 if all(compiled) and not faults else 1
+
+
+sys.exit(main(sys.argv[1:]))
