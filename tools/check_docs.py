@@ -21,6 +21,7 @@ PRELUDE = """#include <iostream>
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
 #include "quorix/session/cSession.h"
+#include "quorix/xml/cXML_Writer.h"
 using namespace quorix;
 void show(const std::shared_ptr<cPresenceItem>&);
 """
