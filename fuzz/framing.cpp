@@ -37,7 +37,9 @@ private:
 Texts Take(Framer& framer, std::string_view chunk) {
     framer.Append(chunk);
     Texts texts;
-    while (auto frame = framer.Next()) texts.push_back(frame->Text());
+    while (auto frame = framer.Next()) {
+        texts.push_back(frame->bytes.IsEmpty() ? frame->Xml() : String(frame->bytes.BecomeText()));
+    }
     return texts;
 }
 

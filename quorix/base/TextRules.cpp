@@ -25,7 +25,8 @@ public:
     }
     String ToNode(StringView text) const override { return WithoutForbidden(EncodeUTF8(text, false)); }
     String Read(String received) const override {
-        return IsDecoded(received) ? received : DecodeUTF8(received, true);
+        if (!IsDecoded(received)) return DecodeUTF8(received, true);
+        return received;
     }
     std::string ToBytes(StringView xml) const override { return BytesFromWire(xml); }
 };

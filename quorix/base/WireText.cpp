@@ -94,6 +94,21 @@ char16_t* PutUtf16(char16_t* out, char32_t code) {
     return out;
 }
 
+// Into the end of `result` from `at` on, which has as many units as `utf8` has bytes; what it takes less
+// goes.
+void PutText(String& result, std::size_t at, std::string_view utf8) {
+    char16_t* out = result.data() + at;
+    while (true) {
+        std::size_t plain = AsciiPrefix(utf8);
+        out = std::transform(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(plain), out,
+                             [](char c) { return static_cast<char16_t>(c); });
+        utf8.remove_prefix(plain);
+        if (utf8.empty()) break;
+        out = PutUtf16(out, DecodeUtf8(utf8));
+    }
+    result.resize(static_cast<std::size_t>(out - result.data()));
+}
+
 }  // namespace
 
 bool IsAscii(std::string_view bytes) { return AsciiPrefix(bytes) == bytes.size(); }
@@ -107,10 +122,14 @@ std::size_t AsciiPrefix(std::string_view bytes) {
     return plain;
 }
 
+void PutWire(char16_t* out, std::string_view bytes) {
+    std::transform(bytes.begin(), bytes.end(), out,
+                   [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
+}
+
 String WireFromBytes(std::string_view bytes) {
     String result(bytes.size(), u'\0');
-    std::transform(bytes.begin(), bytes.end(), result.begin(),
-                   [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
+    PutWire(result.data(), bytes);
     return result;
 }
 
@@ -135,17 +154,14 @@ std::string Utf8FromText(StringView text) {
 
 String TextFromUtf8(std::string_view utf8) {
     String result(utf8.size(), u'\0');
-    char16_t* out = result.data();
-    while (true) {
-        std::size_t plain = AsciiPrefix(utf8);
-        out = std::transform(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(plain), out,
-                             [](char c) { return static_cast<char16_t>(c); });
-        utf8.remove_prefix(plain);
-        if (utf8.empty()) break;
-        out = PutUtf16(out, DecodeUtf8(utf8));
-    }
-    result.resize(static_cast<std::size_t>(out - result.data()));
+    PutText(result, 0, utf8);
     return result;
+}
+
+void AppendText(String& out, std::string_view utf8) {
+    const std::size_t at = out.size();
+    out.resize(at + utf8.size());
+    PutText(out, at, utf8);
 }
 
 bool HasLoneSurrogate(StringView text) {

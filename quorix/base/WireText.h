@@ -12,6 +12,7 @@ bool IsAscii(std::string_view bytes);
 std::size_t AsciiPrefix(std::string_view bytes);  // how many bytes at the front are ASCII
 
 String WireFromBytes(std::string_view bytes);
+void PutWire(char16_t* out, std::string_view bytes);  // where there is room for as many
 
 // The inverse. A character above 255 has no byte and goes out as "?".
 std::string BytesFromWire(StringView wire);
@@ -20,6 +21,7 @@ std::string BytesFromWire(StringView wire);
 // modUTF_8.h. An unpaired surrogate becomes U+FFFD; a malformed byte sequence becomes one U+FFFD a byte.
 std::string Utf8FromText(StringView text);
 String TextFromUtf8(std::string_view utf8);
+void AppendText(String& out, std::string_view utf8);
 
 // True when `text` is not UTF-16 throughout: half of a surrogate pair stands alone.
 bool HasLoneSurrogate(StringView text);

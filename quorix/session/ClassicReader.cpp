@@ -23,7 +23,7 @@ public:
             return;
         }
         framer_.Append(bytes, wantsText);
-        errorIsDue_ = std::string_view(framer_.Waiting()).starts_with(kStreamError);
+        errorIsDue_ = framer_.Waiting().starts_with(kStreamError);
     }
 
     StreamStep Next() override {

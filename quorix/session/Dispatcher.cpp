@@ -53,10 +53,16 @@ const Dispatcher::Route Dispatcher::kRoutes[] = {
 
 void Dispatcher::ProcessStanza(Frame frame) {
     Contain([&] {
-        if (session_.sinks_.WantWireText())
-            session_.RaiseWireText(&SessionEvents::OnIncomingXML, frame.Text());
+        if (session_.sinks_.WantWireText()) TellText(frame);
     });
     if (frame.IsStanza()) Contain([&] { Dispatch(Stanza(std::move(frame.tree), frame.node)); });
+}
+
+// The text is gone when the stanza is handled: both may be long.
+void Dispatcher::TellText(Frame& frame) {
+    WireBuffer bytes = std::move(frame.bytes);
+    if (!bytes.IsEmpty()) return session_.RaiseWireText(&SessionEvents::OnIncomingXML, bytes.BecomeText());
+    session_.RaiseWireText(&SessionEvents::OnIncomingXML, frame.Xml());
 }
 
 void Dispatcher::Dispatch(const Stanza& stanza) {

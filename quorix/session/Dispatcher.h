@@ -21,6 +21,7 @@ private:
     };
     static const Route kRoutes[];
 
+    void TellText(Frame& frame);
     void Dispatch(const Stanza& stanza);
     void Iq(const Stanza& stanza);
     void IqError(const Stanza& stanza);

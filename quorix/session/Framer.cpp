@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "quorix/base/WireText.h"
-
 namespace quorix {
 
 namespace {
@@ -25,30 +23,25 @@ bool IsDeclaration(std::string_view text) {
 
 }  // namespace
 
-String Frame::Text() const {
-    if (bytes) return WireFromBytes(*bytes);
-    return node ? node.Xml() : tree->Xml();
-}
-
 void Framer::Append(std::string_view bytes, bool keepText) {
-    if (state_ == State::Hopeless) text_ = std::string();
+    if (state_ == State::Hopeless) text_.Clear();
     if (state_ == State::Hopeless || bytes.empty()) return;
-    if (text_.empty()) keepText_ = keepText;
+    if (text_.IsEmpty()) keepText_ = keepText;
     Keep(bytes);
     if (state_ == State::Idle || state_ == State::Deciding) {
-        state_ =
-            text_.size() <= kDeclaration.size() && MayBeDeclaration(text_) ? State::Deciding : State::Content;
+        state_ = Waiting().size() <= kDeclaration.size() && MayBeDeclaration(Waiting()) ? State::Deciding
+                                                                                        : State::Content;
         if (state_ == State::Deciding) return;
-        if (IsDeclaration(text_)) state_ = State::Document;
-        return Take(std::string(text_));
+        if (IsDeclaration(Waiting())) state_ = State::Document;
+        return Take(std::string(Waiting()));
     }
     Take(bytes);
 }
 
 // The beginning is always kept, since it may be asked for before the whole.
 void Framer::Keep(std::string_view bytes) {
-    bool whole = keepText_ || state_ == State::Document || text_.size() < kKeptAnyway;
-    if (whole && trees_.size() < 2) text_ += bytes;
+    bool whole = keepText_ || state_ == State::Document || Waiting().size() < kKeptAnyway;
+    if (whole && trees_.size() < 2) text_.Append(bytes);
 }
 
 void Framer::Take(std::string_view bytes) {
@@ -98,7 +91,7 @@ bool Framer::IsOneDocument() const {
 void Framer::Release() {
     if (state_ == State::Document) return void(ReleaseWhole());
     if (ParsedXmlPtr rest = content_.TakeRest(); rest->First()) trees_.push_back(std::move(rest));
-    bool kept = keepText_ || text_.size() < kKeptAnyway;
+    bool kept = keepText_ || Waiting().size() < kKeptAnyway;
     // White space that is written as a reference cannot stand beside the root of a document.
     if (!(trees_.size() <= 2 && IsOneDocument() && kept && ReleaseWhole())) {
         for (ParsedXmlPtr& tree : trees_) {
@@ -108,16 +101,16 @@ void Framer::Release() {
         }
     }
     trees_.clear();
-    text_.clear();
+    text_.Clear();
     state_ = State::Idle;
 }
 
 // What stands beside the element belongs to the document; most often there is nothing.
 bool Framer::ReleaseWhole() {
     ParsedXmlPtr tree =
-        trees_.size() == 1 && !trees_[0]->First().NextSibling() ? trees_[0] : ParsedXml::FromWire(text_);
+        trees_.size() == 1 && !trees_[0]->First().NextSibling() ? trees_[0] : ParsedXml::FromWire(Waiting());
     if (!tree) return false;  // something has begun behind the document
-    ready_.push_back({std::move(tree), {}, std::exchange(text_, {})});
+    ready_.push_back({std::move(tree), {}, std::move(text_)});
     document_.reset();
     state_ = State::Idle;
     return true;

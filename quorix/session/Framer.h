@@ -6,9 +6,9 @@
 
 #include <deque>
 #include <optional>
-#include <string>
 #include <string_view>
 
+#include "quorix/base/WireBuffer.h"
 #include "quorix/xml/StreamParser.h"
 
 namespace quorix {
@@ -16,11 +16,11 @@ namespace quorix {
 // One stanza, or a text or a comment that stands between stanzas, with all that it was parsed into.
 struct Frame {
     ParsedXmlPtr tree;
-    ParsedNode node;                   // empty for a whole document
-    std::optional<std::string> bytes;  // as received, when it is a whole document
+    ParsedNode node;   // empty for a whole document
+    WireBuffer bytes;  // as received, when it is a whole document, whose text they are
 
-    // Wire text or text, as the stream's bytes were parsed.
-    String Text() const;
+    // The text of any other.
+    String Xml() const { return node ? node.Xml() : tree->Xml(); }
     bool IsStanza() const { return Root() && !tree->TooDeep(); }
     ParsedNode Root() const { return node ? (node.IsElement() ? node : ParsedNode()) : tree->Root(); }
 };
@@ -31,7 +31,7 @@ public:
     void Append(std::string_view bytes, bool keepText = true);
 
     // What has come and was not handed on, as far as it is kept: its beginning, or all of it.
-    const std::string& Waiting() const { return text_; }
+    std::string_view Waiting() const { return text_.Bytes(); }
 
     // The next frame of what is complete; nothing when more has to come.
     std::optional<Frame> Next();
@@ -55,7 +55,7 @@ private:
     bool keepText_ = true;
     bool documentClosed_ = false;
     bool complete_ = false;
-    std::string text_;
+    WireBuffer text_;
     std::vector<ParsedXmlPtr> trees_;  // complete, but not what follows them
     std::deque<Frame> ready_;
 };

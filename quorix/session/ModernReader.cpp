@@ -107,7 +107,7 @@ private:
     StreamStep TakeError(const Frame& frame) {
         next_ = {};
         StreamStep step = Fail(Description(frame.node));
-        if (wantsText_) step.text = frame.Text();
+        if (wantsText_) step.text = frame.Xml();
         step.isFinal = Condition(frame.node) == u"conflict";
         return step;
     }

@@ -72,6 +72,14 @@ std::size_t SizeOf(const std::vector<T>& items) {
     return items.size() * sizeof(T);
 }
 
+// What one large tree took is not kept for small ones.
+template <class Items>
+void KeepSmall(Items& items) {
+    items.clear();
+    if (items.capacity() * sizeof(*items.data()) > kKeptBytes)
+        Items().swap(items);  // assigning would keep it
+}
+
 template <class Items>
 void CopyTo(char* block, const Items& items) {
     const char* bytes = reinterpret_cast<const char*>(items.data());
@@ -147,7 +155,7 @@ void ParsedBuilder::End() {
 
 void ParsedBuilder::Text(std::string_view text) {
     if (inText_) {
-        nodes_.back().text.size += Put(text);
+        MoreOfLeaf(text);
     } else {
         Append(XmlKind::Text, text);
         inText_ = true;
@@ -168,6 +176,8 @@ void ParsedBuilder::Leaf(XmlKind kind, std::string_view content) {
     if (kind == XmlKind::CData && !open_.empty()) open_.back().hasText = true;
     Append(kind, content);
 }
+
+void ParsedBuilder::MoreOfLeaf(std::string_view content) { nodes_.back().text.size += Put(content); }
 
 void ParsedBuilder::DropBlankChildren(std::uint32_t element) {
     std::uint32_t kept = ParsedXml::kNone;
@@ -205,27 +215,19 @@ ParsedXmlPtr ParsedBuilder::Take() {
     tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(tail + nodes);
     tree->chars_ = tail + nodes + attributes;
     tree->nodeCount_ = static_cast<std::uint32_t>(nodes_.size());
+    tree->charCount_ = At();
     tree->tooDeep_ = tooDeep_;
     Clear();
     return tree;
 }
 
 void ParsedBuilder::Clear() {
-    nodes_.clear();
-    attributes_.clear();
-    chars_.clear();
-    open_.clear();
+    KeepSmall(nodes_);
+    KeepSmall(attributes_);
+    KeepSmall(chars_);
+    KeepSmall(open_);
     lastAtTop_ = ParsedXml::kNone;
     inText_ = tooDeep_ = false;
-    KeepSmall();
-}
-
-// What one large tree took is not kept for small ones.
-void ParsedBuilder::KeepSmall() {
-    if (nodes_.capacity() * sizeof(ParsedXml::Node) > kKeptBytes) nodes_ = {};
-    if (attributes_.capacity() * sizeof(ParsedXml::Attribute) > kKeptBytes) attributes_ = {};
-    if (chars_.capacity() > kKeptBytes) chars_ = {};
-    if (open_.capacity() * sizeof(Open) > kKeptBytes) open_ = {};
 }
 
 }  // namespace quorix

@@ -20,6 +20,7 @@ public:
     void End();
     void Text(std::string_view text);  // follows other text in the same node
     void Leaf(XmlKind kind, std::string_view content);
+    void MoreOfLeaf(std::string_view content);  // right behind it
 
     // Elements that are open.
     std::size_t Depth() const { return open_.size(); }
@@ -48,7 +49,6 @@ private:
     std::uint32_t At() const { return static_cast<std::uint32_t>(chars_.size()); }
     void EndText();
     void DropBlankChildren(std::uint32_t element);
-    void KeepSmall();
 
     std::vector<ParsedXml::Node> nodes_;
     std::vector<ParsedXml::Attribute> attributes_;

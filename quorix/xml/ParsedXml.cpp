@@ -45,9 +45,9 @@ ParsedXmlPtr ParsedXml::ContentFromWire(std::string_view bytes) {
 ParsedNode ParsedXml::Root() const { return FirstElementFrom(First()); }
 
 String ParsedXml::Xml() const {
-    std::string all;
+    String all;
     for (ParsedNode node = First(); node; node = node.NextSibling()) all += Serialize(node);
-    return TextFromUtf8(all);
+    return all;
 }
 
 const ParsedXml::Attribute* ParsedXml::Find(const Node& element, StringView name) const {
@@ -79,6 +79,14 @@ std::string_view ParsedNode::RawContent() const {
                                              : text;
 }
 
+// They stand in document order, so they end where those of the next node begin that is not below this one.
+std::size_t ParsedNode::RawSize() const {
+    ParsedNode behind = *this;
+    while (behind && !behind.NextSibling()) behind = behind.Parent();
+    std::uint32_t end = behind ? tree_->nodes_[behind.NextSibling().index_].text.at : tree_->charCount_;
+    return end - tree_->nodes_[index_].text.at;
+}
+
 String ParsedNode::Text() const {
     if (!tree_) return {};
     if (!IsElement()) return TextFromUtf8(RawContent());
@@ -99,7 +107,7 @@ bool ParsedNode::HasText() const {
     return static_cast<bool>(node);
 }
 
-String ParsedNode::Xml() const { return tree_ ? TextFromUtf8(Serialize(*this)) : String(); }
+String ParsedNode::Xml() const { return tree_ ? Serialize(*this) : String(); }
 
 String ParsedNode::Attribute(StringView name) const {
     if (!IsElement()) return {};

@@ -68,6 +68,7 @@ public:
     std::string_view RawContent() const;  // of a leaf
     template <class Visit>                // takes names and values
     void ForEachRawAttribute(Visit visit) const;
+    std::size_t RawSize() const;  // of all names, values and contents from here to below
 
 private:
     const ParsedXml* tree_ = nullptr;
@@ -138,6 +139,7 @@ private:
     const Attribute* attributes_ = nullptr;
     const char* chars_ = nullptr;
     std::uint32_t nodeCount_ = 0;
+    std::uint32_t charCount_ = 0;
     bool tooDeep_ = false;
 
 public:

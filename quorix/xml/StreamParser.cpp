@@ -95,7 +95,7 @@ struct StreamParser::Callbacks {
         std::string_view piece(text, static_cast<std::size_t>(size));
         Guard(user, [&](StreamParser& self) {
             if (self.inCData_) {
-                self.cdata_ += piece;
+                self.builder_.MoreOfLeaf(piece);
             } else if (Counts(self)) {
                 self.builder_.Text(piece);
             }
@@ -103,14 +103,13 @@ struct StreamParser::Callbacks {
     }
 
     static void BeginCData(void* user) {
-        Guard(user, [](StreamParser& self) { self.inCData_ = true; });
+        Guard(user, [](StreamParser& self) {
+            self.inCData_ = true;
+            self.builder_.Leaf(XmlKind::CData, {});
+        });
     }
     static void EndCData(void* user) {
-        Guard(user, [](StreamParser& self) {
-            self.inCData_ = false;
-            self.builder_.Leaf(XmlKind::CData, self.cdata_);
-            self.cdata_ = std::string();
-        });
+        Guard(user, [](StreamParser& self) { self.inCData_ = false; });
     }
     static void Comment(void* user, const char* text) {
         Guard(user, [&](StreamParser& self) {
@@ -158,7 +157,6 @@ void StreamParser::Reset(Root root) {
     event_ = Event::Nothing;
     failure_ = nullptr;
     builder_.Clear();
-    cdata_ = std::string();
     chunk_ = {};
     given_ = boundary_ = 0;
     longToken_ = LongToken();

@@ -98,7 +98,6 @@ private:
     std::exception_ptr failure_;
     ParsedBuilder builder_;
     std::string rootName_;
-    std::string cdata_;
     std::string letters_;     // the bytes at hand, translated
     std::string_view chunk_;  // what the parser was given last
     std::size_t given_ = 0;   // to the parser since it was reset

@@ -85,7 +85,7 @@ bool XmlDocument::LoadFile(StringView path) {
 }
 
 void XmlDocument::SaveFile(StringView path) const {
-    std::string xml = DeclaringUtf8(Serialize(AsNode(*tree_)));
+    std::string xml = DeclaringUtf8(Utf8FromText(Xml()));
     std::ofstream file(PathFrom(path), std::ios::binary);
     file << xml;
     file.close();
@@ -104,7 +104,7 @@ void XmlDocument::Root(const XmlNode& element) {
     LinkLast(AsNode(*tree_), element.Raw());
 }
 
-String XmlDocument::Xml() const { return TextFromUtf8(Serialize(AsNode(*tree_))); }
+String XmlDocument::Xml() const { return Serialize(AsNode(*tree_)); }
 
 XmlNode XmlDocument::SelectSingle(StringView xpath) const {
     return XmlNode(AsNode(*tree_)).SelectSingle(xpath);

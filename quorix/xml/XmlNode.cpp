@@ -81,7 +81,7 @@ void XmlNode::Text(StringView value) {
     LinkLast(node_, NewText(*TreeOf(node_), TreeText(value)));
 }
 
-String XmlNode::Xml() const { return node_ ? TextFromUtf8(Serialize(node_)) : String(); }
+String XmlNode::Xml() const { return node_ ? Serialize(node_) : String(); }
 
 String XmlNode::Attribute(StringView name) const {
     const xmlAttr* attribute = FindAttribute(node_, name);

@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "quorix/base/WireText.h"
 #include "quorix/base/XmlText.h"
 #include "quorix/xml/XmlTree.h"
 
@@ -10,7 +11,7 @@ namespace quorix {
 
 namespace {
 
-constexpr std::size_t kMostStanzas = 480;  // have no longer text
+constexpr std::size_t kMostMarkup = 200;  // what most stanzas take besides names and values
 
 using Specials = std::array<bool, 256>;
 
@@ -24,23 +25,24 @@ constexpr Specials SpecialsOf(std::string_view characters) {
 constexpr Specials kInContent = SpecialsOf("&<>\r");
 constexpr Specials kInQuotes = SpecialsOf("&<>\"\t\n\r");
 
-void AppendEscaped(std::string& out, std::string_view text, Place place) {
+void AppendEscaped(String& out, std::string_view text, Place place) {
     const Specials& specials = place == Place::Content ? kInContent : kInQuotes;
     std::size_t copied = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
         auto byte = static_cast<unsigned char>(text[at]);
         if (!specials[byte]) continue;
-        StringView reference = ReferenceOf(byte, place);
-        out.append(text, copied, at - copied).append(reference.begin(), reference.end());
+        AppendText(out, text.substr(copied, at - copied));
+        out.append(ReferenceOf(byte, place));
         copied = at + 1;
     }
-    out.append(text, copied);
+    AppendText(out, text.substr(copied));
 }
 
-void AppendAttribute(std::string& out, std::string_view name, std::string_view value) {
-    out.append(name).append("=\"");
+void AppendAttribute(String& out, std::string_view name, std::string_view value) {
+    AppendText(out, name);
+    out.append(u"=\"");
     AppendEscaped(out, value, Place::DoubleQuotes);
-    out += '"';
+    out += u'"';
 }
 
 // -- What the two kinds of trees have in common, seen from here --
@@ -88,36 +90,43 @@ void ForEachAttribute(const ParsedNode& element, Visit visit) {
 
 // -- Writing --
 
-template <class Node>
-void OpenElement(std::string& out, const Node& element) {
-    out.append("<").append(NameOf(element));
-    ForEachAttribute(element, [&](std::string_view name, std::string_view value) {
-        out += ' ';
-        AppendAttribute(out, name, value);
-    });
-    out += FirstChildOf(element) ? ">" : "/>";
+void AppendBetween(String& out, StringView opening, std::string_view content, StringView closing) {
+    out.append(opening);
+    AppendText(out, content);
+    out.append(closing);
 }
 
 template <class Node>
-void AppendInstruction(std::string& out, const Node& node) {
+void OpenElement(String& out, const Node& element) {
+    AppendBetween(out, u"<", NameOf(element), {});
+    ForEachAttribute(element, [&](std::string_view name, std::string_view value) {
+        out += u' ';
+        AppendAttribute(out, name, value);
+    });
+    out.append(FirstChildOf(element) ? u">" : u"/>");
+}
+
+template <class Node>
+void AppendInstruction(String& out, const Node& node) {
     std::string_view data = ContentOf(node);
-    out.append("<?").append(NameOf(node)).append(data.empty() ? "" : " ").append(data).append("?>");
+    AppendBetween(out, u"<?", NameOf(node), data.empty() ? u"" : u" ");
+    AppendBetween(out, {}, data, u"?>");
 }
 
 // All of a leaf, the opening tag of an element.
 template <class Node>
-void Open(std::string& out, const Node& node) {
+void Open(String& out, const Node& node) {
     switch (KindOf(node)) {
         case XmlKind::Element: return OpenElement(out, node);
         case XmlKind::Text: return AppendEscaped(out, ContentOf(node), Place::Content);
-        case XmlKind::CData: out.append("<![CDATA[").append(ContentOf(node)).append("]]>"); return;
-        case XmlKind::Comment: out.append("<!--").append(ContentOf(node)).append("-->"); return;
+        case XmlKind::CData: return AppendBetween(out, u"<![CDATA[", ContentOf(node), u"]]>");
+        case XmlKind::Comment: return AppendBetween(out, u"<!--", ContentOf(node), u"-->");
         case XmlKind::Instruction: return AppendInstruction(out, node);
     }
 }
 
 template <class Node>
-void AppendNode(std::string& out, const Node& top) {
+void AppendNode(String& out, const Node& top) {
     Node node = top;
     while (true) {
         Open(out, node);
@@ -127,7 +136,7 @@ void AppendNode(std::string& out, const Node& top) {
         }
         while (!(node == top) && !NextOf(node)) {
             node = ParentOf(node);
-            out.append("</").append(NameOf(node)).append(">");
+            AppendBetween(out, u"</", NameOf(node), u">");
         }
         if (node == top) return;
         node = NextOf(node);
@@ -136,8 +145,8 @@ void AppendNode(std::string& out, const Node& top) {
 
 }  // namespace
 
-std::string Serialize(const xmlNode* top) {
-    std::string out;
+String Serialize(const xmlNode* top) {
+    String out;
     if (top->type == XML_ATTRIBUTE_NODE) {
         Attribute pair = Pair(reinterpret_cast<const xmlAttr*>(top));
         AppendAttribute(out, pair.name, pair.value);
@@ -149,9 +158,10 @@ std::string Serialize(const xmlNode* top) {
     return out;
 }
 
-std::string Serialize(const ParsedNode& top) {
-    std::string out;
-    out.reserve(kMostStanzas);
+String Serialize(const ParsedNode& top) {
+    const std::size_t size = top.RawSize();
+    String out;
+    out.reserve(size + size / 8 + kMostMarkup);
     AppendNode(out, top);
     return out;
 }
