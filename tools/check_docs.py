@@ -52,10 +52,10 @@ def faults_of_links(page, text):
             yield f"{page}: {target} has no {anchor}"
 
 
-def wrapped(number, code):
-    if DECLARATION.match(code):
-        return f"namespace fragment{number} {{\n{code}}}\n"
-    return f"void fragment{number}({NAMES}) {{ {{\n{code}}} (void)session, (void)sink, (void)jid; }}\n"
+def wrapped(name, fragment, code):
+    if DECLARATION.match(fragment):
+        return f"namespace {name} {{\n{code}}}\n"
+    return f"void {name}({NAMES}) {{ {{\n{code}}} (void)session, (void)sink, (void)jid; }}\n"
 
 
 def units():
@@ -63,13 +63,13 @@ def units():
     parts = [PRELUDE]
     for page in pages():
         text = page.read_text(encoding="utf-8")
-        for number, found in enumerate(FRAGMENT.finditer(text)):
+        for found in FRAGMENT.finditer(text):
             line = text.count("\n", 0, found.start()) + 2
             code = f'#line {line} "{page.relative_to(ROOT)}"\n{found[1]}'
             if "#include" in found[1]:
                 yield code
             else:
-                parts.append(wrapped(f"_{page.stem.replace('-', '_')}_{number}", found[1]).replace(found[1], code, 1))
+                parts.append(wrapped(f"fragment{len(parts)}", found[1], code))
     yield "".join(parts)
 
 

@@ -48,8 +48,10 @@ add_licenses() {
 add_texts() {
     local file
     mkdir -p "$kit/samples"
-    for file in install.cmd uninstall.cmd README.txt samples/bot.vbs samples/bot.py samples/application.manifest; do
-        with_windows_lines "packaging/windows/$file" "$kit/$file"
+    for file in install.cmd uninstall.cmd README.txt samples; do
+        for file in $(cd packaging/windows && find "$file" -type f); do
+            with_windows_lines "packaging/windows/$file" "$kit/$file"
+        done
     done
     sed -i "s/@version@/$version/" "$kit/samples/application.manifest"
 }

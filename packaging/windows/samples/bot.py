@@ -1,4 +1,4 @@
-"""Logs in and answers every message with its own text, until the connection ends.
+"""The same as bot.vbs, in Python.
 
     python bot.py HOST PORT USER PASSWORD      needs pywin32 (pip install pywin32)
 """
@@ -8,54 +8,64 @@ import time
 import pythoncom
 import win32com.client
 
-LOGIN_SECONDS = 30
-MSG_CHAT, MSG_GROUPCHAT = 1, 3
+KV_MODERN, MSG_CHAT, MSG_GROUPCHAT, CODE_TIMEOUT = 1, 1, 3, 408
 
 
 class Events:
+    """Its methods are called by their names; `self` is the session too."""
+
     logged_in = False
-    over = None
+    result = None
 
     def OnAuthorized(self):
         Events.logged_in = True
         print("Logged in as", self.MyJid)
+        self.FetchRoster()
         self.SendMyPresence()
+
+    def OnRosterEnd(self):
+        for contact in self.Roster:
+            print("Contact", contact.JID, contact.NickName)
 
     def OnMessage(self, message):
         message = win32com.client.Dispatch(message)
-        if message.MSG_Type != MSG_GROUPCHAT and message.Body:
-            print(f"{message.FromJid}: {message.Body}")
-            answer = self.CreateMessage(message.FromJid, MSG_CHAT, "You said: " + message.Body, "")
-            answer.SendMessage()
+        if message.MSG_Type == MSG_GROUPCHAT or not message.Body:
+            return
+        print(f"{message.FromJid}: {message.Body}")
+        if message.Body == "quit":
+            Events.result = 0
+            return
+        self.CreateMessage(message.FromJid, MSG_CHAT, "You said: " + message.Body, "").SendMessage()
 
-    def OnIQError(self, element, sender, code, description):
-        if not Events.logged_in:
-            Events.over = f"The login was refused: {code} {description}"
+    def OnError(self, element, sender, code, description):
+        print(f"Error {code} from {sender}: {description}")
+        refused = not Events.logged_in and code != CODE_TIMEOUT
+        if sender == self.ServerAddress and (refused or description.startswith("conflict")):
+            Events.result = 1
 
     def OnSocketError(self, element, description, code):
-        Events.over = f"No connection: {description}"
+        print("Connection:", description)
 
     def OnDisConnected(self):
-        Events.over = Events.over or "The connection has ended."
+        Events.logged_in = False
 
 
 def main(host, port, user, password):
     session = win32com.client.DispatchWithEvents("Quorix.cSession", Events)
-    port = int(port)
+    session.Mode = KV_MODERN
     session.ServerAddress = host
-    session.Port = port - 65536 if port > 32767 else port
+    session.Port = int(port) - 65536 if int(port) > 32767 else int(port)  # 16 bits with a sign
     session.username = user
     session.Password = password
     session.Resource = "bot"
-    session.Reconnect = False
+    session.LoginTimeout = 20
+    session.ReconnectInterval = 5
     session.Connect(False)
-    deadline = time.monotonic() + LOGIN_SECONDS
-    while not Events.over:
+    while Events.result is None:
         pythoncom.PumpWaitingMessages()
         time.sleep(0.05)
-        if not Events.logged_in and time.monotonic() > deadline:
-            Events.over = f"Nothing came of the login within {LOGIN_SECONDS} s."
-    sys.exit(Events.over)
+    session.Disconnect()
+    sys.exit(Events.result)
 
 
 main(*sys.argv[1:])

@@ -1,80 +1,81 @@
-' Logs in and answers every message with its own text, until the connection ends.
+' Logs in, shows the contacts, and answers every message with its own text. Comes back by itself when the connection is
+' lost; says why and ends with 1 when the login is refused. Who writes "quit" to it ends it with 0.
 '
-'   cscript //nologo bot.vbs HOST PORT USER PASSWORD [SECONDS] [create]
+'   cscript //nologo bot.vbs HOST PORT USER PASSWORD [create]
 '
-' With SECONDS it leaves after that time; with "create" it makes the account first. The exit code is 0 when it was
-' logged in and left on purpose, otherwise 1.
+' With "create" it makes the account first.
 Option Explicit
 
-Const KV_Available = 0, MSG_Chat = 1, MSG_GroupChat = 3, LoginSeconds = 30
-Dim session, loggedIn, over, patience, create
+Const KV_Modern = 1, KV_PlainAuth = 3, MSG_Chat = 1, MSG_GroupChat = 3, CODE_Timeout = 408
+Dim session, loggedIn, result
 loggedIn = False
-over = False
+result = -1
 
-' Port holds 16 bits with a sign.
+' Port holds 16 bits with a sign: 40000 is 40000 - 65536.
 Function PortValue(number)
     PortValue = number
     If number > 32767 Then PortValue = number - 65536
 End Function
 
-Sub Fail(reason)
-    WScript.Echo reason
-    over = True
-End Sub
-
 Sub session_OnAuthorized()
     loggedIn = True
     WScript.Echo "Logged in as " & session.MyJid
+    session.FetchRoster
     session.SendMyPresence
+End Sub
+
+Sub session_OnRosterEnd()
+    Dim contact
+    For Each contact In session.Roster
+        WScript.Echo "Contact " & contact.JID & " " & contact.NickName
+    Next
 End Sub
 
 Sub session_OnMessage(message)
     If message.MSG_Type = MSG_GroupChat Or message.Body = "" Then Exit Sub
     WScript.Echo message.FromJid & ": " & message.Body
-    session.CreateMessage(message.FromJid, MSG_Chat, "You said: " & message.Body, "").SendMessage
+    If message.Body = "quit" Then
+        result = 0
+    Else
+        session.CreateMessage(message.FromJid, MSG_Chat, "You said: " & message.Body, "").SendMessage
+    End If
 End Sub
 
-Sub session_OnIQError(element, fromJid, code, description)
-    If Not loggedIn Then Fail "The login was refused: " & code & " " & description
+' The session itself is named by its server. It does not come back after a refusal, nor when another login with the same
+' resource takes over.
+Sub session_OnError(element, fromJid, code, description)
+    WScript.Echo "Error " & code & " from " & fromJid & ": " & description
+    If fromJid <> session.ServerAddress Then Exit Sub
+    If Left(description, 8) = "conflict" Or (Not loggedIn And code <> CODE_Timeout) Then result = 1
 End Sub
 
 Sub session_OnSocketError(element, description, code)
-    Fail "No connection: " & description
+    WScript.Echo "Connection: " & description
 End Sub
 
-Sub session_OnError(element, fromJid, code, description)
-    WScript.Echo "Error " & code & " from " & fromJid & ": " & description
-End Sub
-
-' A new account ends its first connection; the session logs in with it on another.
 Sub session_OnDisConnected()
-    If loggedIn Then Fail "The connection has ended."
+    loggedIn = False
 End Sub
-
-patience = -1
-create = False
-If WScript.Arguments.Count > 4 Then patience = CLng(WScript.Arguments(4)) * 10
-If WScript.Arguments.Count > 5 Then create = (WScript.Arguments(5) = "create")
 
 Set session = WScript.CreateObject("Quorix.cSession", "session_")
+session.Mode = KV_Modern
 session.ServerAddress = WScript.Arguments(0)
 session.Port = PortValue(CLng(WScript.Arguments(1)))
 session.username = WScript.Arguments(2)
 session.Password = WScript.Arguments(3)
 session.Resource = "bot"
-session.Reconnect = False
-session.Connect create
-
-Dim waited
-waited = 0
-Do Until over
-    WScript.Sleep 100
-    waited = waited + 1
-    If Not loggedIn And waited > LoginSeconds * 10 Then Fail "Nothing came of the login within " & LoginSeconds & " s."
-    If loggedIn And patience >= 0 And waited > patience Then Exit Do
-Loop
-If over Then
-    WScript.Quit 1
+session.LoginTimeout = 20
+session.ReconnectInterval = 5
+If WScript.Arguments.Count > 4 Then
+    session.AuthType = KV_PlainAuth ' without TLS, the password of a new account goes out in the clear
+    session.Connect True
 Else
-    session.Disconnect
+    session.Connect False
 End If
+
+' Events come while the script sleeps.
+Do While result < 0
+    WScript.Sleep 100
+Loop
+session.Disconnect
+WScript.Quit result
