@@ -20,7 +20,7 @@ FOLDERS = {
 }
 # What depends on the mode is a rule; who asks for the mode has missed one.
 MODE = re.compile(r"\bKV_(Classic|Modern)\b|\bMode\(\) *[!=]=|[!=]= *[\w.>-]*\bMode\(\)")
-MODE_ROOM = re.compile(r"quorix/session/(\w*Rules\w*|cSession\.h)")
+MODE_ROOM = re.compile(r"quorix/(session/(\w*Rules\w*|SessionCore\.h)|base/Enumerations\.h)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 

@@ -12,6 +12,7 @@ namespace quorix {
 
 class cAuth {
 public:
+    void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
     // Whether the request would carry the password itself. Error 91 without a session.

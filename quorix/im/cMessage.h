@@ -13,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "quorix/base/Enumerations.h"
 #include "quorix/base/String.h"
 #include "quorix/im/AddressList.h"
 #include "quorix/im/MessageDraft.h"
@@ -21,24 +22,6 @@
 #include "quorix/xml/cXML_Node.h"
 
 namespace quorix {
-
-// What the message is (the `type` attribute, RFC 3921 section 2.1.1).
-enum eMsgType : std::int32_t {
-    MSG_Normal = 0,
-    MSG_Chat = 1,
-    MSG_Headline = 2,
-    MSG_GroupChat = 3,
-    MSG_UnKnown = 4,  // any other text, on reading only
-};
-
-// What becomes of a message (jabber:x:event, XEP-0022).
-enum eEvent : std::int32_t {
-    KV_Offline = 0,
-    KV_Composing = 1,
-    KV_Displayed = 2,
-    KV_Delivered = 3,
-    KV_Cancelled = 4,  // no element: an event message without one withdraws a former event
-};
 
 constexpr std::uint32_t BitOf(eEvent event) { return 1U << static_cast<std::uint32_t>(event); }
 

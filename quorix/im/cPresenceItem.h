@@ -7,24 +7,13 @@
 
 #include <memory>
 
+#include "quorix/base/Enumerations.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/String.h"
 #include "quorix/im/RecordTable.h"
 #include "quorix/link/SessionLink.h"
-#include "quorix/link/eShowType.h"
 
 namespace quorix {
-
-// What a presence says (the `type` attribute, RFC 3921 section 2.2.1; "invisible" is an old extension).
-enum eSubType : std::int32_t {
-    KV_Available = 0,
-    KV_UnAvailable = 1,
-    KV_Subscribe = 2,
-    KV_UnSubscribe = 3,
-    KV_Subscribe_Accept = 4,
-    KV_Subscribe_Deny = 5,
-    KV_Invisible = 6,
-};
 
 // The text of the `show` element; "" for KV_None and for any other value.
 StringView ShowText(std::int32_t show);
@@ -50,6 +39,7 @@ public:
     std::int16_t Priority() const { return priority_; }
     void Priority(std::int16_t value) { Assign(priority_, value); }
 
+    void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
 private:

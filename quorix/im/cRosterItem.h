@@ -56,6 +56,7 @@ public:
     void Update() const;
 
     // Contacts of the roster table, and those that cSession::CreateRosterItem makes, have their session.
+    void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
 private:

@@ -5,28 +5,14 @@
 #include <functional>
 #include <memory>
 
+#include "quorix/base/Enumerations.h"
 #include "quorix/base/String.h"
 #include "quorix/base/TextRules.h"
 #include "quorix/link/SessionEvents.h"
 
 namespace quorix {
 
-// The kind of entity that stands behind a JID.
-enum eItemType : std::int32_t {
-    KV_RosterItem = 0,
-    KV_AgentItem = 1,
-    KV_GroupChatItem = 2,
-    KV_Unknown = 3,
-};
-
-// How a login may be made. `digest`, `sequence` and `token` are what the server offered.
-enum eAuthType : std::int32_t {
-    KV_AutoAuth = 0,    // the strongest form on offer
-    KV_ZeroKAuth = 1,   // zero-knowledge: a hash, a sequence and a token
-    KV_DigestAuth = 2,  // SHA-1 of the stream id and the password
-    KV_PlainAuth = 3,   // the password itself
-};
-
+// How the login is to be made, and what the server has offered for it.
 struct LoginFacts {
     eAuthType authType = KV_AutoAuth;
     String sessionID;
@@ -76,6 +62,11 @@ public:
         ForEachSink(std::ref(raise));
     }
 };
+
+class cSession;
+
+// What an application's session is to a feature, null for null. The two live and end together.
+std::shared_ptr<SessionLink> LinkOf(const std::shared_ptr<cSession>& session);
 
 // The session behind a record's weak reference. Error 91 when it is gone or was never set.
 std::shared_ptr<SessionLink> RequireSession(const std::weak_ptr<SessionLink>& session);

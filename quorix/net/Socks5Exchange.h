@@ -10,15 +10,10 @@
 #include <optional>
 #include <string>
 
+#include "quorix/base/Enumerations.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
-
-// The values are the method codes of the protocol.
-enum eProxy_Authentication : std::int32_t {
-    KV_SocksNoAuth = 0,
-    KV_SocksUserPass = 2,
-};
 
 // Texts go out one byte a character.
 struct Socks5Request {

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Enumerations.h"
 #include "quorix/link/SessionLink.h"
-#include "quorix/link/eShowType.h"
 #include "quorix/services/cGroupChat.h"
 
 namespace quorix {

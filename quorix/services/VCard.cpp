@@ -178,7 +178,6 @@ void HandleVCard(const std::shared_ptr<SessionLink>& link, const Stanza& stanza)
     ParsedNode element = stanza.Query();
     if (!stanza.IsResult() || !EqualsIgnoringCase(element.Name(), u"VCARD")) return;
     std::shared_ptr<cVcard> card = ReadVCard(link->Text(), element);
-    card->SetSession(link);
     link->Raise(&SessionEvents::OnVCardResult, card, stanza.From(), stanza.Node());
 }
 

@@ -9,7 +9,7 @@
 
 namespace quorix {
 
-class SessionLink;
+class cSession;
 
 // 32 properties of text, each stored and returned unchanged: `String Name() const` and
 // `void Name(StringView)`. MiddleName and HomeExtAddress are read from replies and never published.
@@ -58,11 +58,8 @@ public:
     QUORIX_PROPERTY(Description)
 #undef QUORIX_PROPERTY
 
-    // The session that the card belongs to. Nothing on the card itself needs it.
-    void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
-
-private:
-    std::weak_ptr<SessionLink> session_;
+    // Taken for the sake of programs that set it: nothing here needs one.
+    void SetSession(const std::shared_ptr<cSession>& /*session*/) {}
 };
 
 }  // namespace quorix

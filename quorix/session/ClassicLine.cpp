@@ -2,7 +2,7 @@
 
 #include "quorix/net/HttpTunnel.h"
 #include "quorix/net/mSocketSSL.h"
-#include "quorix/session/cSession.h"
+#include "quorix/session/SessionCore.h"
 
 namespace quorix {
 
@@ -12,7 +12,7 @@ constexpr std::int32_t kSecond = 1000;
 
 }  // namespace
 
-std::shared_ptr<Line> NewClassicLine(cSession& session) { return std::make_shared<ClassicLine>(session); }
+std::shared_ptr<Line> NewClassicLine(SessionCore& session) { return std::make_shared<ClassicLine>(session); }
 
 void Line::TransmitByRequest(std::string_view bytes) {
     session_.socket_->SendBytes(
@@ -23,7 +23,7 @@ std::string_view Line::WithoutResponses(std::string_view bytes) const {
     return session_.proxyType_ == KV_HTTPProxy && IsHttpResponse(bytes) ? std::string_view() : bytes;
 }
 
-ClassicLine::ClassicLine(cSession& session) : Line(session), relay_(session.weak_from_this()) {
+ClassicLine::ClassicLine(SessionCore& session) : Line(session), relay_(session.weak_from_this()) {
     mTimer::SetRelay(relay_);
 }
 

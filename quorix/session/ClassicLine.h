@@ -10,7 +10,7 @@ namespace quorix {
 
 class ClassicLine final : public Line {
 public:
-    explicit ClassicLine(cSession& session);
+    explicit ClassicLine(SessionCore& session);
     ~ClassicLine() override;
 
     void AttemptBegins() override;

@@ -3,6 +3,12 @@
 #include "quorix/auth/Account.h"
 #include "quorix/base/Number.h"
 #include "quorix/im/Messages.h"
+#include "quorix/im/Presence.h"
+#include "quorix/services/Browse.h"
+#include "quorix/services/Conference.h"
+#include "quorix/services/Information.h"
+#include "quorix/services/OutOfBand.h"
+#include "quorix/services/VCard.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "quorix/link/Stanza.h"
-#include "quorix/session/cSession.h"
+#include "quorix/session/SessionCore.h"
 
 namespace quorix {
 
 class Dispatcher {
 public:
-    Dispatcher(cSession& session, const std::shared_ptr<SessionLink>& self)
+    Dispatcher(SessionCore& session, const std::shared_ptr<SessionLink>& self)
         : session_(session), self_(self) {}
 
     void ProcessStanza(Frame frame);
@@ -45,7 +45,7 @@ private:
     void RosterQuery(const Stanza& stanza);
     void WithoutQuery(const Stanza& stanza);
 
-    cSession& session_;
+    SessionCore& session_;
     const std::shared_ptr<SessionLink>& self_;
 };
 

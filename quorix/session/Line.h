@@ -12,11 +12,11 @@
 
 namespace quorix {
 
-class cSession;
+class SessionCore;
 
 class Line {
 public:
-    explicit Line(cSession& session) : session_(session) {}
+    explicit Line(SessionCore& session) : session_(session) {}
     virtual ~Line() = default;
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
@@ -55,10 +55,10 @@ protected:
     void TransmitByRequest(std::string_view bytes);
     std::string_view WithoutResponses(std::string_view bytes) const;
 
-    cSession& session_;
+    SessionCore& session_;
 };
 
-std::shared_ptr<Line> NewClassicLine(cSession& session);
-std::shared_ptr<Line> NewModernLine(cSession& session);
+std::shared_ptr<Line> NewClassicLine(SessionCore& session);
+std::shared_ptr<Line> NewModernLine(SessionCore& session);
 
 }  // namespace quorix

@@ -5,7 +5,7 @@
 
 #include "quorix/base/WireText.h"
 #include "quorix/net/mSocketSSL.h"
-#include "quorix/session/cSession.h"
+#include "quorix/session/SessionCore.h"
 
 namespace quorix {
 
@@ -25,7 +25,7 @@ std::int64_t Spread(std::int64_t milliseconds, std::uint32_t random) {
 
 }  // namespace
 
-std::shared_ptr<Line> NewModernLine(cSession& session) { return std::make_shared<ModernLine>(session); }
+std::shared_ptr<Line> NewModernLine(SessionCore& session) { return std::make_shared<ModernLine>(session); }
 
 ModernLine::~ModernLine() { Environment::Current().CancelLookUp(lookUp_); }
 

@@ -9,7 +9,7 @@ namespace quorix {
 
 class ModernLine final : public Line, public std::enable_shared_from_this<ModernLine> {
 public:
-    explicit ModernLine(cSession& session) : Line(session) {}
+    explicit ModernLine(SessionCore& session) : Line(session) {}
     ~ModernLine() override;
 
     void AttemptBegins() override;

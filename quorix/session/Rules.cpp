@@ -14,7 +14,7 @@ public:
     std::unique_ptr<StreamReader> NewReader(const std::int32_t& /*maxStanzaSize*/) const override {
         return NewClassicReader();
     }
-    std::shared_ptr<Line> NewLine(cSession& session) const override { return NewClassicLine(session); }
+    std::shared_ptr<Line> NewLine(SessionCore& session) const override { return NewClassicLine(session); }
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorAsSent(stanza); }
     bool RefusalEnds() const override { return false; }
     bool ReportsAfterEnd() const override { return true; }
@@ -30,7 +30,7 @@ public:
     std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const override {
         return NewModernReader(maxStanzaSize);
     }
-    std::shared_ptr<Line> NewLine(cSession& session) const override { return NewModernLine(session); }
+    std::shared_ptr<Line> NewLine(SessionCore& session) const override { return NewModernLine(session); }
     StanzaError ErrorOf(const Stanza& stanza) const override { return ErrorByCondition(stanza); }
     bool RefusalEnds() const override { return true; }
     bool ReportsAfterEnd() const override { return false; }

@@ -5,17 +5,13 @@
 
 #include <memory>
 
+#include "quorix/base/Enumerations.h"
 #include "quorix/base/TextRules.h"
 #include "quorix/link/StanzaError.h"
 #include "quorix/session/Line.h"
 #include "quorix/session/StreamReader.h"
 
 namespace quorix {
-
-enum eMode : std::int32_t {
-    KV_Classic = 0,  // the protocol's traps included: values are text or wire text, as each member says
-    KV_Modern = 1,   // every value is text, and whatever goes wrong is told
-};
 
 // Rules hold no state of a session; both objects live for ever and serve all threads.
 class SessionRules {
@@ -29,7 +25,7 @@ public:
     virtual std::unique_ptr<StreamReader> NewReader(const std::int32_t& maxStanzaSize) const = 0;
 
     // How the session comes to its connection and keeps it.
-    virtual std::shared_ptr<Line> NewLine(cSession& session) const = 0;
+    virtual std::shared_ptr<Line> NewLine(SessionCore& session) const = 0;
 
     virtual StanzaError ErrorOf(const Stanza& stanza) const = 0;
 

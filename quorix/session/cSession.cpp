@@ -4,473 +4,261 @@
 #include <utility>
 
 #include "quorix/auth/Account.h"
-#include "quorix/auth/cAuth.h"
-#include "quorix/base/WireText.h"
+#include "quorix/base/Jid.h"
+#include "quorix/base/Number.h"
 #include "quorix/base/modUTF_8.h"
-#include "quorix/link/StanzaText.h"
-#include "quorix/session/Dispatcher.h"
+#include "quorix/im/Messages.h"
+#include "quorix/im/Presence.h"
+#include "quorix/im/Roster.h"
+#include "quorix/services/Browse.h"
+#include "quorix/services/Conference.h"
+#include "quorix/services/Information.h"
+#include "quorix/services/OutOfBand.h"
+#include "quorix/services/PrivateStorage.h"
+#include "quorix/services/VCard.h"
+#include "quorix/session/SessionCore.h"
 
 namespace quorix {
 
 namespace {
 
 constexpr std::int32_t kLongestLoginTimeout = std::numeric_limits<std::int32_t>::max() / 1000;
-constexpr StringView kKeepAliveText = u"  \t  ";
-constexpr StringView kStreamsNamespace = u"http://etherx.jabber.org/streams";
-
-// Sets a flag while in scope.
-class Flagged {
-public:
-    explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Flagged() { flag_ = false; }
-    Flagged(const Flagged&) = delete;
-    Flagged& operator=(const Flagged&) = delete;
-
-private:
-    bool& flag_;
-};
 
 }  // namespace
 
-// Marks one reference as held by an entry in progress, so that it does not count as the application's.
-class cSession::Held {
-public:
-    explicit Held(cSession& session) : session_(session) { ++session_.held_; }
-    ~Held() { --session_.held_; }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-
-private:
-    cSession& session_;
-};
-
-// A call from the application, which may drop its last reference meanwhile.
-class cSession::Entry {
-public:
-    explicit Entry(cSession& session) : self_(session.shared_from_this()), held_(session) {}
-    const std::shared_ptr<SessionLink>& Self() const { return self_; }
-
-private:
-    std::shared_ptr<SessionLink> self_;
-    Held held_;
-};
-
-// The socket holds the session only while it raises an event; that reference is one of an entry in progress.
-class cSession::SocketPort : public SocketEvents {
-public:
-    explicit SocketPort(cSession& session) : session_(session) {}
-
-    void OnConnect() override {
-        Deliver([&session = session_] { session.socket1_Connect(); });
-    }
-    void OnClosed() override {
-        Deliver([&session = session_] { session.socket1_Closed(); });
-    }
-    void OnError(std::int32_t Number, StringView Description) override {
-        Deliver([&session = session_, Number, text = String(Description)] {
-            session.socket1_Error(Number, text);
-        });
-    }
-    // Most often nothing has to wait, and the bytes are taken where they are.
-    void OnDataArrival(std::string_view bytes, StringView /*remoteHost*/) override {
-        if (session_.MustWait()) {
-            Deliver([&session = session_, data = std::string(bytes)] { session.socket1_DataArrival(data); });
-            return;
-        }
-        Held held(session_);
-        session_.TakeNow([&] { session_.socket1_DataArrival(bytes); });
-    }
-
-private:
-    void Deliver(std::function<void()> step) {
-        Held held(session_);
-        session_.Deliver(std::move(step));
-    }
-
-    cSession& session_;
-};
-
-// -- Life --
-
-cSession::cSession() = default;
-
 std::shared_ptr<cSession> cSession::Create() {
-    std::shared_ptr<cSession> session(new cSession);
-    session->Initialise();
-    return session;
+    std::shared_ptr<SessionCore> core = SessionCore::Create();
+    return {core, &core->interface_};
 }
+void cSession::Advise(std::shared_ptr<SessionEvents> sink) { core_->sinks_.Advise(std::move(sink)); }
+void cSession::Unadvise(const std::shared_ptr<SessionEvents>& sink) { core_->sinks_.Unadvise(sink); }
+eMode cSession::Mode() const { return core_->rules_->Mode(); }
+void cSession::Mode(eMode value) { core_->Mode(value); }
 
-void cSession::Initialise() {
-    line_ = rules_->NewLine(*this);
-    socket_ = std::make_shared<cSocketSSL>();
-    socketPort_ = std::make_unique<SocketPort>(*this);
-    socket_->Advise(std::shared_ptr<SocketEvents>(shared_from_this(), socketPort_.get()));
-}
+// -- Account and server --
 
-cSession::~cSession() {
-    if (socket_) socket_->Disconnect();
-}
-
-void cSession::Mode(eMode value) {
-    const SessionRules& rules = RulesOf(value);
-    if (socket_->State() != sockClosed) throw AutomationError(ERR_InvalidCall);
-    if (rules_ == &rules) return;
-    rules_ = &rules;
-    line_ = rules.NewLine(*this);
-}
-
-void cSession::KeepAliveInterval(std::int16_t value) {
-    keepAliveInterval_ = value;
-    if (value == 0) keepAlive_ = false;
-}
-
+String cSession::ServerAddress() const { return core_->serverAddress_; }
+void cSession::ServerAddress(StringView value) { core_->serverAddress_ = value; }
+String cSession::username() const { return core_->username_; }
+void cSession::username(StringView value) { core_->username_ = value; }
+String cSession::Password() const { return core_->password_; }
+void cSession::Password(StringView value) { core_->password_ = value; }
+String cSession::Resource() const { return core_->resource_; }
+void cSession::Resource(StringView value) { core_->resource_ = value; }
+std::int16_t cSession::Port() const { return core_->port_; }
+void cSession::Port(std::int16_t value) { core_->port_ = value; }
+String cSession::ConnectHost() const { return core_->connectHost_; }
+void cSession::ConnectHost(StringView value) { core_->connectHost_ = value; }
+std::int32_t cSession::LoginTimeout() const { return core_->loginTimeout_; }
 void cSession::LoginTimeout(std::int32_t value) {
     if (value < 0 || value > kLongestLoginTimeout) throw AutomationError(ERR_Overflow);
-    loginTimeout_ = value;
+    core_->loginTimeout_ = value;
 }
-
-std::int32_t cSession::ReconnectDelay() const { return line_->RetryDelay(); }
-
+std::int32_t cSession::MaxStanzaSize() const { return core_->maxStanzaSize_; }
 void cSession::MaxStanzaSize(std::int32_t value) {
     if (value < 0) throw AutomationError(ERR_Overflow);
-    maxStanzaSize_ = value;
+    core_->maxStanzaSize_ = value;
 }
+bool cSession::UseSSL() const { return core_->useSSL_; }
+void cSession::UseSSL(bool value) { core_->useSSL_ = value; }
+eAuthType cSession::AuthType() const { return core_->login_.authType; }
+void cSession::AuthType(eAuthType value) { core_->login_.authType = value; }
+String cSession::MyJid() const { return core_->MyJid(); }
 
+// -- The user's own presence: stored here, sent by SendMyPresence --
+
+std::int16_t cSession::Priority() const { return core_->priority_; }
+void cSession::Priority(std::int16_t value) { core_->priority_ = value; }
+bool cSession::available() const { return core_->available_; }
+void cSession::available(bool value) { core_->available_ = value; }
+String cSession::Status() const { return core_->status_; }
+void cSession::Status(StringView value) { core_->status_ = value; }
+eShowType cSession::ShowType() const { return static_cast<eShowType>(core_->showType_); }
+void cSession::ShowType(eShowType value) { core_->showType_ = ToInt16(value); }
+
+// -- Keeping the line --
+
+bool cSession::KeepAlive() const { return core_->keepAlive_; }
+void cSession::KeepAlive(bool value) { core_->keepAlive_ = value; }
+std::int16_t cSession::KeepAliveInterval() const { return core_->keepAliveInterval_; }
+void cSession::KeepAliveInterval(std::int16_t value) {
+    core_->keepAliveInterval_ = value;
+    if (value == 0) core_->keepAlive_ = false;
+}
+bool cSession::Reconnect() const { return core_->reconnect_; }
+void cSession::Reconnect(bool value) { core_->reconnect_ = value; }
+std::int16_t cSession::ReconnectAttempts() const {
+    return static_cast<std::int16_t>(core_->reconnectAttempts_);
+}
+void cSession::ReconnectAttempts(std::int16_t value) { core_->reconnectAttempts_ = value; }
+std::int16_t cSession::ReconnectInterval() const {
+    return static_cast<std::int16_t>(core_->reconnectInterval_);
+}
+void cSession::ReconnectInterval(std::int16_t value) { core_->reconnectInterval_ = value; }
+std::int32_t cSession::ReconnectDelay() const { return core_->line_->RetryDelay(); }
+
+// -- Proxy --
+
+eProxyType cSession::ProxyType() const { return core_->proxyType_; }
+void cSession::ProxyType(eProxyType value) { core_->proxyType_ = value; }
+String cSession::ProxyHostname() const { return core_->proxyHostname_; }
+void cSession::ProxyHostname(StringView value) { core_->proxyHostname_ = value; }
+std::int32_t cSession::ProxyPort() const { return core_->proxyPort_; }
 void cSession::ProxyPort(std::int32_t value) {
     if (value < 0 || value > std::numeric_limits<std::uint16_t>::max()) throw AutomationError(ERR_Overflow);
-    proxyPort_ = value;
+    core_->proxyPort_ = value;
 }
-
+String cSession::ProxyUsername() const { return core_->proxyUsername_; }
+void cSession::ProxyUsername(StringView value) { core_->proxyUsername_ = value; }
+String cSession::ProxyPassword() const { return core_->proxyPassword_; }
+void cSession::ProxyPassword(StringView value) { core_->proxyPassword_ = value; }
+eProxy_Authentication cSession::ProxyAuthentication() const { return core_->proxyAuthentication_; }
+void cSession::ProxyAuthentication(eProxy_Authentication value) { core_->proxyAuthentication_ = value; }
 bool cSession::ProxyUseRemoteDNS() const {
-    if (!proxyUseRemoteDNS_) throw AutomationError(ERR_TypeMismatch);
-    return *proxyUseRemoteDNS_;
+    if (!core_->proxyUseRemoteDNS_) throw AutomationError(ERR_TypeMismatch);
+    return *core_->proxyUseRemoteDNS_;
 }
+void cSession::ProxyUseRemoteDNS(bool value) { core_->proxyUseRemoteDNS_ = value; }
 
-// -- Events --
+// -- State --
 
-bool cSession::IsAbandoned() const { return weak_from_this().use_count() <= held_; }
+String cSession::SessionID() const { return core_->login_.sessionID; }
+bool cSession::digest() const { return core_->login_.digest; }
+std::int32_t cSession::Sequence() const { return core_->login_.sequence; }
+String cSession::Token() const { return core_->login_.token; }
+bool cSession::Active() const { return core_->active_; }
+bool cSession::IsConnected() const { return core_->IsConnected(); }
+String cSession::LocalIP() const { return core_->socket_->LocalIP(); }
+const std::shared_ptr<cSocketSSL>& cSession::Socket() const { return core_->socket_; }
 
-void cSession::ForEachSink(const std::function<void(SessionEvents&)>& raise) {
-    if (!IsAbandoned()) sinks_.ForEach(raise);
-}
+// -- Connection --
 
-// -- Connecting --
-
-void cSession::Connect(bool bNewUser) {
-    Entry entry(*this);
-    if (socket_->State() != sockClosed) active_ = false;
-    CloseSocket();
-    authorized_ = streamOpen_ = false;
-    newUser_ = bNewUser;
-    connectionWanted_ = true;
-    ++generation_;
-    accountCreated_ = false;
-    line_->AttemptBegins();
-    socket_->SSLEnable(useSSL_);
-    switch (proxyType_) {
-        case KV_NoProxy:
-        case KV_HTTPProxy:
-        case KV_SOCKS5Proxy: return line_->OpenSocket();
-        default: return;
-    }
-}
-
-void cSession::socket1_Connect() { line_->SocketUp(); }
-
-void cSession::SendStreamHeader() {
-    reader_ = rules_->NewReader(maxStanzaSize_);
-    Send(Compose(Text(), {u"<stream:stream to='", Quoted(serverAddress_),
-                          u"' xmlns='jabber:client' xmlns:stream='", Markup(kStreamsNamespace), u"'>"}));
-}
-
-// A handler may connect again; that attempt is not the one that failed.
-void cSession::socket1_Error(std::int32_t code, StringView description) {
-    std::shared_ptr<Line> line = line_;
-    std::uint32_t generation = generation_;
-    RaiseSocketError(code, description);
-    if (generation_ == generation) line->SocketFailed(code);
-}
-
-void cSession::RaiseSocketError(std::int32_t code, StringView description) {
-    // Not well-formed, on purpose: applications get an element that is empty, and the facts as arguments.
-    auto element = std::make_shared<cXML_Node>();
-    element->xml(Concat({u"<QuorixServer type = error><error code = ", ToString(code), u">", description,
-                         u"</error></QuorixServer>"}));
-    Raise(&SessionEvents::OnSocketError, element, description, static_cast<std::int16_t>(code));
-}
-
-// -- Disconnecting --
-
-void cSession::Disconnect() {
-    Entry entry(*this);
-    connectionWanted_ = false;
-    CloseSession({}, {});
-}
-
-void cSession::socket1_Closed() { CloseSession({}, {}); }
-
-void cSession::CloseSession(StringView code, StringView description) {
-    if (closing_) return;
-    Entry entry(*this);
-    std::uint32_t generation = generation_;
-    {
-        Flagged closing(closing_);
-        line_->Closing();
-        if (reader_) reader_->Stop();
-        authorized_ = streamOpen_ = active_ = false;
-        roster_.StreamEnded();
-        if (IsConnected()) SayGoodbye();
-        if (generation_ == generation) CloseSocket();
-        if (!code.empty()) RaiseError(code, description);
-        search_.Empty();
-        Raise(&SessionEvents::OnDisConnected);
-    }
-    if (generation_ == generation) {
-        std::shared_ptr<Line>(line_)->Closed();
-    } else if (!connectionWanted_) {
-        CloseSocket();  // a handler has connected anew, and another has changed that
-    }
-    if (!delivering_) DrainDeliveries();
-}
-
-// Sending the presence delivers pending messages, among which a connection may come up that a handler began.
-void cSession::SayGoodbye() {
-    std::uint32_t generation = generation_;
-    SendPresence({}, KV_UnAvailable, {});
-    if (generation_ == generation) Send(u"</stream:stream>");
-}
-
-void cSession::CloseSocket() {
-    ++socketEpoch_;
-    socket_->Disconnect();
-}
-
-void cSession::RaiseError(StringView code, StringView description) {
-    auto element = std::make_shared<cXML_Node>();
-    element->xml(Concat({u"<QuorixServer type = 'error'> <error code = '", code, u"'>", description,
-                         u"</error></QuorixServer>"}));
-    Raise(&SessionEvents::OnError, element, serverAddress_, WireInt16(code), description);
-}
-
-// -- Timers --
-
-void cSession::KeepAliveTick() {
-    Held held(*this);
-    Send(kKeepAliveText);
-}
-
-void cSession::ReconnectTick() {
-    Held held(*this);
-    Connect(false);
-}
-
-void cSession::Enter(const std::function<void()>& step) {
-    Entry entry(*this);
-    step();
-}
-
-// -- Notifications --
-
-void cSession::Deliver(std::function<void()> step) {
-    deliveries_.push_back({socketEpoch_, std::move(step)});
-    if (!delivering_ && !closing_) DrainDeliveries();
-}
-
-template <class Step>
-void cSession::TakeNow(Step step) {
-    {
-        Flagged delivering(delivering_);
-        step();
-    }
-    if (!deliveries_.empty()) DrainDeliveries();
-}
-
-void cSession::DrainDeliveries() {
-    Flagged delivering(delivering_);
-    while (!deliveries_.empty()) {
-        Delivery next = std::move(deliveries_.front());
-        deliveries_.pop_front();
-        if (next.socketEpoch == socketEpoch_) next.step();
-    }
-}
-
-void cSession::socket1_DataArrival(std::string_view bytes) {
-    std::string_view ofTheStream = std::shared_ptr<Line>(line_)->Receive(bytes);
-    if (!ofTheStream.empty()) ProcessIncoming(ofTheStream);
-}
-
-Socks5Request cSession::ProxyRequest() const {
-    return {proxyAuthentication_,
-            proxyUsername_,
-            proxyPassword_,
-            serverAddress_,
-            static_cast<std::uint16_t>(port_),
-            proxyUseRemoteDNS_.value_or(false)};
-}
-
-// -- The inbound stream --
-
-void cSession::ProcessIncoming(std::string_view bytes) {
-    if (!reader_) return;
-    Entry entry(*this);
-    Dispatcher dispatcher(*this, entry.Self());
-    std::uint32_t generation = generation_;
-    try {
-        reader_->Feed(bytes, sinks_.WantWireText());
-    } catch (const std::bad_alloc&) {
-        return CloseSession({}, {});
-    }
-    while (generation_ == generation && TakeStep(dispatcher)) {
-    }
-}
-
-// False when there is none. A stream that could not be read for want of memory is lost.
-bool cSession::TakeStep(Dispatcher& dispatcher) {
-    StreamStep step;
-    try {
-        step = reader_->Next();
-    } catch (const std::bad_alloc&) {
-        step.kind = StreamStep::Kind::Closed;
-    }
-    switch (step.kind) {
-        case StreamStep::Kind::Nothing: return false;
-        case StreamStep::Kind::Header: TakeStreamHeader(step); break;
-        case StreamStep::Kind::Stanza: dispatcher.ProcessStanza(std::move(step.frame)); break;
-        case StreamStep::Kind::Error: EndWithStreamError(step); break;
-        case StreamStep::Kind::Closed: CloseSession({}, {}); break;
-    }
-    return true;
-}
-
-void cSession::RaiseWireText(void (SessionEvents::*event)(StringView), StringView text) {
-    ForEachSink([&](SessionEvents& sink) {
-        if (sink.WantsWireText()) (sink.*event)(text);
-    });
-}
-
-void cSession::TakeStreamHeader(const StreamStep& header) {
-    std::uint32_t generation = generation_;
-    RaiseWireText(&SessionEvents::OnIncomingXML, header.text);
-    if (generation_ != generation) return;
-    streamOpen_ = true;
-    login_.sessionID = header.streamId;
-    if (!IsConnected()) return;  // a handler has closed it
-    line_->StreamOpens();
-    loginQueryId_ = {};
-    if (newUser_) return RequestRegistrationForm(*this, loginQueryId_ = GetNextID());
-    switch (login_.authType) {
-        case KV_PlainAuth: return StartLogin();
-        case KV_AutoAuth:
-        case KV_ZeroKAuth:
-        case KV_DigestAuth: return RequestLoginFields();
-    }
-}
-
-// The state is set to closed first, so that neither presence nor closing tag answers an error.
-void cSession::EndWithStreamError(const StreamStep& error) {
-    std::uint32_t generation = generation_;
-    if (!error.text.empty()) RaiseWireText(&SessionEvents::OnIncomingXML, error.text);
-    if (generation_ != generation) return;
-    if (error.isFinal) connectionWanted_ = false;
-    socket_->State(sockClosed);
-    CloseSession(u"0", error.description);
-}
-
-void cSession::RequestLoginFields() {
-    loginQueryId_ = GetNextID();
-    Send(Compose(Text(), {u"<iq type='get' to='", Quoted(serverAddress_), u"' id='", Quoted(loginQueryId_),
-                          u"'><query xmlns='jabber:iq:auth'><username>", Content(username_, Put::Own),
-                          u"</username></query></iq>"}));
-}
-
-void cSession::StartLogin() {
-    if (IsAbandoned() || !IsConnected()) return;
-    cAuth auth;
-    auth.SetSession(shared_from_this());
-    if (auth.TellsPassword() && !MayTellPassword()) return RefuseToTellPassword();
-    auth.SendAuth();
-}
-
-bool cSession::MayTellPassword() const {
-    return rules_->MayTellPassword(socket_->SSLHandle() != 0, login_.authType == KV_PlainAuth);
-}
-
-void cSession::RefuseToTellPassword() { EndForGood(u"0", u"The password would go out in the clear"); }
-
-void cSession::EndForGood(StringView code, StringView description) {
-    connectionWanted_ = false;
-    CloseSession(code, description);
-}
-
-void cSession::ChangePassword(StringView NewPassword) {
-    if (!MayTellPassword()) throw AutomationError(ERR_InvalidCall);
-    quorix::ChangePassword(*this, NewPassword);
-}
-
-void cSession::BecomeActive() { authorized_ = active_ = true; }
-
-void cSession::CompleteLogin() {
-    BecomeActive();
-    std::uint32_t generation = generation_;
-    Raise(&SessionEvents::OnAuthorized);
-    if (generation_ != generation || !authorized_) return;
-    line_->LoggedIn();
-}
-
-// -- The outbound path --
-
-void cSession::SendXML(StringView xml) {
-    if (!IsConnected()) return rules_->RefuseToSend();
-    Send(xml);
-}
-
-// What the session sends by itself is dropped in silence when a handler has closed the connection.
-void cSession::Send(StringView xml) {
-    if (!IsConnected()) return;
-    Entry entry(*this);
-    line_->Transmit(Text().ToBytes(xml));
-    RaiseWireText(&SessionEvents::OnOutgoingXML, xml);
-}
-
-String cSession::GetNextID() {
-    ++idCounter_;
-    return GetCurrentID();
-}
-
-String cSession::GetCurrentID() const {
-    return Concat({u"KV_", ToString(static_cast<std::int32_t>(idCounter_))});
-}
-
+void cSession::Connect(bool bNewUser) { core_->Connect(bNewUser); }
+void cSession::Disconnect() { core_->Disconnect(); }
+void cSession::SendXML(StringView xml) { core_->SendXML(xml); }
+String cSession::GetNextID() { return core_->GetNextID(); }
+String cSession::GetCurrentID() const { return core_->GetCurrentID(); }
 String cSession::Convert2UTF8(StringView sIn) const { return EncodeUTF8(sIn, false); }
 String cSession::Convert2Unicode(StringView sIn) const { return DecodeUTF8(sIn, true); }
 
-// -- Records --
+// -- Presence (RFC 3921) --
 
-void cSession::EmptyTables() {
-    presence_.Clear();
-    roster_.Clear();
-    rooms_.Items().Clear();
+PresenceTable& cSession::Presence() { return core_->presence_; }
+void cSession::SendMyPresence() {
+    quorix::SendMyPresence(*core_, core_->status_, core_->showType_, core_->priority_);
 }
+void cSession::SendPresence(StringView jid, eSubType subType, StringView status) {
+    quorix::SendPresence(*core_, jid, subType, status);
+}
+std::int32_t cSession::FindPresence(StringView jid, StringView resource, bool primary) {
+    return core_->presence_.FindPresence(jid, resource, primary);
+}
+String cSession::RemoveResource(StringView jid) const { return quorix::RemoveResource(jid); }
+String cSession::GetResource(StringView jid) const { return quorix::GetResource(jid); }
 
+// -- Contacts (jabber:iq:roster) --
+
+RosterTable& cSession::Roster() { return core_->roster_; }
+void cSession::FetchRoster() { quorix::FetchRoster(*core_); }
 std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
     auto item = std::make_shared<cRosterItem>();
-    item->SetSession(shared_from_this());
+    item->SetSession(core_->shared_from_this());
     return item;
 }
-
+std::int16_t cSession::FindRosterItem(StringView jid) const { return core_->roster_.FindRosterItem(jid); }
 void cSession::ParseReceiveRoster(const NodePtr& message) {
     NodePtr kept = message;  // handlers may let it go
     if (!kept) throw AutomationError(ERR_ObjectNotSet);
-    quorix::ParseReceiveRoster(*this, *kept);
+    quorix::ParseReceiveRoster(*core_, *kept);
 }
 
-eItemType cSession::FindItemType(StringView jid) {
-    if (rooms_.FindFromWire(Text(), jid) > 0) return KV_GroupChatItem;
-    String bareJid = RemoveResource(jid);
-    if (agents_.Knows(bareJid)) return KV_AgentItem;
-    return roster_.Contains(bareJid) ? KV_RosterItem : KV_Unknown;
+// -- Messages --
+
+std::shared_ptr<cMessage> cSession::CreateMessage(StringView toJid, eMsgType type, StringView body,
+                                                  StringView subject) {
+    return quorix::CreateMessage(core_->shared_from_this(), toJid, type, body, subject);
+}
+void cSession::SendEvent(StringView jid, eEvent event, StringView id, bool cancel) {
+    quorix::SendEvent(*core_, jid, event, id, cancel);
 }
 
-bool cSession::LeaveRoom(StringView jid, StringView nickname) { return rooms_.Leave(Text(), jid, nickname); }
+// -- The account (jabber:iq:register, XEP-0077) --
+
+void cSession::ChangePassword(StringView NewPassword) { core_->ChangePassword(NewPassword); }
+void cSession::RemoveAccount() { quorix::RemoveAccount(*core_); }
+
+// -- Agents (jabber:iq:agents) --
+
+Collection<std::shared_ptr<cAgentItem>>& cSession::Agents() { return core_->agents_.Items(); }
+void cSession::FetchAgents() { quorix::FetchAgents(*core_); }
+std::int16_t cSession::FindAgent(StringView JID) const { return core_->agents_.FindAgent(JID); }
+void cSession::GetAgentRegister(StringView JID, StringView ID) { quorix::GetAgentRegister(*core_, JID, ID); }
+
+// -- Searching (jabber:iq:search, XEP-0055): requests are the agents' --
+
+const std::shared_ptr<cSearchFields>& cSession::SearchFields() const { return core_->search_.SearchFields(); }
+const std::shared_ptr<cSearchResults>& cSession::Searchresults() const {
+    return core_->search_.Searchresults();
+}
+const std::shared_ptr<cXData>& cSession::SearchXData() const { return core_->search_.SearchXData(); }
+
+// -- Business cards (vcard-temp, XEP-0054) --
+
+void cSession::SendVCardRequest(StringView JID) { quorix::SendVCardRequest(*core_, JID); }
+void cSession::UpdateVcard(const std::shared_ptr<cVcard>& vcard) { quorix::UpdateVcard(*core_, vcard); }
+
+// -- Rooms (jabber:iq:browse, jabber:iq:conference) --
+
+Collection<std::shared_ptr<cGroupChat>>& cSession::Rooms() { return core_->rooms_.Items(); }
+std::int32_t cSession::FindGroupChat(StringView JID) const { return core_->rooms_.FindGroupChat(JID); }
+void cSession::BrowseChatServer(StringView JID, StringView ID) { quorix::BrowseChatServer(*core_, JID, ID); }
+void cSession::BrowseChatRoom(StringView JID, StringView ID) { quorix::BrowseChatRoom(*core_, JID, ID); }
+void cSession::SendGroupChatRequest(const std::shared_ptr<cGroupChat>& groupChat, bool available) {
+    core_->rooms_.SendGroupChatRequest(*core_, groupChat, available);
+}
+void cSession::SendGroupChatPresence(StringView groupJID, eShowType showType, StringView status) {
+    quorix::SendGroupChatPresence(*core_, groupJID, showType, status);
+}
+void cSession::ChangeGCNickName(const std::shared_ptr<cGroupChat>& groupChat, StringView sNickname) {
+    quorix::ChangeGCNickName(*core_, groupChat, sNickname);
+}
+void cSession::SendGCInvite10(StringView JID, StringView GCJID) {
+    quorix::SendGCInvite10(*core_, JID, GCJID);
+}
+
+// -- Questions and answers (jabber:iq:version, jabber:iq:time, jabber:iq:last) --
+
+void cSession::SendVersionRequest(StringView JID) { quorix::SendVersionRequest(*core_, JID); }
+void cSession::SendTimeRequest(StringView JID) { quorix::SendTimeRequest(*core_, JID); }
+void cSession::SendLastSeenRequest(StringView JID) { quorix::SendLastSeenRequest(*core_, JID); }
+void cSession::SendVersionResponse(StringView JID, StringView name, StringView version, StringView os) {
+    quorix::SendVersionResponse(*core_, JID, name, version, os);
+}
+void cSession::SendTimeResponse(StringView JID, StringView utc, StringView timeZone, StringView display) {
+    quorix::SendTimeResponse(*core_, JID, utc, timeZone, display);
+}
+void cSession::SendGetLastResponse(StringView JID, StringView seconds) {
+    quorix::SendGetLastResponse(*core_, JID, seconds);
+}
+
+// -- Private storage (jabber:iq:private, XEP-0049) and file offers (jabber:iq:oob, XEP-0066) --
+
+void cSession::StorePrivateData(StringView nameSpace, StringView data) {
+    quorix::StorePrivateData(*core_, nameSpace, data);
+}
+String cSession::getPrivateData(StringView nameSpace) { return quorix::getPrivateData(*core_, nameSpace); }
+void cSession::SendOOBRequest(StringView JID, StringView description, StringView url) {
+    quorix::SendOOBRequest(*core_, JID, description, url);
+}
+void cSession::SendOOBComplete(StringView JID) { quorix::SendOOBComplete(*core_, JID); }
+
+// -- What a JID is --
+
+eItemType cSession::FindItemType(StringView jid) { return core_->FindItemType(jid); }
+
+std::shared_ptr<SessionLink> LinkOf(const std::shared_ptr<cSession>& session) {
+    if (!session) return nullptr;
+    return {session, session->core_};
+}
 
 }  // namespace quorix

@@ -15,7 +15,7 @@ protected:
     cMessage Read(StringView content, StringView attributes = {}) {
         auto node = std::make_shared<cXML_Node>();
         node->xml(Concat({u"<message ", attributes, u">", content, u"</message>"}));
-        return {session, node};
+        return {LinkOf(session), node};
     }
     // What `message` holds between its own tags.
     static std::string Content(const cMessage& message) {
@@ -26,7 +26,7 @@ protected:
 };
 
 TEST_F(MessageTest, GoesOutAsItStands) {
-    cMessage::Create(session)->SendMessage();
+    cMessage::Create(LinkOf(session))->SendMessage();
     EXPECT_EQ(Heard(), R"(<message id="KV_2" type="" to="" )" + kFrom + "/>");
     auto message = session->CreateMessage(u"a@b/c", MSG_Normal, u"b", u"s");
     message->AddBCC(u"secret@z");  // without an open copy there is no blind one

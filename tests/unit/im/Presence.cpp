@@ -32,7 +32,7 @@ TEST_F(PresenceTest, OwnPresenceHasStatusShowAndPriorityInThisOrder) {
         {u"", KV_DND, 1, "<show>dnd</show><priority>1</priority>"},
         {u"", 7, 1, "<priority>1</priority>"}};
     for (const auto& [status, show, priority, content] : cases) {
-        SendMyPresence(*session, status, show, priority);
+        SendMyPresence(*LinkOf(session), status, show, priority);
         EXPECT_EQ(Heard(), "<presence>" + content + "</presence>");
     }
 }
@@ -49,7 +49,7 @@ TEST_F(PresenceTest, DirectedPresenceNamesItsTargetAsItsKindDemands) {
         {7, ""},
     };
     for (const auto& [kind, attributes] : cases) {
-        SendPresence(*session, u"", kind, u"");
+        SendPresence(*LinkOf(session), u"", kind, u"");
         EXPECT_EQ(Heard(), "<presence" + attributes + "><status/></presence>");
     }
     env.Peer().Say("<message/>");

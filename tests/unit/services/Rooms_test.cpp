@@ -33,9 +33,9 @@ TEST_F(Rooms, TakeThePlaceOfTheSameRoomInAnyCaseAndAreLeftByTheirOwnNickname) {
     EXPECT_EQ(session->FindGroupChat(u"a@c/x"), 0);
     session->SendGroupChatRequest(first, false);
     EXPECT_EQ(session->FindGroupChat(u"b@c"), 1);
-    EXPECT_FALSE(session->LeaveRoom(u"b@c", u"Me"));
-    EXPECT_FALSE(session->LeaveRoom(u"B@c", u"me"));
-    EXPECT_TRUE(session->LeaveRoom(u"b@c", u"me"));
+    EXPECT_FALSE(LinkOf(session)->LeaveRoom(u"b@c", u"Me"));
+    EXPECT_FALSE(LinkOf(session)->LeaveRoom(u"B@c", u"me"));
+    EXPECT_TRUE(LinkOf(session)->LeaveRoom(u"b@c", u"me"));
     EXPECT_EQ(session->Rooms().Count(), 0);
 }
 
