@@ -1,7 +1,8 @@
-// The ordered, 1-based collection of the automation world, optionally keyed by string.
-//
-// Keys are compared exactly; an empty string given as key is a key. Nothing here scans: adding, removing and
-// finding by index or key take logarithmic time.
+/// \class quorix::Collection
+/// The ordered, 1-based collection of the automation world, optionally keyed by string.
+///
+/// Keys are compared exactly; an empty string given as key is a key. Nothing here scans: adding, removing and
+/// finding by index or key take logarithmic time.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +18,7 @@
 
 namespace quorix {
 
-// When an element arrived: greater than that of every element before it, and never used again.
+/// When an element arrived: greater than that of every element before it, and never used again.
 using Sequence = std::uint64_t;
 
 template <class T>
@@ -66,7 +67,7 @@ public:
 
     std::int32_t Count() const { return static_cast<std::int32_t>(elements_.size()); }
 
-    // Appends `item`. Error 457 when `key` is in use; the collection is then unchanged.
+    /// Appends `item`. Error 457 when `key` is in use; the collection is then unchanged.
     void Add(T item) { Append({std::move(item)}); }
     void Add(T item, StringView key) {
         if (!byKey_.try_emplace(String(key), next_).second) throw AutomationError(ERR_KeyInUse);
@@ -78,7 +79,7 @@ public:
         }
     }
 
-    // 1 to Count; error 9 outside. Error 5 for an unknown key.
+    /// 1 to Count; error 9 outside. Error 5 for an unknown key.
     const T& Item(std::int32_t index) const { return At(SequenceOf(index)); }
     const T& Item(StringView key) const { return At(SequenceOf(key)); }
     bool HasKey(StringView key) const { return byKey_.find(key) != byKey_.end(); }
@@ -89,7 +90,7 @@ public:
         while (!elements_.empty()) Erase(elements_.begin()->first);
     }
 
-    // Puts `item` in the place of another, which keeps its key. Error 9 outside 1 to Count.
+    /// Puts `item` in the place of another, which keeps its key. Error 9 outside 1 to Count.
     void Replace(std::int32_t index, T item) {
         Sequence sequence = SequenceOf(index);
         T& place = elements_.find(sequence)->second.item;
@@ -102,13 +103,13 @@ public:
     const_iterator end() const { return const_iterator(elements_.end()); }
 
 protected:
-    // For a collection that finds its elements by more than index and key. What throws has changed nothing.
+    /// For a collection that finds its elements by more than index and key. What throws has changed nothing.
     virtual void Entered(Sequence, const T&) {}
     virtual void Leaving(Sequence, const T&) {}
 
     const T& At(Sequence sequence) const { return elements_.find(sequence)->second.item; }
 
-    // The index that `sequence` has now; for one that is gone, the index of what came after it.
+    /// The index that `sequence` has now; for one that is gone, the index of what came after it.
     std::int32_t IndexOf(Sequence sequence) const {
         return static_cast<std::int32_t>(elements_.order_of_key(sequence)) + 1;
     }

@@ -1,4 +1,5 @@
-// Wire text: the bytes of the stream, one character per byte, codes 0 to 255, by identity on every system.
+/// \file
+/// Wire text: the bytes of the stream, one character per byte, codes 0 to 255, by identity on every system.
 #pragma once
 
 #include <string>
@@ -14,16 +15,16 @@ std::size_t AsciiPrefix(std::string_view bytes);  // how many bytes at the front
 String WireFromBytes(std::string_view bytes);
 void PutWire(char16_t* out, std::string_view bytes);  // where there is room for as many
 
-// The inverse. A character above 255 has no byte and goes out as "?".
+/// The inverse. A character above 255 has no byte and goes out as "?".
 std::string BytesFromWire(StringView wire);
 
-// Real UTF-8, the whole of it, for files, consoles and the XML parser; the stream's own limited form is in
-// modUTF_8.h. An unpaired surrogate becomes U+FFFD; a malformed byte sequence becomes one U+FFFD a byte.
+/// Real UTF-8, the whole of it, for files, consoles and the XML parser; the stream's own limited form is in
+/// modUTF_8.h. An unpaired surrogate becomes U+FFFD; a malformed byte sequence becomes one U+FFFD a byte.
 std::string Utf8FromText(StringView text);
 String TextFromUtf8(std::string_view utf8);
 void AppendText(String& out, std::string_view utf8);
 
-// True when `text` is not UTF-16 throughout: half of a surrogate pair stands alone.
+/// True when `text` is not UTF-16 throughout: half of a surrogate pair stands alone.
 bool HasLoneSurrogate(StringView text);
 
 }  // namespace quorix

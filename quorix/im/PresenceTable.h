@@ -1,4 +1,5 @@
-// The presences that the session has seen, one entry for each address and resource, in order of arrival.
+/// \class quorix::PresenceTable
+/// The presences that the session has seen, one entry for each address and resource, in order of arrival.
 #pragma once
 
 #include "quorix/im/RecordTable.h"
@@ -17,7 +18,7 @@ public:
     void Learn(Sequence sequence, const cPresenceItem& item);
     void Forget(Sequence sequence, const cPresenceItem& item);
 
-    // Null when the address has no entry.
+    /// Null when the address has no entry.
     const Contact* Find(StringView jid) const;
 
 private:
@@ -26,20 +27,20 @@ private:
 
 class PresenceTable : public RecordTable<cPresenceItem, PresenceIndex> {
 public:
-    // The 1-based index of an entry, 0 when there is none. Addresses and resources are text, compared
-    // exactly.
-    // - With `resource`: its entry; `primary` is ignored.
-    // - Without, `primary` true: the entry of the highest priority that is not negative; of equal ones the
-    //   latest.
-    // - Without, `primary` false: one step of an enumeration; each call returns the next entry of `jid`, then
-    // 0
-    //   once, then it begins again.
-    // All calls, for whatever address, share one cursor, and each presence that arrives moves it. So begin an
-    // enumeration by FindPresence(jid, u"", true), which sets the cursor to the first entry, and run no
-    // message loop before it ends.
+    /// The 1-based index of an entry, 0 when there is none. Addresses and resources are text, compared
+    /// exactly.
+    /// - With `resource`: its entry; `primary` is ignored.
+    /// - Without, `primary` true: the entry of the highest priority that is not negative; of equal ones the
+    ///   latest.
+    /// - Without, `primary` false: one step of an enumeration; each call returns the next entry of `jid`,
+    ///   then 0 once, then it begins again.
+    ///
+    /// All calls, for whatever address, share one cursor, and each presence that arrives moves it. So begin
+    /// an enumeration by FindPresence(jid, u"", true), which sets the cursor to the first entry, and run no
+    /// message loop before it ends.
     std::int32_t FindPresence(StringView jid, StringView resource, bool primary);
 
-    // The entry that is primary by the same rule, null when there is none. Leaves the cursor alone.
+    /// The entry that is primary by the same rule, null when there is none. Leaves the cursor alone.
     std::shared_ptr<cPresenceItem> Primary(StringView jid) const;
 
 private:

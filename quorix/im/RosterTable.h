@@ -1,4 +1,5 @@
-// The contacts of the account, as the server has reported them, in the order of their first mention.
+/// \class quorix::RosterTable
+/// The contacts of the account, as the server has reported them, in the order of their first mention.
 #pragma once
 
 #include <memory>
@@ -16,7 +17,7 @@ public:
     void Learn(Sequence sequence, const cRosterItem& item);
     void Forget(Sequence sequence, const cRosterItem& item);
 
-    // The first entry of exactly this address, 0 when there is none.
+    /// The first entry of exactly this address, 0 when there is none.
     Sequence Find(StringView jid) const;
     bool ContainsIgnoringCase(StringView jid) const { return byFoldedJid_.contains(ToLower(jid)); }
 
@@ -26,19 +27,19 @@ private:
 
 class RosterTable : public RecordTable<cRosterItem, RosterIndex> {
 public:
-    // The 1-based index of the first contact of exactly this address, 0 when there is none. Error 6 when it
-    // stands beyond 32767.
+    /// The 1-based index of the first contact of exactly this address, 0 when there is none. Error 6 when it
+    /// stands beyond 32767.
     std::int16_t FindRosterItem(StringView jid) const;
 
-    // Whether a contact has this address, ASCII case aside.
+    /// Whether a contact has this address, ASCII case aside.
     bool Contains(StringView jid) const { return GetIndex().ContainsIgnoringCase(jid); }
 
-    // Applies a roster result or push and raises OnRosterBegin, OnRosterItem after each contact, and
-    // OnRosterEnd. A contact that names a group twice ends the stanza there. Other types do nothing.
+    /// Applies a roster result or push and raises OnRosterBegin, OnRosterItem after each contact, and
+    /// OnRosterEnd. A contact that names a group twice ends the stanza there. Other types do nothing.
     void ParseRoster(const std::shared_ptr<SessionLink>& session, const PresenceTable& presences,
                      const Stanza& stanza);
 
-    // The stream has ended, and a roster that was being parsed with it.
+    /// The stream has ended, and a roster that was being parsed with it.
     void StreamEnded() { inProgress_ = false; }
 
 private:

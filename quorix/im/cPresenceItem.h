@@ -1,8 +1,9 @@
-// What is known of one contact at one place: where, in which mood, and how willing to be reached there.
-//
-// Ownership: the session's presence table shares its entries with the application, which may keep and change
-// them; an entry is updated in place, so what is kept changes with the contact.
-// Threads: one session and all its records belong to the thread that created the session.
+/// \class quorix::cPresenceItem
+/// What is known of one contact at one place: where, in which mood, and how willing to be reached there.
+///
+/// Ownership: the session's presence table shares its entries with the application, which may keep and change
+/// them; an entry is updated in place, so what is kept changes with the contact.
+/// Threads: one session and all its records belong to the thread that created the session.
 #pragma once
 
 #include <memory>
@@ -15,27 +16,27 @@
 
 namespace quorix {
 
-// The text of the `show` element; "" for KV_None and for any other value.
+/// The text of the `show` element; "" for KV_None and for any other value.
 StringView ShowText(std::int32_t show);
 
 class cPresenceItem : public WatchedRecord {
 public:
-    // The bare address in lower case, and the resource as sent. Both setters take wire text, both getters
-    // return text. Nothing is validated.
+    /// The bare address in lower case, and the resource as sent. Both setters take wire text, both getters
+    /// return text. Nothing is validated.
     String JID() const { return jid_; }
     void JID(StringView value);
     String Resource() const { return resource_; }
     void Resource(StringView value);
 
-    // Text.
+    /// Text.
     String Status() const { return status_; }
     void Status(StringView value) { status_ = value; }
 
-    // Kept in 16 bits: error 6 for what does not fit.
+    /// Kept in 16 bits: error 6 for what does not fit.
     eShowType ShowType() const { return static_cast<eShowType>(showType_); }
     void ShowType(eShowType value) { showType_ = ToInt16(value); }
 
-    // -32768 to 32767; the greatest one names the contact's primary resource, a negative one never does.
+    /// -32768 to 32767; the greatest one names the contact's primary resource, a negative one never does.
     std::int16_t Priority() const { return priority_; }
     void Priority(std::int16_t value) { Assign(priority_, value); }
 

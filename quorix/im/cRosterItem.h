@@ -1,8 +1,9 @@
-// One contact of the list that the server keeps for the account (jabber:iq:roster, RFC 3921 section 7).
-//
-// Ownership: the session's roster table shares its entries with the application, which may keep and change
-// them; an entry is updated in place when the server reports a change.
-// Threads: one session and all its records belong to the thread that created the session.
+/// \class quorix::cRosterItem
+/// One contact of the list that the server keeps for the account (jabber:iq:roster, RFC 3921 section 7).
+///
+/// Ownership: the session's roster table shares its entries with the application, which may keep and change
+/// them; an entry is updated in place when the server reports a change.
+/// Threads: one session and all its records belong to the thread that created the session.
 #pragma once
 
 #include <memory>
@@ -14,48 +15,48 @@
 
 namespace quorix {
 
-// Who sees whose presence.
+/// Who sees whose presence.
 enum eSubscriptionType : std::int32_t {
-    KV_Empty = 0,  // neither
-    KV_To = 1,     // we see the contact's
-    KV_From = 2,   // the contact sees ours
+    KV_Empty = 0,  ///< neither
+    KV_To = 1,     ///< we see the contact's
+    KV_From = 2,   ///< the contact sees ours
     KV_Both = 3,
-    KV_Remove = 4,  // the contact is, or shall be, deleted
+    KV_Remove = 4,  ///< the contact is, or shall be, deleted
 };
 
 class cRosterItem : public WatchedRecord {
 public:
-    // Wire text in KV_Classic.
+    /// Wire text in KV_Classic.
     String JID() const { return jid_; }
     void JID(StringView value) { Assign(jid_, String(value)); }
 
-    // Text. On a contact that somebody has sent inside a message it is wire text: cSession::Convert2Unicode.
+    /// Text. On a contact that somebody has sent inside a message it is wire text: cSession::Convert2Unicode.
     String NickName() const { return nickName_; }
     void NickName(StringView value) { nickName_ = value; }
 
     eSubscriptionType Subscription() const { return subscription_; }
     void Subscription(eSubscriptionType value) { subscription_ = value; }
 
-    // "subscribe" while a request of ours waits for the contact's answer.
+    /// "subscribe" while a request of ours waits for the contact's answer.
     String Ask() const { return ask_; }
 
-    // Text, in the order of the list; keyed by themselves.
+    /// Text, in the order of the list; keyed by themselves.
     const Collection<String>& Groups() const { return groups_; }
 
-    // Error 457 when the contact is in the group already.
+    /// Error 457 when the contact is in the group already.
     void AddGroup(StringView group) { groups_.Add(String(group), group); }
     bool inGroup(StringView group) const { return groups_.HasKey(group); }
-    // Error 5 when the contact is not in the group.
+    /// Error 5 when the contact is not in the group.
     void RemoveGroup(StringView group) { groups_.Remove(group); }
     void RemoveAllGroups() { groups_.Clear(); }
 
-    // Ask the server to store the contact, Add without a subscription, Update with it; Update with KV_Remove
-    // deletes the contact. The roster table changes when the server's push arrives, not here. Error 91
-    // without a session.
+    /// Ask the server to store the contact, Add without a subscription, Update with it; Update with KV_Remove
+    /// deletes the contact. The roster table changes when the server's push arrives, not here. Error 91
+    /// without a session.
     void Add() const;
     void Update() const;
 
-    // Contacts of the roster table, and those that cSession::CreateRosterItem makes, have their session.
+    /// Contacts of the roster table, and those that cSession::CreateRosterItem makes, have their session.
     void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
@@ -72,7 +73,7 @@ private:
     std::weak_ptr<SessionLink> session_;
 };
 
-// "none", "to", "from", "both" or "remove", "" for any other value; and back, KV_Empty for any other text.
+/// "none", "to", "from", "both" or "remove", "" for any other value; and back, KV_Empty for any other text.
 StringView SubscriptionText(std::int32_t subscription);
 eSubscriptionType SubscriptionOf(StringView text);
 

@@ -1,11 +1,12 @@
-// One entry of a browsed room (jabber:iq:browse): somebody in it, or something that it offers.
+/// \file
+/// One entry of a browsed room (jabber:iq:browse): somebody in it, or something that it offers.
 #pragma once
 
 #include "quorix/base/String.h"
 
 namespace quorix {
 
-// Wire text, as received. SubType is the entry's "type", or its "category" when it has no type.
+/// Wire text, as received. SubType is the entry's "type", or its "category" when it has no type.
 class cBrowseItem {
 public:
     String JID() const { return jid_; }

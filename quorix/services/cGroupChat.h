@@ -1,7 +1,8 @@
-// One chat room: what a browse or conference reply said about it, and how the local user appears in it.
-//
-// Ownership: shared with the session while the user is in the room; an application may keep it.
-// Threads: like the session that it is used with.
+/// \file
+/// One chat room: what a browse or conference reply said about it, and how the local user appears in it.
+///
+/// Ownership: shared with the session while the user is in the room; an application may keep it.
+/// Threads: like the session that it is used with.
 #pragma once
 
 #include "quorix/base/String.h"
@@ -13,9 +14,9 @@ enum eServerType : std::int32_t {
     KV_Private = 1,
 };
 
-// Nothing is validated. JID is `room@server`, of which ChatRoom and Server are the parts; RoomName is for
-// display; NickName is the local user's name in the room. Password is stored for the application's use
-// alone: no request carries it.
+/// Nothing is validated. JID is `room@server`, of which ChatRoom and Server are the parts; RoomName is for
+/// display; NickName is the local user's name in the room. Password is stored for the application's use
+/// alone: no request carries it.
 class cGroupChat {
 public:
     eServerType ServerType() const { return serverType_; }

@@ -1,7 +1,8 @@
-// The fields of a search form, and the values of one search hit: ordered name-value pairs.
-//
-// Ownership: shared; an application may keep any collection or field that it is given.
-// Threads: like the session that filled them.
+/// \file
+/// The fields of a search form, and the values of one search hit: ordered name-value pairs.
+///
+/// Ownership: shared; an application may keep any collection or field that it is given.
+/// Threads: like the session that filled them.
 #pragma once
 
 #include <memory>
@@ -11,7 +12,7 @@
 
 namespace quorix {
 
-// One pair. Nothing is validated; FieldName becomes an element name when the form is sent.
+/// One pair. Nothing is validated; FieldName becomes an element name when the form is sent.
 class cSearchField {
 public:
     cSearchField() = default;
@@ -28,12 +29,12 @@ private:
     String data_;
 };
 
-// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
+/// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
 class cSearchFields {
 public:
     using Items = Collection<std::shared_ptr<cSearchField>>;
 
-    // Appends a new field, with a key unless `key` is empty. Error 457 when the key is in use.
+    /// Appends a new field, with a key unless `key` is empty. Error 457 when the key is in use.
     std::shared_ptr<cSearchField> Add(StringView name, StringView data, StringView key = {});
 
     std::shared_ptr<cSearchField> Item(std::int32_t index) const { return items_.Item(index); }

@@ -1,7 +1,8 @@
-// The hits of a search.
-//
-// Ownership: shared; each reply brings a new collection, so one that an application kept stays as it was.
-// Threads: like the session that filled them.
+/// \file
+/// The hits of a search.
+///
+/// Ownership: shared; each reply brings a new collection, so one that an application kept stays as it was.
+/// Threads: like the session that filled them.
 #pragma once
 
 #include <memory>
@@ -10,7 +11,7 @@
 
 namespace quorix {
 
-// One hit: the JID found, and what the service says about it.
+/// One hit: the JID found, and what the service says about it.
 class cSearchResult {
 public:
     cSearchResult() = default;
@@ -19,7 +20,7 @@ public:
     String SearchItem() const { return item_; }
     void SearchItem(StringView value) { item_ = value; }
 
-    // Never null.
+    /// Never null.
     const std::shared_ptr<cSearchFields>& Fields() const { return fields_; }
 
 private:
@@ -27,12 +28,12 @@ private:
     std::shared_ptr<cSearchFields> fields_ = std::make_shared<cSearchFields>();
 };
 
-// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
+/// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
 class cSearchResults {
 public:
     using Items = Collection<std::shared_ptr<cSearchResult>>;
 
-    // Appends a new hit, with a key unless `key` is empty. Error 457 when the key is in use.
+    /// Appends a new hit, with a key unless `key` is empty. Error 457 when the key is in use.
     std::shared_ptr<cSearchResult> Add(StringView item, StringView key = {});
 
     std::shared_ptr<cSearchResult> Item(std::int32_t index) const { return items_.Item(index); }

@@ -1,6 +1,7 @@
-// A business card (vcard-temp).
-//
-// Ownership: shared; the session keeps none. Threads: like the session that it is used with.
+/// \file
+/// A business card (vcard-temp).
+///
+/// Ownership: shared; the session keeps none. Threads: like the session that it is used with.
 #pragma once
 
 #include <memory>
@@ -11,8 +12,8 @@ namespace quorix {
 
 class cSession;
 
-// 32 properties of text, each stored and returned unchanged: `String Name() const` and
-// `void Name(StringView)`. MiddleName and HomeExtAddress are read from replies and never published.
+/// 32 properties of text, each stored and returned unchanged: `String Name() const` and
+/// `void Name(StringView)`. MiddleName and HomeExtAddress are read from replies and never published.
 class cVcard {
 public:
 // The table in VCard.cpp takes the address of each pair.
@@ -58,7 +59,7 @@ public:
     QUORIX_PROPERTY(Description)
 #undef QUORIX_PROPERTY
 
-    // Taken for the sake of programs that set it: nothing here needs one.
+    /// Taken for the sake of programs that set it: nothing here needs one.
     void SetSession(const std::shared_ptr<cSession>& /*session*/) {}
 };
 

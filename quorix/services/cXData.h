@@ -1,7 +1,8 @@
-// A data form (jabber:x:data), as a search service or a registration sends it.
-//
-// Ownership: shared; an application may keep any form, field or option that it is given.
-// Threads: like the session that filled them.
+/// \class quorix::cXData
+/// A data form (jabber:x:data), as a search service or a registration sends it.
+///
+/// Ownership: shared; an application may keep any form, field or option that it is given.
+/// Threads: like the session that filled them.
 #pragma once
 
 #include <memory>
@@ -11,7 +12,7 @@
 
 namespace quorix {
 
-// One choice of a list field.
+/// One choice of a list field.
 class cXDataOption {
 public:
     String Label() const { return label_; }
@@ -25,8 +26,8 @@ private:
     String value_;
 };
 
-// One field. FieldType is the protocol's word ("text-single", "list-single", ...); of several values the
-// first one counts. All are wire text, as received.
+/// One field. FieldType is the protocol's word ("text-single", "list-single", ...); of several values the
+/// first one counts. All are wire text, as received.
 class cXDataField {
 public:
     bool Required() const { return required_; }
