@@ -10,9 +10,9 @@ struct Printer : SessionEvents {
     void OnMessage(const std::shared_ptr<cMessage>& m) override {
         std::cout << Utf8FromText(m->FromJid()) << ": " << Utf8FromText(m->Body()) << std::endl;
     }
-    void OnError(const NodePtr&, StringView, std::int16_t, StringView why) override {
-        std::cerr << Utf8FromText(why) << std::endl;
-    }
+    void OnError(const NodePtr&, StringView, std::int16_t, StringView why) override { Complain(why); }
+    void OnSocketError(const NodePtr&, StringView why, std::int16_t) override { Complain(why); }
+    void Complain(StringView why) { std::cerr << Utf8FromText(why) << std::endl; }
     cSession& session;
 };
 
