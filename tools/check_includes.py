@@ -7,7 +7,7 @@ import re
 import subprocess
 import sys
 
-ROOMS = ["base", "platform", "xml", "net", "link", "auth", "im", "services", "session", "automation"]
+ROOMS = ["base", "platform", "xml", "net", "link", "auth", "im", "services", "session", "scripting", "automation"]
 STRANGERS = {("im", "services"), ("services", "im")}
 # What each top folder outside the library may include, besides itself.
 FOLDERS = {

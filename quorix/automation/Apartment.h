@@ -7,14 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "quorix/scripting/ClassTable.h"
+
 namespace quorix::automation {
 
 class Object;
-class ClassTable;
 
 class Apartment {
 public:
-    using Key = std::pair<const void*, const ClassTable*>;
+    using Key = std::pair<const void*, const scripting::ClassTable*>;
 
     // The calling thread's.
     static const std::shared_ptr<Apartment>& Current();

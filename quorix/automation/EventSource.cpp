@@ -7,28 +7,27 @@
 namespace quorix::automation {
 namespace {
 
-VARIANT Borrow(EventArgument& argument, bool typed) {
-    if (!argument.referenced) return argument.value;
+// A referenced argument lets the sink read a number or text that it cannot change here.
+VARIANT Borrow(Variant& argument, bool referenced, bool typed) {
+    if (!referenced) return argument;
     VARIANT reference;
     if (typed) {
-        reference.vt = static_cast<VARTYPE>(argument.value.vt | VT_BYREF);
-        reference.byref = &argument.value.byref;
+        reference.vt = static_cast<VARTYPE>(argument.vt | VT_BYREF);
+        reference.byref = &argument.byref;
     } else {
         reference.vt = VT_BYREF | VT_VARIANT;
-        reference.pvarVal = &argument.value;
+        reference.pvarVal = &argument;
     }
     return reference;
 }
 
-HRESULT CallSink(const EventSource::Sink& sink, DISPID event,
-                 std::initializer_list<EventArgument> arguments) {
-    // A fresh copy for each sink: what one does to a reference is not seen by the next.
-    std::vector<EventArgument> own(arguments);
+HRESULT CallSink(const EventSource::Sink& sink, const DeclaredEvent& event, std::vector<Variant> arguments) {
     std::vector<VARIANT> reversed;
-    for (auto at = own.rbegin(); at != own.rend(); ++at) reversed.push_back(Borrow(*at, sink.typed));
-
+    for (std::size_t i = arguments.size(); i-- > 0;) {
+        reversed.push_back(Borrow(arguments[i], event.referenced[i], sink.typed));
+    }
     DISPPARAMS parameters = {reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
-    return sink.target->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
+    return sink.target->Invoke(event.id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
                                nullptr, nullptr);
 }
 
@@ -37,7 +36,26 @@ bool HasDisappeared(HRESULT result) {
            result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
 }
 
+class Ear : public scripting::Listener {
+public:
+    explicit Ear(std::weak_ptr<EventSource> source) : source_(std::move(source)) {}
+
+    void OnEvent(const scripting::Event& event, const scripting::Values& arguments) override {
+        if (const auto source = source_.lock()) source->Fire(event, arguments);
+    }
+
+private:
+    std::weak_ptr<EventSource> source_;
+};
+
 }  // namespace
+
+bool EventSource::Attach() {
+    const scripting::Instance instance = instance_.lock();
+    if (!instance) return true;
+    connection_ = bound_.Table().Listen(instance, std::make_shared<Ear>(weak_from_this()));
+    return connection_ != nullptr;
+}
 
 HRESULT EventSource::Advise(IUnknown* sink, REFGUID eventsId, DWORD* cookie) {
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
@@ -58,22 +76,26 @@ HRESULT EventSource::Unadvise(DWORD cookie) {
     if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
     const Sink leaving = found->second;  // its last release may come back here
     sinks_.erase(found);
-    if (sinks_.empty()) Detach();
+    if (sinks_.empty()) connection_.reset();
     return S_OK;
 }
 
 void EventSource::Close() {
     if (sinks_.empty()) return;
     const std::map<DWORD, Sink> leaving = std::exchange(sinks_, {});
-    Detach();
+    connection_.reset();
 }
 
-void EventSource::Fire(DISPID event, std::initializer_list<EventArgument> arguments) {
+void EventSource::Fire(const scripting::Event& event, const scripting::Values& arguments) {
     const auto self = shared_from_this();
+    const DeclaredEvent& declared = bound_.Find(event);
+    std::vector<Variant> made;
+    for (const scripting::Value& argument : arguments) made.push_back(VariantOf(argument));
     const std::map<DWORD, Sink> present = sinks_;
     for (const auto& [cookie, sink] : present) {
         if (sinks_.find(cookie) == sinks_.end()) continue;  // gone since, by an earlier sink's doing
-        if (HasDisappeared(CallSink(sink, event, arguments))) Unadvise(cookie);
+        // Each has a copy: what one does to a reference is not seen by the next.
+        if (HasDisappeared(CallSink(sink, declared, made))) Unadvise(cookie);
     }
 }
 

@@ -3,7 +3,6 @@
 
 #include <ocidl.h>
 
-#include <initializer_list>
 #include <map>
 #include <memory>
 
@@ -11,16 +10,11 @@
 
 namespace quorix::automation {
 
-// One argument of an event. A referenced one lets the sink read a number or text that it cannot change here.
-struct EventArgument {
-    Variant value;
-    bool referenced = false;
-};
-
-// Derived classes listen to the library's object while sinks are connected, and call Fire.
+// Listens to its object while sinks are connected.
 class EventSource : public std::enable_shared_from_this<EventSource> {
 public:
-    virtual ~EventSource() = default;
+    EventSource(const BoundClass& bound, const scripting::Instance& instance)
+        : bound_(bound), instance_(instance) {}
 
     // Adds a sink for the events of `eventsId`. CONNECT_E_CANNOTCONNECT when it is no such sink, or the
     // object has a listener that it shares with nobody.
@@ -38,24 +32,16 @@ public:
     // The object has no more clients: lets all sinks go.
     void Close();
 
-protected:
-    // Starts listening; false when the object tells its events to somebody else alone.
-    virtual bool Attach() = 0;
-    virtual void Detach() = 0;
-
-    template <class T>
-    static EventArgument Value(const T& value) {
-        return {ToVariant(value), false};
-    }
-    template <class T>
-    static EventArgument Reference(const T& value) {
-        return {ToVariant(value), true};
-    }
-
     // Calls each sink in the order of their arrival. One that fails or disappears does not stop the others.
-    void Fire(DISPID event, std::initializer_list<EventArgument> arguments);
+    void Fire(const scripting::Event& event, const scripting::Values& arguments);
 
 private:
+    // Starts listening; false when the object tells its events to somebody else alone.
+    bool Attach();
+
+    const BoundClass& bound_;
+    std::weak_ptr<void> instance_;
+    scripting::Connection connection_;
     std::map<DWORD, Sink> sinks_;
     DWORD lastCookie_ = 0;
 };

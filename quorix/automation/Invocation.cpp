@@ -10,51 +10,56 @@ namespace {
 
 constexpr HRESULT kFirstErrorNumber = static_cast<HRESULT>(0x800A0000);
 
-bool IsPut(const Member& member) { return member.kind == DISPATCH_PROPERTYPUT; }
+bool IsPut(const Member& member) { return member.kind == scripting::MemberKind::Put; }
+unsigned CountOf(const Member& member) { return static_cast<unsigned>(member.parameters.size()); }
 
 // Where the argument at `index` of the call is wanted. Named ones come first in a call.
 unsigned PositionOf(const DISPPARAMS& parameters, unsigned index, const Member& member) {
     if (index >= parameters.cNamedArgs) return parameters.cArgs - 1 - index;
     const DISPID name = parameters.rgdispidNamedArgs[index];
-    if (name == DISPID_PROPERTYPUT && IsPut(member)) return member.arguments - 1;
-    if (name < 0 || static_cast<unsigned>(name) >= member.arguments) {
+    if (name == DISPID_PROPERTYPUT && IsPut(member)) return CountOf(member) - 1;
+    if (name < 0 || static_cast<unsigned>(name) >= CountOf(member)) {
         throw BadArgument{DISP_E_PARAMNOTFOUND, parameters.cArgs - 1 - index};
     }
     return static_cast<unsigned>(name);
 }
 
-// The values in the order of the parameters; null where one was left out.
+// The arguments in the order of the parameters; null where one was left out.
 std::vector<const VARIANT*> InOrder(const DISPPARAMS& parameters, const Member& member) {
-    if (parameters.cArgs > member.arguments) throw BadArgument{DISP_E_BADPARAMCOUNT};
-    std::vector<const VARIANT*> values(member.arguments, nullptr);
+    if (parameters.cArgs > CountOf(member)) throw BadArgument{DISP_E_BADPARAMCOUNT};
+    std::vector<const VARIANT*> values(CountOf(member), nullptr);
     for (unsigned i = 0; i < parameters.cArgs; ++i) {
         values[PositionOf(parameters, i, member)] = &parameters.rgvarg[i];
     }
     return values;
 }
 
-Arguments Collect(const DISPPARAMS& parameters, const Member& member) {
-    static const VARIANT missing = [] {
-        VARIANT value;
-        value.vt = VT_ERROR;
-        value.scode = DISP_E_PARAMNOTFOUND;
-        return value;
-    }();
-    std::vector<const VARIANT*> values = InOrder(parameters, member);
-    for (unsigned i = 0; i < values.size(); ++i) {
-        if (values[i] == nullptr) values[i] = &missing;
-        if (IsMissing(*values[i]) && i + member.optional < member.arguments) {
-            throw BadArgument{DISP_E_PARAMNOTOPTIONAL, i};
-        }
+scripting::Value Take(const VARIANT& value, const Member& member, unsigned position) {
+    try {
+        return ValueOf(value, member.parameters[position].type);
+    } catch (const BadArgument& bad) {
+        throw BadArgument{bad.code, position};
     }
-    return Arguments(std::move(values));
+}
+
+scripting::Values Collect(const DISPPARAMS& parameters, const Member& member) {
+    const std::vector<const VARIANT*> given = InOrder(parameters, member);
+    for (unsigned i = 0; i < given.size(); ++i) {
+        const bool isMissing = given[i] == nullptr || IsMissing(*given[i]);
+        if (isMissing && !member.parameters[i].isOptional) throw BadArgument{DISP_E_PARAMNOTOPTIONAL, i};
+    }
+    scripting::Values values(given.size());
+    for (unsigned i = 0; i < given.size(); ++i) {
+        if (given[i] != nullptr) values[i] = Take(*given[i], member, i);
+    }
+    return values;
 }
 
 // `object.Items(2)` is one call to those who write it: the arguments are for the default member of what the
 // property returns.
 HRESULT PassOn(const Member& member, const Invocation& invocation, VARIANT* result, EXCEPINFO* exception,
                UINT* badArgument) {
-    const Variant owner = member.call(invocation.instance, Arguments({}));
+    const Variant owner = VariantOf(member.thunk(invocation.instance, {}));
     if (owner.vt != VT_DISPATCH || owner.pdispVal == nullptr) return DISP_E_BADPARAMCOUNT;
     DISPPARAMS parameters = invocation.parameters;
     return owner.pdispVal->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, invocation.kinds, &parameters,
@@ -62,7 +67,8 @@ HRESULT PassOn(const Member& member, const Invocation& invocation, VARIANT* resu
 }
 
 bool MeansItsResult(const Member& member, const Invocation& invocation) {
-    return member.kind == DISPATCH_PROPERTYGET && member.arguments == 0 && invocation.parameters.cArgs > 0;
+    return member.kind == scripting::MemberKind::Get && member.parameters.empty() &&
+           invocation.parameters.cArgs > 0;
 }
 
 void LeaveErrorInfo(StringView source, StringView text) {
@@ -75,7 +81,7 @@ void LeaveErrorInfo(StringView source, StringView text) {
 }
 
 HRESULT Report(const Invocation& invocation, HRESULT code, const String& text, EXCEPINFO* exception) {
-    const String source = Concat({u"Quorix.", Narrow(invocation.bound.Table().Name())});
+    const String source = Concat({u"Quorix.", TextFromUtf8(invocation.bound.Table().Name())});
     LeaveErrorInfo(source, text);
     if (exception != nullptr) {
         *exception = {};
@@ -92,7 +98,7 @@ HRESULT Call(const Invocation& invocation, VARIANT* result, EXCEPINFO* exception
     if (MeansItsResult(*member, invocation)) {
         return PassOn(*member, invocation, result, exception, badArgument);
     }
-    Variant made = member->call(invocation.instance, Collect(invocation.parameters, *member));
+    Variant made = VariantOf(member->thunk(invocation.instance, Collect(invocation.parameters, *member)));
     if (result != nullptr) made.MoveTo(result);
     return S_OK;
 }

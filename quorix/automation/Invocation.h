@@ -8,7 +8,7 @@ namespace quorix::automation {
 
 struct Invocation {
     const BoundClass& bound;
-    const Instance instance;
+    const scripting::Instance instance;
     DISPID id;
     WORD kinds;
     const DISPPARAMS& parameters;

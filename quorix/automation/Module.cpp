@@ -3,9 +3,9 @@
 
 #include <cwchar>
 
-#include "quorix/automation/Classes.h"
 #include "quorix/automation/Object.h"
 #include "quorix/automation/Registration.h"
+#include "quorix/scripting/Classes.h"
 
 namespace quorix::automation {
 namespace {
@@ -19,7 +19,7 @@ public:
         *out = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
         try {
-            const ComPtr<IDispatch> made = Adopt<IDispatch>(Wrap(table_.Create()(), table_));
+            const ComPtr<IDispatch> made = Adopt<IDispatch>(Wrap(table_.MakeObject()));
             return made->QueryInterface(id, out);
         } catch (const std::bad_alloc&) {
             return E_OUTOFMEMORY;
@@ -38,7 +38,7 @@ private:
 };
 
 const ClassTable* FindCreatable(REFCLSID classId) {
-    for (const ClassTable* table : Classes()) {
+    for (const ClassTable* table : scripting::Classes()) {
         if (table->Create() && IsEqualCLSID(Bind(*table).Declared().classId, classId)) return table;
     }
     return nullptr;

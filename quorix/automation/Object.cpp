@@ -11,22 +11,18 @@ std::atomic<long>& LoadCount() {
     return count;
 }
 
-IDispatch* Wrap(Instance instance, const ClassTable& table) {
-    const void* identity = instance.get();
-    return Wrap(std::move(instance), table, identity);
+IDispatch* Wrap(scripting::Object object) {
+    const BoundClass& bound = Bind(*object.table);
+    return Apartment::Current()->FindOrMake({object.identity, object.table},
+                                            [&] { return new Object(std::move(object), bound); });
 }
 
-IDispatch* Wrap(Instance handle, const ClassTable& table, const void* identity) {
-    const BoundClass& bound = Bind(table);
-    return Apartment::Current()->FindOrMake({identity, &table},
-                                            [&] { return new Object(std::move(handle), bound, identity); });
-}
-
-Instance Unwrap(const VARIANT& value, const ClassTable& table) {
+scripting::Object Unwrap(const VARIANT& value, const ClassTable& table) {
+    const scripting::Object none = {nullptr, &table, nullptr};
     const Variant direct(value);
-    if (direct.vt == VT_EMPTY || direct.vt == VT_NULL) return nullptr;
+    if (direct.vt == VT_EMPTY || direct.vt == VT_NULL) return none;
     if (direct.vt != VT_DISPATCH && direct.vt != VT_UNKNOWN) throw BadArgument{DISP_E_TYPEMISMATCH};
-    if (direct.punkVal == nullptr) return nullptr;
+    if (direct.punkVal == nullptr) return none;
     ComPtr<IWrapper> wrapper;
     if (FAILED(direct.punkVal->QueryInterface(IID_PPV_ARGS(&wrapper))))
         throw BadArgument{DISP_E_TYPEMISMATCH};
@@ -36,11 +32,11 @@ Instance Unwrap(const VARIANT& value, const ClassTable& table) {
     return object.Wrapped();
 }
 
-Object::Object(Instance instance, const BoundClass& bound, const void* identity)
+Object::Object(scripting::Object object, const BoundClass& bound)
     : bound_(bound),
-      key_(identity, &bound.Table()),
+      key_(object.identity, object.table),
       apartment_(Apartment::Current()),
-      body_(std::make_shared<Body>(Body{std::move(instance), nullptr})) {}
+      body_(std::make_shared<Body>(Body{std::move(object.instance), nullptr})) {}
 
 Object::~Object() {
     apartment_->Forget(key_, this);
@@ -48,14 +44,16 @@ Object::~Object() {
 }
 
 const std::shared_ptr<EventSource>& Object::Events() {
-    if (!body_->events && bound_.Table().Events()) body_->events = bound_.Table().Events()(body_->instance);
+    if (!body_->events && bound_.RaisesEvents()) {
+        body_->events = std::make_shared<EventSource>(bound_, body_->instance);
+    }
     return body_->events;
 }
 
 void* Object::Interface(REFIID id) {
     const Declaration& declared = bound_.Declared();
     if (IsEqualIID(id, declared.interfaceId)) return static_cast<IDispatch*>(this);
-    if (IsEqualIID(id, IID_IConnectionPointContainer) && !bound_.Table().Events()) return nullptr;
+    if (IsEqualIID(id, IID_IConnectionPointContainer) && !bound_.RaisesEvents()) return nullptr;
     return Unknown::Interface(id);
 }
 
@@ -98,7 +96,7 @@ HRESULT Object::GetGUID(DWORD kind, GUID* id) {
     if (id == nullptr) return E_POINTER;
     *id = GUID_NULL;
     if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
-    if (!bound_.Table().Events()) return E_FAIL;
+    if (!bound_.RaisesEvents()) return E_FAIL;
     *id = bound_.Declared().eventsId;
     return S_OK;
 }

@@ -30,10 +30,10 @@ namespace quorix::automation {
 class Object
     : public Unknown<IDispatch, IProvideClassInfo2, ISupportErrorInfo, IConnectionPointContainer, IWrapper> {
 public:
-    Object(Instance instance, const BoundClass& bound, const void* identity);
+    Object(scripting::Object object, const BoundClass& bound);
     ~Object() override;
 
-    const Instance& Wrapped() const { return body_->instance; }
+    scripting::Object Wrapped() const { return {body_->instance, &bound_.Table(), key_.first}; }
     const BoundClass& Bound() const { return bound_; }
     const std::shared_ptr<EventSource>& Events();
     bool OnItsThread() const { return apartment_->IsCurrent(); }
@@ -64,7 +64,7 @@ protected:
 private:
     // What ends together, on the thread it belongs to.
     struct Body {
-        Instance instance;
+        scripting::Instance instance;
         std::shared_ptr<EventSource> events;
         ~Body() {
             if (events) events->Close();

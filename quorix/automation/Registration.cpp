@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
+#include "quorix/scripting/Classes.h"
 
 // Exported by the system, and in its import library, but not declared in the headers at hand.
 extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib*, OLECHAR*, OLECHAR*);
@@ -56,7 +56,7 @@ private:
 
 struct Names {
     explicit Names(const BoundClass& bound)
-        : program(Text(L"Quorix.") + bound.Table().Name()),
+        : program(L"Quorix." + WideName(bound.Table().Name())),
           classId(Printed(bound.Declared().classId)),
           classKey(L"CLSID\\" + classId) {}
     Text program;
@@ -102,7 +102,7 @@ HRESULT Register(Scope scope) {
     const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
     const LibraryAttributes attributes(library.Get());
     Hive hive(scope);
-    for (const ClassTable* table : Classes()) {
+    for (const ClassTable* table : scripting::Classes()) {
         if (table->Create()) Write(hive, Names(Bind(*table)), Printed(attributes->guid));
     }
     Text path = ModulePath();
@@ -115,7 +115,7 @@ HRESULT Unregister(Scope scope) {
     const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
     const LibraryAttributes attributes(library.Get());
     Hive hive(scope);
-    for (const ClassTable* table : Classes()) {
+    for (const ClassTable* table : scripting::Classes()) {
         if (table->Create()) Delete(hive, Names(Bind(*table)));
     }
     (scope == Scope::Machine ? UnRegisterTypeLib : UnRegisterTypeLibForUser)(

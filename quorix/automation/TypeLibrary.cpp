@@ -35,7 +35,7 @@ ComPtr<ITypeInfo> ImplementedType(ITypeInfo& coclass, unsigned index) {
     return type;
 }
 
-bool IsNamed(ITypeInfo& type, const wchar_t* name) {
+bool IsNamed(ITypeInfo& type, const std::wstring& name) {
     BSTR own = nullptr;
     Require(type.GetDocumentation(MEMBERID_NIL, &own, nullptr, nullptr, nullptr));
     const bool same = std::wstring_view(own) == name;
@@ -43,7 +43,7 @@ bool IsNamed(ITypeInfo& type, const wchar_t* name) {
     return same;
 }
 
-ComPtr<ITypeInfo> FindClass(ITypeLib& library, const wchar_t* name) {
+ComPtr<ITypeInfo> FindClass(ITypeLib& library, const std::wstring& name) {
     for (unsigned i = 0; i < library.GetTypeInfoCount(); ++i) {
         ComPtr<ITypeInfo> type;
         Require(library.GetTypeInfo(i, &type));
@@ -52,18 +52,48 @@ ComPtr<ITypeInfo> FindClass(ITypeLib& library, const wchar_t* name) {
     throw std::logic_error("the type library lacks a class");
 }
 
-DISPID NumberOf(ITypeInfo& interfaceInfo, const wchar_t* name) {
-    LPOLESTR asked = const_cast<wchar_t*>(name);
+DISPID NumberOf(ITypeInfo& interfaceInfo, std::wstring name) {
+    LPOLESTR asked = name.data();
     DISPID id = DISPID_UNKNOWN;
     return SUCCEEDED(interfaceInfo.GetIDsOfNames(&asked, 1, &id)) ? id : DISPID_UNKNOWN;
 }
 
+// Which parameters of each event a sink gets by reference, by the event's number.
+std::map<DISPID, std::vector<bool>> ReferencesIn(ITypeInfo& eventsInfo) {
+    std::map<DISPID, std::vector<bool>> all;
+    for (UINT i = 0; i < Attributes(&eventsInfo)->cFuncs; ++i) {
+        FUNCDESC* function = nullptr;
+        Require(eventsInfo.GetFuncDesc(i, &function));
+        std::vector<bool>& referenced = all[function->memid];
+        for (SHORT p = 0; p < function->cParams; ++p) {
+            referenced.push_back((function->lprgelemdescParam[p].paramdesc.wParamFlags & PARAMFLAG_FOUT) !=
+                                 0);
+        }
+        eventsInfo.ReleaseFuncDesc(function);
+    }
+    return all;
+}
+
 }  // namespace
+
+WORD DispatchKind(const Member& member) {
+    switch (member.kind) {
+        case scripting::MemberKind::Get: return DISPATCH_PROPERTYGET;
+        case scripting::MemberKind::Put: return DISPATCH_PROPERTYPUT;
+        default: return DISPATCH_METHOD;
+    }
+}
 
 BoundClass::BoundClass(const ClassTable& table, Declaration declaration)
     : table_(table), declaration_(std::move(declaration)) {
     for (const Member& member : table.Members()) {
-        members_.emplace(NumberOf(*declaration_.interfaceInfo.Get(), member.name), &member);
+        members_.emplace(NumberOf(*declaration_.interfaceInfo.Get(), WideName(member.name)), &member);
+    }
+    if (table.Events().empty()) return;
+    const auto references = ReferencesIn(*declaration_.eventsInfo.Get());
+    for (const scripting::Event& event : table.Events()) {
+        const DISPID id = NumberOf(*declaration_.eventsInfo.Get(), WideName(event.name));
+        events_.emplace(&event, DeclaredEvent{id, references.at(id)});
     }
 }
 
@@ -72,7 +102,7 @@ const Member* BoundClass::Find(DISPID id, WORD kinds) const {
     if ((kinds & kReading) != 0) kinds |= kReading;
     if ((kinds & DISPATCH_PROPERTYPUTREF) != 0) kinds |= DISPATCH_PROPERTYPUT;
     for (auto [at, end] = members_.equal_range(id); at != end; ++at) {
-        if ((at->second->kind & kinds) != 0) return at->second;
+        if ((DispatchKind(*at->second) & kinds) != 0) return at->second;
     }
     return nullptr;
 }
@@ -92,7 +122,7 @@ ComPtr<ITypeLib> LoadOwnTypeLibrary() {
     return library;
 }
 
-Declaration FindDeclaration(ITypeLib& library, const wchar_t* className) {
+Declaration FindDeclaration(ITypeLib& library, const std::wstring& className) {
     Declaration found;
     found.classInfo = FindClass(library, className);
     const Attributes attributes(found.classInfo.Get());
@@ -115,7 +145,7 @@ const BoundClass& Bind(const ClassTable& table) {
     auto& entry = bound[&table];
     if (!entry) {
         const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
-        entry = std::make_unique<BoundClass>(table, FindDeclaration(*library.Get(), table.Name()));
+        entry = std::make_unique<BoundClass>(table, FindDeclaration(*library.Get(), WideName(table.Name())));
     }
     return *entry;
 }

@@ -14,6 +14,8 @@ const char* ClassicText(std::int32_t number) {
         case ERR_TypeMismatch: return "Type mismatch";
         case ERR_FileNotFound: return "File not found";
         case ERR_ObjectNotSet: return "Object variable or With block variable not set";
+        case ERR_ArgumentMissing: return "Argument not optional";
+        case ERR_ArgumentCount: return "Wrong number of arguments or invalid property assignment";
         case ERR_KeyInUse: return "This key is already associated with an element of this collection";
         case ERR_NotConnected: return "Socket is not connected";
         default: return "Application-defined or object-defined error";

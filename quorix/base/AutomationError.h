@@ -11,14 +11,16 @@ namespace quorix {
 
 /// The classic automation error numbers.
 enum eErrorNumber : std::int32_t {
-    ERR_InvalidCall = 5,       ///< invalid procedure call or argument; also: no such key
-    ERR_Overflow = 6,          ///< a number outside its type's range
-    ERR_Subscript = 9,         ///< an index outside its collection
-    ERR_TypeMismatch = 13,     ///< a text that is no number or Boolean
-    ERR_FileNotFound = 53,     ///< no such file
-    ERR_ObjectNotSet = 91,     ///< a record without a living session
-    ERR_KeyInUse = 457,        ///< the key belongs to another element of the collection
-    ERR_NotConnected = 10057,  ///< a sender of a session that is not connected, in KV_Modern
+    ERR_InvalidCall = 5,        ///< invalid procedure call or argument; also: no such key
+    ERR_Overflow = 6,           ///< a number outside its type's range
+    ERR_Subscript = 9,          ///< an index outside its collection
+    ERR_TypeMismatch = 13,      ///< a text that is no number or Boolean
+    ERR_FileNotFound = 53,      ///< no such file
+    ERR_ObjectNotSet = 91,      ///< a record without a living session
+    ERR_ArgumentMissing = 449,  ///< a script left out an argument that is needed
+    ERR_ArgumentCount = 450,    ///< a script gave more arguments than there are parameters
+    ERR_KeyInUse = 457,         ///< the key belongs to another element of the collection
+    ERR_NotConnected = 10057,   ///< a sender of a session that is not connected, in KV_Modern
 };
 
 class AutomationError : public std::runtime_error {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "quorix/automation/Object.h"
+#include "quorix/link/SessionLink.h"
 #include "quorix/session/cSession.h"
 #include "tests/windows/support/Functions.h"
 #include "tests/windows/support/Sink.h"
@@ -14,7 +15,7 @@ using E = SessionEvents;
 
 // Calls them one after the other, with an empty value for each argument.
 template <class... Events>
-void RaiseEach(cSession& session, Events... events) {
+void RaiseEach(SessionLink& session, Events... events) {
     const auto raise = [&]<class... Arguments>(void (E::*event)(Arguments...)) {
         session.Raise(event, std::remove_cvref_t<Arguments>{}...);
     };
@@ -22,7 +23,7 @@ void RaiseEach(cSession& session, Events... events) {
 }
 
 // All in the order of their numbers.
-void RaiseAll(cSession& session) {
+void RaiseAll(SessionLink& session) {
     RaiseEach(session, &E::OnAuthorized, &E::OnNewUserCreated, &E::OnAgentBegin, &E::OnAgentItem,
               &E::OnAgentEnd, &E::OnError, &E::OnSocketError, &E::OnDisConnected, &E::OnMessage,
               &E::OnMessageEvent, &E::OnRosterBegin, &E::OnRosterItem, &E::OnRosterEnd, &E::OnPresence,
@@ -61,7 +62,7 @@ protected:
 TEST_F(Events, ArriveUnderTheirNumbersWithTheDeclaredArguments) {
     const ComPtr<ITypeInfo> info = DefaultEventsInfoOf(object);
     Connection sink(object, DefaultEventsOf(object));
-    RaiseAll(*session);
+    RaiseAll(*LinkOf(session));
     ASSERT_EQ(sink->events.size(), 45U);
     DISPID number = 0;
     ForEachFunction(*info.Get(), [&](const FUNCDESC& function) {
@@ -83,10 +84,10 @@ TEST_F(Events, LeaveNoReferencesBehind) {
     const unsigned long connected = object.References();
     sink->at[1] = [&](DISPPARAMS&) {
         EXPECT_EQ(object.Text(L"Active"), "False") << "called from inside the event";
-        session->Raise(&E::OnNewUserCreated);
+        LinkOf(session)->Raise(&E::OnNewUserCreated);
         return E_FAIL;
     };
-    session->Raise(&E::OnAuthorized);
+    LinkOf(session)->Raise(&E::OnAuthorized);
     EXPECT_EQ(sink->events, (std::vector<DISPID>{1, 2}));
     EXPECT_EQ(object.References(), connected);
     sink.Cut();
@@ -97,10 +98,10 @@ TEST_F(Events, StopWhenTheSinkLeaves) {
     Connection first(object);
     Connection second(object);
     first->at[1] = [&](DISPPARAMS&) { return second.Cut(); };
-    session->Raise(&E::OnAuthorized);
+    LinkOf(session)->Raise(&E::OnAuthorized);
     EXPECT_TRUE(second->events.empty()) << "cut off by the sink before it";
     first.Cut();
-    session->Raise(&E::OnAuthorized);
+    LinkOf(session)->Raise(&E::OnAuthorized);
     EXPECT_EQ(first->events.size(), 1U);
 }
 

@@ -3,7 +3,7 @@
 
 #include <olectl.h>
 
-#include "quorix/automation/Classes.h"
+#include "quorix/scripting/Classes.h"
 #include "tests/windows/support/Component.h"
 #include "tests/windows/support/Functions.h"
 #include "tests/windows/support/Sink.h"
@@ -11,14 +11,15 @@
 namespace windowstest {
 namespace {
 
-using quorix::automation::Classes;
-using quorix::automation::ClassTable;
+using quorix::scripting::Classes;
+using quorix::scripting::ClassTable;
 
 // One object of each class, or of what an object of a class leads to.
 std::vector<Late> OneOfEach() {
     std::vector<Late> all;
     for (const ClassTable* table : Classes()) {
-        if (table->Create()) all.push_back(Late::Create(std::wstring(L"Quorix.") + table->Name()));
+        if (table->Create())
+            all.push_back(Late::Create(L"Quorix." + quorix::automation::WideName(table->Name())));
     }
     const Late session = Late::Create(L"Quorix.cSession");
     for (const wchar_t* part : {L"Roster", L"Presence", L"Agents", L"Rooms", L"Socket"}) {

@@ -1,18 +1,19 @@
 // What the registry learns, and how objects are made from it.
 #include <gtest/gtest.h>
 
-#include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
+#include "quorix/scripting/Classes.h"
 #include "tests/windows/support/Component.h"
 #include "tests/windows/support/Late.h"
 
 namespace windowstest {
 namespace {
 
-using quorix::automation::Classes;
-using quorix::automation::ClassTable;
 using quorix::automation::FindDeclaration;
 using quorix::automation::LoadOwnTypeLibrary;
+using quorix::automation::WideName;
+using quorix::scripting::Classes;
+using quorix::scripting::ClassTable;
 
 GUID DeclaredId(const std::wstring& name) {
     return FindDeclaration(*LoadOwnTypeLibrary().Get(), name.c_str()).classId;
@@ -35,11 +36,11 @@ TEST(Registration, NamesEachCreatableClassByItsProgIdAndItsClassId) {
     int creatable = 0;
     for (const ClassTable* table : Classes()) {
         if (!table->Create()) continue;
-        SCOPED_TRACE(Utf8(table->Name()));
+        SCOPED_TRACE(table->Name());
         ++creatable;
         CLSID id = CLSID_NULL;
-        EXPECT_EQ(CLSIDFromProgID((std::wstring(L"Quorix.") + table->Name()).c_str(), &id), S_OK);
-        EXPECT_EQ(Printed(id), Printed(DeclaredId(table->Name())));
+        EXPECT_EQ(CLSIDFromProgID((L"Quorix." + WideName(table->Name())).c_str(), &id), S_OK);
+        EXPECT_EQ(Printed(id), Printed(DeclaredId(WideName(table->Name()))));
         ComPtr<IDispatch> made;
         EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&made)), S_OK);
     }

@@ -1,12 +1,13 @@
 // The type library and the tables describe the same members.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 
-#include "quorix/automation/Classes.h"
 #include "quorix/automation/TypeLibrary.h"
+#include "quorix/scripting/Classes.h"
 #include "quorix/services/cGroupChat.h"
 #include "quorix/session/cSession.h"
 #include "tests/windows/support/Functions.h"
@@ -14,12 +15,12 @@
 namespace quorix::automation {
 namespace {
 
+using scripting::Classes;
 using windowstest::ForEachFunction;
 using windowstest::NameOf;
-using windowstest::Utf8;
 
 // One member in words, so that a difference reads well.
-std::string Signature(const std::string& name, WORD kind, unsigned parameters, unsigned optional) {
+std::string Signature(const std::string& name, WORD kind, std::size_t parameters, std::size_t optional) {
     return name + " kind " + std::to_string(kind) + " parameters " + std::to_string(parameters) +
            " optional " + std::to_string(optional);
 }
@@ -46,7 +47,11 @@ std::set<std::string> DeclaredIn(ITypeInfo& info) {
 std::set<std::string> BoundIn(const ClassTable& table) {
     std::set<std::string> all;
     for (const Member& member : table.Members()) {
-        all.insert(Signature(Utf8(member.name), member.kind, member.arguments, member.optional));
+        const auto& parameters = member.parameters;
+        const auto optional =
+            std::count_if(parameters.begin(), parameters.end(), [](const auto& p) { return p.isOptional; });
+        all.insert(Signature(member.name, DispatchKind(member), parameters.size(),
+                             static_cast<std::size_t>(optional)));
     }
     return all;
 }
@@ -54,11 +59,11 @@ std::set<std::string> BoundIn(const ClassTable& table) {
 TEST(TypeLibrary, DeclaresForEachClassExactlyTheMembersThatItsTableBinds) {
     const ComPtr<ITypeLib> library = LoadOwnTypeLibrary();
     for (const ClassTable* table : Classes()) {
-        SCOPED_TRACE(Utf8(table->Name()));
-        const Declaration declared = FindDeclaration(*library.Get(), table->Name());
+        SCOPED_TRACE(table->Name());
+        const Declaration declared = FindDeclaration(*library.Get(), WideName(table->Name()));
         EXPECT_EQ(DeclaredIn(*declared.interfaceInfo.Get()), BoundIn(*table));
         EXPECT_EQ(BoundIn(*table).size(), table->Members().size()) << "a member stands twice in the table";
-        EXPECT_EQ(declared.eventsInfo != nullptr, static_cast<bool>(table->Events()));
+        EXPECT_EQ(declared.eventsInfo != nullptr, !table->Events().empty());
     }
 }
 
@@ -100,7 +105,7 @@ TEST(TypeLibrary, HasATableForEachClassAndCreatesTheSameOnes) {
         if (type.typekind != TKIND_COCLASS) return;
         declared[NameOf(info, MEMBERID_NIL)] = (type.wTypeFlags & TYPEFLAG_FCANCREATE) != 0;
     });
-    for (const ClassTable* table : Classes()) bound[Utf8(table->Name())] = static_cast<bool>(table->Create());
+    for (const ClassTable* table : Classes()) bound[table->Name()] = static_cast<bool>(table->Create());
     EXPECT_EQ(declared, bound);
 }
 

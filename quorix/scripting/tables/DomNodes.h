@@ -1,4 +1,4 @@
-// Live nodes of a document, as the automation world walks them.
+// Live nodes of a document, as scripts walk them.
 #pragma once
 
 #include <memory>
@@ -6,7 +6,7 @@
 
 #include "quorix/xml/XmlNode.h"
 
-namespace quorix::automation {
+namespace quorix::scripting {
 
 // Nodes that a query found, or the children of a node, which follow every change.
 class DomNodeList {
@@ -26,4 +26,4 @@ private:
     XmlNode parent_;
 };
 
-}  // namespace quorix::automation
+}  // namespace quorix::scripting

@@ -1,12 +1,12 @@
-// Every class that the automation world sees, and where its table is.
+// Every class that scripts see, and where its table is.
 #pragma once
 
 #include <vector>
 
-#include "quorix/automation/ClassTable.h"
-#include "quorix/automation/tables/DomNodes.h"
 #include "quorix/base/Collection.h"
 #include "quorix/link/SessionEvents.h"
+#include "quorix/scripting/Class.h"
+#include "quorix/scripting/tables/DomNodes.h"
 #include "quorix/xml/cXML_Node.h"
 
 namespace quorix {
@@ -23,7 +23,7 @@ class cXDataField;
 class cXDataOption;
 }  // namespace quorix
 
-namespace quorix::automation {
+namespace quorix::scripting {
 
 class GroupList;
 
@@ -99,4 +99,4 @@ const ClassTable& TableOf<Shared<cXDataField>>();
 template <>
 const ClassTable& TableOf<Shared<cXDataOption>>();
 
-}  // namespace quorix::automation
+}  // namespace quorix::scripting

@@ -1,6 +1,6 @@
-#include "quorix/automation/Classes.h"
+#include "quorix/scripting/Classes.h"
 
-namespace quorix::automation {
+namespace quorix::scripting {
 
 const std::vector<const ClassTable*>& Classes() {
     static const std::vector<const ClassTable*> all = {
@@ -41,4 +41,4 @@ const std::vector<const ClassTable*>& Classes() {
     return all;
 }
 
-}  // namespace quorix::automation
+}  // namespace quorix::scripting
