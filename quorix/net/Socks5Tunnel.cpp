@@ -87,7 +87,8 @@ std::string Socks5Tunnel::TakeReply(std::string_view reply) {
         case Stage::Login: return code == 0 ? Connection() : Fail(u"Proxy: login refused");
         default: break;
     }
-    if (code != 0) return Fail(code < kRefusals.size() ? kRefusals[code] : kRefusals[1]);
+    isRefused_ = code != 0;
+    if (isRefused_) return Fail(code < kRefusals.size() ? kRefusals[code] : kRefusals[1]);
     if (reply.size() < 10 && reply[3] != kName) return Fail(kNonsense);
     stage_ = Stage::Open;
     return {};

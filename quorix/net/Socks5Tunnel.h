@@ -27,6 +27,8 @@ public:
 
     bool IsOpen() const { return stage_ == Stage::Open; }
     bool HasFailed() const { return stage_ == Stage::Failed; }
+    // The proxy itself is ready, but cannot or will not reach the destination.
+    bool IsRefused() const { return isRefused_; }
     StringView Reason() const { return reason_; }
 
 private:
@@ -45,6 +47,7 @@ private:
     Stage stage_ = Stage::Idle;
     std::string pending_;
     StringView reason_;
+    bool isRefused_ = false;
 };
 
 }  // namespace quorix

@@ -43,6 +43,7 @@ void ModernLine::AttemptBegins() {
     if (!retrying_) retries_ = 0;
     retry_.Stop();
     tunnel_ = {};
+    destinations_.clear();
     Environment::Current().CancelLookUp(std::exchange(lookUp_, 0));
     login_.Stop();
     if (session_.loginTimeout_ > 0) {
@@ -86,11 +87,24 @@ void ModernLine::LookUpForProxy() {
         lookUp_ = 0;
         session_.Enter([&] {
             if (addresses.empty()) return FailAttempt(kNoSuchHost, kNoSuchHostText);
-            tunnel_.Destination(addresses.front());
-            OpenToProxy();
+            destinations_.assign(addresses.begin(), addresses.end());
+            OpenToNextDestination();
         });
     };
     lookUp_ = Environment::Current().LookUpAddresses(Utf8FromText(Host()), found);
+}
+
+void ModernLine::OpenToNextDestination() {
+    tunnel_ = {};
+    tunnel_.Destination(destinations_.front());
+    destinations_.pop_front();
+    OpenToProxy();
+}
+
+void ModernLine::TunnelFailed() {
+    if (!tunnel_.IsRefused() || destinations_.empty()) return FailAttempt(kProxyRefused, tunnel_.Reason());
+    session_.CloseSocket();
+    OpenToNextDestination();
 }
 
 void ModernLine::SocketUp() {
@@ -116,7 +130,7 @@ std::string_view ModernLine::Receive(std::string_view bytes) {
     if (IsFree()) return WithoutResponses(bytes);
     Socks5Step step = tunnel_.Take(bytes);
     if (!step.answer.empty()) session_.socket_->SendBytes(step.answer);
-    if (tunnel_.HasFailed()) FailAttempt(kProxyRefused, tunnel_.Reason());
+    if (tunnel_.HasFailed()) TunnelFailed();
     if (tunnel_.IsOpen()) session_.SendStreamHeader();
     return step.rest;
 }

@@ -1,6 +1,8 @@
 // The line of the modern mode: nothing blocks, every failure is told, and each session has its own timers.
 #pragma once
 
+#include <deque>
+
 #include "quorix/net/Socks5Tunnel.h"
 #include "quorix/platform/Timer.h"
 #include "quorix/session/Line.h"
@@ -38,6 +40,8 @@ private:
     void OpenToServer();
     void OpenToProxy();
     void LookUpForProxy();
+    void OpenToNextDestination();
+    void TunnelFailed();
     void FailAttempt(std::int32_t number, StringView description);
 
     void Retry();
@@ -53,7 +57,8 @@ private:
     Timer silence_;
     LookUpId lookUp_ = 0;
     Socks5Tunnel tunnel_;
-    std::int32_t retries_ = 0;  // since the last login
+    std::deque<Address> destinations_;  // not asked of the proxy yet
+    std::int32_t retries_ = 0;          // since the last login
     std::int64_t retryDue_ = 0;
     bool retrying_ = false;  // the attempt that begins is one of these
     std::int64_t lastHeard_ = 0;

@@ -1,3 +1,4 @@
+#include "tests/real/Loopback.h"
 #include "tests/real/RealServer.h"
 
 namespace quorix::real {
@@ -15,8 +16,9 @@ loglevel: warning
 auth_method: internal
 auth_password_format: plain
 acme: {auto: false}
+registration_timeout: infinity
 acl:
-  loopback: {ip: [127.0.0.0/8]}
+  loopback: {ip: [127.0.0.0/8, "::1"]}
 access_rules:
   everybody: {allow: all}
   loopback: {allow: loopback}
@@ -25,7 +27,6 @@ shaper_rules:
 modules:
   mod_disco: {}
   mod_last: {}
-  mod_legacy_auth: {}
   mod_muc:
     access: everybody
     access_create: everybody
@@ -40,13 +41,11 @@ modules:
   mod_time: {}
   mod_vcard: {search: true}
   mod_version: {show_os: false}
-registration_timeout: infinity
-listen:
 )";
 
-std::string Listener(int port, const std::string& more) {
-    return "  - {port: " + std::to_string(port) +
-           ", ip: 127.0.0.1, module: ejabberd_c2s, access: everybody, " + "shaper: none" + more + "}\n";
+std::string Listener(const std::string& address, int port, const std::string& more = "") {
+    return "  - {port: " + std::to_string(port) + ", ip: \"" + address +
+           "\", module: ejabberd_c2s, access: everybody, shaper: none" + more + "}\n";
 }
 
 class Ejabberd : public RealServer {
@@ -55,9 +54,12 @@ public:
 
 private:
     void Configure() override {
-        std::string settings = kSettings + Listener(Port(), "");
+        std::string settings = kSettings;
+        if (HasLogin()) settings += "  mod_legacy_auth: {}\n";
+        settings += "listen:\n" + Listener("127.0.0.1", Port());
+        if (HasIp6()) settings += Listener("::1", Port());
         if (TlsPort() != 0) {
-            settings += Listener(TlsPort(), ", tls: true");
+            settings += Listener("127.0.0.1", TlsPort(), ", tls: true");
             settings += "certfiles: [" + OwnCertificate().chain.string() + ", " +
                         OwnCertificate().key.string() + "]\n";
         }

@@ -57,6 +57,16 @@ bool Connects(const Socket& socket, int port) {
 
 }  // namespace
 
+bool HasIp6() {
+    const int probe = socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const bool binds = bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(probe);
+    return binds;
+}
+
 int FreePort() {
     // Where a process begins depends on its number, so that two test runs at a time seldom meet.
     static int next = static_cast<int>(getpid()) % kPorts;

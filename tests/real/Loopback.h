@@ -7,6 +7,9 @@ namespace quorix::real {
 // system takes for outgoing connections: it stays free while its server is down.
 int FreePort();
 
+// Whether this machine has ::1.
+bool HasIp6();
+
 // True when something accepts connections on the port.
 bool Accepts(int port);
 

@@ -70,6 +70,12 @@ void Process::Signal(int number) const {
     if (pid_ != 0) kill(-pid_, number);
 }
 
+void Process::Stop() const {
+    Signal(SIGSTOP);
+    siginfo_t stopped;
+    if (pid_ != 0) waitid(P_PID, static_cast<id_t>(pid_), &stopped, WSTOPPED | WEXITED | WNOWAIT);
+}
+
 void Process::Kill() {
     if (pid_ == 0) return;
     kill(-pid_, SIGKILL);

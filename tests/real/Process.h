@@ -31,7 +31,8 @@ public:
     bool Running();
     int ExitCode() const { return exitCode_; }  // -1 while it runs, and after a signal
     void Signal(int number) const;
-    void Kill();  // SIGKILL to the group, and waits for the program's end
+    void Stop() const;  // SIGSTOP to the group; returns when the program stands still
+    void Kill();        // SIGKILL to the group, and waits for the program's end
 
 private:
     pid_t pid_ = 0;

@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* kSettings = R"(
 modules_enabled = {
-    "disco", "lastactivity", "legacyauth", "offline", "ping", "presence", "private", "register_ibr", "roster",
+    "disco", "lastactivity", "offline", "ping", "presence", "private", "register_ibr", "roster",
     "time", "user_account_management", "vcard", "version"
 }
 modules_disabled = { "s2s", "tls" }
@@ -14,9 +14,9 @@ storage = "internal"
 allow_registration = true
 allow_unencrypted_plain_auth = true
 c2s_require_encryption = false
-interfaces = { "127.0.0.1" }
-VirtualHost "localhost"
-Component "conference.localhost" "muc"
+c2s_stanza_size_limit = 10000000
+c2s_unauthed_stanza_size_limit = 10000000
+interfaces = { "127.0.0.1", "::1" }
 )";
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
@@ -26,7 +26,13 @@ public:
     explicit Prosody(const Certificate* certificate) : RealServer("prosody", certificate) {}
 
 private:
-    void Configure() override { Write("prosody.cfg.lua", Global() + kSettings); }
+    void Configure() override { Write("prosody.cfg.lua", Global() + kSettings + Host()); }
+
+    std::string Host() const {
+        return std::string("VirtualHost \"localhost\"\n") +
+               (HasLogin() ? "modules_enabled = { \"legacyauth\" }\n" : "") +
+               "Component \"conference.localhost\" \"muc\"\n";
+    }
 
     std::string Global() const {
         std::string settings = "data_path = " + Quoted(File("data")) +

@@ -79,6 +79,14 @@ void RealServer::ShutDown() {
     for (const auto& process : ending_) process->Signal(SIGTERM);
 }
 
+void RealServer::Freeze() const {
+    for (const auto& process : processes_) process->Stop();
+}
+
+void RealServer::Thaw() const {
+    for (const auto& process : processes_) process->Signal(SIGCONT);
+}
+
 std::string RealServer::Contents(const fs::path& file) {
     std::ostringstream text;
     text << std::ifstream(file).rdbuf();

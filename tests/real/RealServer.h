@@ -39,6 +39,13 @@ public:
     // Asks the server to end, so that it may tell its clients; it is killed when it is started again.
     void ShutDown();
 
+    // The server stands still, and its connections with it; the system goes on taking new ones in its name.
+    void Freeze() const;
+    void Thaw() const;
+
+    // Before the first start: serves without jabber:iq:auth. Not for jabberd2.
+    void LeaveOutTheLogin() { hasLogin_ = false; }
+
     // Returns when the server has forgotten the sessions of clients that are gone.
     virtual void AwaitLogouts() {}
 
@@ -62,6 +69,7 @@ protected:
     void Run(std::vector<std::string> command, std::map<std::string, std::string> environment = {});
     void Await(const std::string& what, const std::function<bool()>& reached);
     const Certificate& OwnCertificate() const { return certificate_; }
+    bool HasLogin() const { return hasLogin_; }
 
 private:
     [[noreturn]] void Fail(const std::string& what) const;
@@ -73,6 +81,7 @@ private:
     Certificate certificate_;
     int port_;
     int tls_port_;
+    bool hasLogin_ = true;
     bool configured_ = false;
     std::vector<std::unique_ptr<Process>> processes_;
     std::vector<std::unique_ptr<Process>> ending_;

@@ -1,6 +1,7 @@
 // Waiting inside the thread's message loop.
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 #include "quorix/platform/MessageLoop.h"
@@ -10,12 +11,13 @@ namespace quorix::real {
 // Runs the loop until `done` or, after `seconds`, gives up. Asks no more once it has held: it may have
 // changed something.
 inline bool RunUntil(const std::function<bool()>& done, int seconds = 10) {
+    using Clock = std::chrono::steady_clock;
     constexpr std::int32_t kLookInterval = 10;  // milliseconds
     Environment& environment = Environment::Current();
-    std::int64_t deadline = environment.Milliseconds() + std::int64_t{seconds} * 1000;
+    const Clock::time_point deadline = Clock::now() + std::chrono::seconds(seconds);
     TimerId timer = environment.SetTimer(kLookInterval, [] { MessageLoop::Quit(); });
     bool isDone = done();
-    while (!isDone && environment.Milliseconds() < deadline) {
+    while (!isDone && Clock::now() < deadline) {
         MessageLoop::Run();
         isDone = done();
     }

@@ -17,7 +17,7 @@
 
 namespace quorix {
 
-class PosixEnvironment final : public Environment {
+class PosixEnvironment : public Environment {
 public:
     PosixEnvironment();
     ~PosixEnvironment() override;

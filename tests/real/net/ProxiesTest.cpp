@@ -95,6 +95,25 @@ TEST_F(ThroughSocks, ARefusalEndsWithoutALogin) {
     expectRefusal(proxy, u"pw");
 }
 
+TEST_F(ThroughSocks, ARefusalIsToldWithItsReasonInTheModernMode) {
+    juliet->Mode(KV_Modern);
+    juliet->AuthType(KV_PlainAuth);
+    auto expectRefusal = [&](const std::unique_ptr<Peer>& proxy, const std::string& reason,
+                             StringView password = u"") {
+        ConnectThrough(*proxy, password.empty() ? u"" : u"j\u00F6", password);
+        EXPECT_TRUE(RunUntil([&] { return !juliet.Events().lines.empty(); }));
+        EXPECT_EQ(juliet.Events().Take(), Lines{"OnSocketError Proxy: " + reason + " 102"});
+    };
+    expectRefusal(Dante("block"), "connection not allowed");
+    auto proxy = Microsocks({"-u", "j\u00F6", "-P", "p\u00E9"});
+    expectRefusal(proxy, "no way to log in that both know");
+    expectRefusal(proxy, "login refused", u"wrong");
+    ConnectThrough(*proxy, u"j\u00F6", u"p\u00E9");
+    EXPECT_TRUE(juliet.AwaitEvent("OnAuthorized")) << "by the address that is listened on";
+    juliet->Port(static_cast<std::int16_t>(FreePort()));  // where nobody listens
+    expectRefusal(proxy, "connection refused", u"p\u00E9");
+}
+
 TEST_F(ThroughSocks, ASilentProxyIsWaitedForUntilItIsGone) {
     auto proxy = Microsocks();
     proxy->Signal(SIGSTOP);

@@ -19,12 +19,21 @@ TEST_P(ServerTls, ServesWhateverTheCertificateAndTheVerdictIsTold) {
     if (!missing.empty()) return SkipOrFail(missing);
     const TemporaryFolder folder;
     const Identity authority = Authority("The authority of these tests");
-    std::vector<std::pair<Identity, int>> rows;
-    rows.emplace_back(IssuedBy(authority, {}), 0);
-    rows.emplace_back(IssuedBy(authority, {.validFromDay = -9, .validUntilDay = -1}), 10);
-    rows.emplace_back(IssuedBy(authority, {.alternativeNames = "DNS:elsewhere.example"}), 62);
-    rows.emplace_back(SelfSigned({}), 18);
-    for (const auto& [identity, verdict] : rows) {
+    struct Row {
+        Identity identity;
+        int verdict;
+        const char* reason;
+    };
+    std::vector<Row> rows;
+    rows.push_back({IssuedBy(authority, {}), 0, ""});
+    rows.push_back(
+        {IssuedBy(authority, {.validFromDay = -9, .validUntilDay = -1}), 10, "certificate has expired"});
+    rows.push_back(
+        {IssuedBy(authority, {.alternativeNames = "DNS:elsewhere.example"}), 62, "hostname mismatch"});
+    rows.push_back({SelfSigned({}), 18, "self-signed certificate"});
+    rows.push_back({IssuedBy(Authority("Another"), {}), 20, "unable to get local issuer certificate"});
+    String pin;  // of the row before
+    for (const auto& [identity, verdict, reason] : rows) {
         const Certificate files{identity.SaveCertificate(folder.Path()), identity.SaveKey(folder.Path())};
         const auto server = MakeServer(GetParam(), &files);
         server->Start();
@@ -45,14 +54,24 @@ TEST_P(ServerTls, ServesWhateverTheCertificateAndTheVerdictIsTold) {
         modern->UseSSL(true);
         modern->Socket()->TimeOut(30000);
         modern->Socket()->SSLCAFile(juliet->Socket()->SSLCAFile());
-        if (verdict != 0) {
+        auto expectRefusal = [&](const std::string& told) {
             modern->Connect();
             ASSERT_TRUE(modern.AwaitEvent("OnDisConnected"));
-            EXPECT_EQ(modern.Events().Count("OnSocketError"), 1U);
+            const std::string error = "OnSocketError Certificate not trusted: " + told + " 101";
+            EXPECT_EQ(modern.Events().Take(), (Lines{error, "OnDisConnected"}));
             EXPECT_TRUE(modern.Events().outgoing.empty()) << "nothing goes out to whom is not trusted";
+        };
+        if (!pin.empty()) {
+            modern->Socket()->SSLPin(pin);
+            expectRefusal("certificate rejected");
+            modern->Socket()->SSLPin({});
+        }
+        if (verdict != 0) {
+            expectRefusal(reason);
             modern->Socket()->SSLPin(modern->Socket()->SSLFingerprint());
         }
         EXPECT_TRUE(modern.Join()) << verdict;
+        pin = modern->Socket()->SSLFingerprint();
         modern.Events().Take();
         server->Kill();
         EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected") && modern.AwaitEvent("OnDisConnected"));
@@ -61,6 +80,22 @@ TEST_P(ServerTls, ServesWhateverTheCertificateAndTheVerdictIsTold) {
 
 INSTANTIATE_TEST_SUITE_P(Real, ServerTls, ::testing::Values(ServerKind::ejabberd, ServerKind::prosody),
                          NameOfCase);
+
+// It has nothing but SASL.
+TEST_P(ServerTls, WithoutTheLoginSaysSo) {
+    std::string missing = WhyMissing(GetParam());
+    if (!missing.empty()) return SkipOrFail(missing);
+    const auto server = MakeServer(GetParam());
+    server->LeaveOutTheLogin();
+    server->Start();
+    Person juliet(server->Port(), u"juliet", u"test");
+    juliet->Mode(KV_Modern);
+    juliet->AuthType(KV_PlainAuth);
+    juliet->Connect();
+    ASSERT_TRUE(juliet.AwaitEvent("OnDisConnected"));
+    const char* told = GetParam() == ServerKind::ejabberd ? "0 not-authorized" : "503 service-unavailable";
+    EXPECT_EQ(juliet.Events().Take(), (Lines{std::string("OnError localhost ") + told, "OnDisConnected"}));
+}
 
 class ServerBehindAPutProxy : public RealServerTest {};
 

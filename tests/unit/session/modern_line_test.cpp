@@ -389,8 +389,8 @@ TEST_F(ModernSocks, ARefusalIsToldWithItsReason) {
     }
 }
 
-TEST_F(ModernSocks, LooksTheServerUpWithoutWaitingUnlessTheProxyDoes) {
-    env.ScriptAddresses("s", {kFirst});
+TEST_F(ModernSocks, AsksForEachAddressInTurnUnlessTheProxyLooksThemUp) {
+    env.ScriptAddresses("s", {kFirst, kSecond});
     session->ProxyType(KV_SOCKS5Proxy);
     session->ProxyHostname(u"proxy");
     session->Reconnect(false);
@@ -399,6 +399,14 @@ TEST_F(ModernSocks, LooksTheServerUpWithoutWaitingUnlessTheProxyDoes) {
     Heard();
     Say(kMethod);
     EXPECT_EQ(Heard().substr(0, 6), std::string("\5\1\0\4\xFD\1", 6));
+    Say("\5\x8");
+    Heard();
+    Say(kMethod);
+    EXPECT_EQ(Heard().substr(0, 8), std::string("\5\1\0\1\xC0\0\2\2", 8));
+    EXPECT_EQ(events->lines, Lines());
+    Say("\5\4");
+    EXPECT_EQ(events->Take(), Lines{"OnSocketError Proxy: host unreachable 102"});
+    EXPECT_EQ(env.OpenSockets() + env.RunningTimers(), 0U);
     env.ScriptAddresses("s", {});
     session->Connect();
     env.DoEvents();

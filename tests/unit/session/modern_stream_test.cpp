@@ -1,4 +1,6 @@
 // How a session of the modern mode reads its stream, and how its login ends.
+#include <algorithm>
+
 #include "tests/unit/session/SessionFixture.h"
 
 namespace quorix {
@@ -41,6 +43,23 @@ TEST_F(ModernStream, RaisesAStanzaThatStandsBeforeTheBeginningOfAnotherOrTheClos
     EXPECT_EQ(Raised("<message from='a@s'><body>1</body></message><message><bo"), Lines{"OnMessage 1"});
     EXPECT_EQ(Raised("dy>2</body></message></stream:stream>"), (Lines{"OnMessage 2", "OnDisConnected"}));
     EXPECT_FALSE(session->IsConnected());
+}
+
+// A thousand stanzas in the pieces of a network: none waits for what follows it.
+TEST_F(ModernStream, RaisesEachStanzaWithThePieceThatBringsItsEnd) {
+    constexpr std::size_t kPiece = 1448;
+    LogIn();
+    std::string stream;
+    std::vector<std::size_t> ends;
+    for (std::size_t length = 0; length < 1000; ++length) {
+        stream += "<message from='a@s'><body>" + std::string(length, 'x') + "</body></message>";
+        ends.push_back(stream.size());
+    }
+    for (std::size_t at = 0; at < stream.size(); at += kPiece) {
+        Say(stream.substr(at, kPiece));
+        const auto complete = std::upper_bound(ends.begin(), ends.end(), at + kPiece) - ends.begin();
+        ASSERT_EQ(events->lines.size(), static_cast<std::size_t>(complete)) << at;
+    }
 }
 
 TEST_F(ModernStream, TakesNothingThatStandsBehindItsEnd) {
