@@ -56,10 +56,11 @@ void AnswerDesk::OnOOBResult(StringView FromJid, bool bSuccess) {
     Show(bSuccess ? "offer-fetched" : "offer-refused", {{"from", Text(FromJid)}});
 }
 
-// A reply that has no event of its own.
+// The end of every answer; some have no event of their own.
 void AnswerDesk::OnIQ(const NodePtr& XMLElement) {
     const XmlNode query = XMLElement->Root().FirstElement();
     if (!XMLElement->Root().AttributeIs(u"type", u"result")) return;
+    Owner().EndWait();
     if (!query.AttributeIs(u"xmlns", u"jabber:iq:private")) return;
     if (const XmlNode stored = query.FirstElement()) Show("private", {{"xml", Text(stored.Xml())}});
 }

@@ -163,7 +163,6 @@ void Connection::OnDisConnected() {
     // Whoever has taken over would be thrown out in turn.
     if (StartsWith(told, u"conflict")) return End(ExitCode::replaced, u"Another login has taken over", told);
     Show("disconnected", {{"reason", told}});
-    lost_ = g_get_monotonic_time();
     Owner().OnLost();
     if (!Session().Reconnect()) return Owner().Quit(ExitCode::network);
 }
@@ -212,8 +211,8 @@ void Connection::End(ExitCode code, const String& what, StringView reason) {
 std::string Connection::State() const {
     if (online_) return "online, " + trust_.State(Session());
     if (!wasOnline_) return "connecting";
-    return fmt::format("offline for {} s, connecting again",
-                       (g_get_monotonic_time() - lost_) / G_USEC_PER_SEC);
+    const std::int32_t delay = Session().ReconnectDelay();
+    return delay == 0 ? "offline, connecting" : fmt::format("offline, next attempt in {} s", delay);
 }
 
 // -- The traffic --

@@ -44,8 +44,7 @@ private:
 
     Options options_;
     Trust trust_;
-    String reason_;          // why the connection ends, as far as is known
-    std::int64_t lost_ = 0;  // microseconds of the system's steady clock
+    String reason_;  // why the connection ends, as far as is known
     unsigned deadline_ = 0;
     bool online_ = false;
     bool wasOnline_ = false;

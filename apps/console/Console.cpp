@@ -116,7 +116,11 @@ ExitCode Console::Run() {
 void Console::Show(std::string_view event, const Fields& fields) {
     const EventKind kind = FormOf(event).kind;
     const bool isTraffic = event.starts_with("xml-") || event == "presence" || event == "message";
-    if (!isTraffic && kind != EventKind::echo && kind != EventKind::notice) awaited_.clear();
+    if (kind == EventKind::list) {
+        ++listed_;
+    } else if (!isTraffic && kind != EventKind::echo && kind != EventKind::notice) {
+        EndWait();
+    }
     output_->Show(event, fields);
     if (event == "message") CountMessage();
     UpdateStatus();
@@ -144,12 +148,15 @@ void Console::UpdateStatus() {
     const std::string partner = current == nullptr ? "" : Clean(Utf8FromText(current->jid), Lines::one);
     terminal_->Prompt(partner.substr(0, partner.find('@')) +
                       (current != nullptr && current->typing ? " (typing)" : "") + "> ");
-    std::string status =
-        fmt::format(" {} | {}", Clean(Utf8FromText(Text(session_->MyJid())), Lines::one), line_->State());
+    std::string status = " " + line_->State();  // a narrow terminal shows the beginning
     if (chats.Unread() > 0) status += fmt::format(" | {} unread", chats.Unread());
     const std::int64_t waited = g_get_monotonic_time() - awaitedSince_;
-    if (!awaited_.empty() && waited > kPatience)
+    if (!awaited_.empty() && listed_ > 0) {
+        status += fmt::format(" | {}: {}", awaited_, listed_);
+    } else if (!awaited_.empty() && waited > kPatience) {
         status += fmt::format(" | {} {} s", awaited_, waited / G_USEC_PER_SEC);
+    }
+    status += " | " + Clean(Utf8FromText(Text(session_->MyJid())), Lines::one);
     terminal_->Status(status + " ");
 }
 
@@ -220,7 +227,10 @@ void Console::Wait(int seconds) {
 void Console::WaitFor(std::string_view command) {
     awaited_ = command;
     awaitedSince_ = g_get_monotonic_time();
+    listed_ = 0;
 }
+
+void Console::EndWait() { awaited_.clear(); }
 
 void Console::Quit(ExitCode code) {
     if (std::exchange(quitting_, true)) return;

@@ -63,8 +63,10 @@ public:
     void OnLost();
     // Input waits meanwhile: scripts need time to see answers.
     void Wait(int seconds);
-    // An answer to `command` is awaited; whatever is shown next ends the wait.
+    // An answer to `command` is awaited; the answer's end ends the wait, and so does what is shown but a
+    // list.
     void WaitFor(std::string_view command);
+    void EndWait();
     void Quit(ExitCode code = ExitCode::success);
     bool IsQuitting() const { return quitting_; }
     // Quits when what was sent before has been answered.
@@ -93,6 +95,7 @@ private:
     std::shared_ptr<AnswerDesk> answers_;
     std::string awaited_;
     std::int64_t awaitedSince_ = 0;  // microseconds of the system's steady clock
+    int listed_ = 0;                 // entries of a list since then
     int heard_ = 0;
     bool waiting_ = false;
     bool quitting_ = false;

@@ -53,7 +53,8 @@ void ContactDesk::OnPresence(const std::shared_ptr<cPresenceItem>& PresenceItem,
     const String jid = PresenceItem->JID();
     const String resource = PresenceItem->Resource();
     if (bAvailable && Owner().Rooms().HasJoined(jid, resource)) return;
-    Show("presence", {{"jid", jid},
+    Show("presence", {{"_who", resource.empty() ? jid : Concat({jid, u"/", resource})},
+                      {"jid", jid},
                       {"resource", resource},
                       {"show", bAvailable ? Mood(*PresenceItem) : StringView(u"offline")},
                       {"status", PresenceItem->Status()},

@@ -24,6 +24,8 @@ namespace quorix::console {
 namespace {
 
 constexpr int kHistoryLines = 1000;
+constexpr std::int64_t kLongHidden = 200'000;  // microseconds of a long list without prompt and status
+constexpr unsigned kRest = 200;                // milliseconds without another change of the terminal's size
 
 void Write(const std::string& utf8) {
     const std::string text = ToLocale(utf8);
@@ -49,13 +51,14 @@ EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
         current->Resized();
         return G_SOURCE_CONTINUE;
     };
-    resizing_ = g_unix_signal_add(SIGWINCH, resized, this);
+    resized_ = g_unix_signal_add(SIGWINCH, resized, this);
 }
 
 EditTerminal::~EditTerminal() {
     Hide();
     if (showing_ != 0) g_source_remove(showing_);
-    g_source_remove(resizing_);
+    if (resting_ != 0) g_source_remove(resting_);
+    g_source_remove(resized_);
     std::fflush(stdout);
     rl_callback_handler_remove();
     current = nullptr;
@@ -153,7 +156,8 @@ void EditTerminal::Print(const std::string& text) {
     Hide();
     Write(text + "\n");
     std::fflush(stdout);
-    ShowSoon();
+    const bool isLong = showing_ != 0 && g_get_monotonic_time() - hiddenSince_ > kLongHidden;
+    isLong ? Show() : ShowSoon();
 }
 
 void EditTerminal::Bell() { rl_ding(); }
@@ -165,9 +169,12 @@ int EditTerminal::Columns() const {
     return columns;
 }
 
+std::string EditTerminal::Displayed(const std::string& text) const { return FromLocale(ToLocale(text)); }
+
 void EditTerminal::Prompt(const std::string& prompt) {
-    if (prompt == prompt_) return;
-    prompt_ = prompt;
+    const std::string displayed = Displayed(prompt);
+    if (displayed == prompt_) return;
+    prompt_ = displayed;
     UsePrompt();
 }
 
@@ -177,23 +184,34 @@ void EditTerminal::UsePrompt() {
 }
 
 void EditTerminal::Status(const std::string& status) {
-    if (status == status_) return;
+    const std::string displayed = Displayed(status);
+    if (displayed == status_) return;
     Hide();
-    status_ = status;
+    status_ = displayed;
     ShowSoon();
 }
 
-// A terminal that has become narrower has broken each line of status and input into more.
+// While it is dragged, a terminal breaks its lines anew at each step: what is on it is drawn again when it
+// rests.
 void EditTerminal::Resized() {
-    const int before = std::max(Columns(), 1);
-    rl_resize_terminal();
+    auto rests = [](gpointer self) -> gboolean {
+        static_cast<EditTerminal*>(self)->Settle();
+        static_cast<EditTerminal*>(self)->ShowSoon();
+        return G_SOURCE_REMOVE;
+    };
+    if (resting_ != 0) g_source_remove(resting_);
+    resting_ = g_timeout_add(kRest, rests, this);
+}
+
+// One that has become narrower has broken status and input into more lines.
+void EditTerminal::Settle() {
+    if (resting_ == 0) return;
+    g_source_remove(std::exchange(resting_, 0U));
+    rl_reset_screen_size();
     const int columns = std::max(Columns(), 1);
     const std::string input(rl_line_buffer, static_cast<std::size_t>(rl_point));
     const int inputWidth = Width(answer_ ? question_ : prompt_) + (secret_ ? 0 : Width(FromLocale(input)));
-    const int full = inputWidth / before * Lines(before, columns);
-    const int last = inputWidth % before / columns;
-    if (std::exchange(shown_, false)) Erase(Lines(statusWidth_, columns) + full + last);
-    ShowSoon();
+    if (std::exchange(shown_, false)) Erase(Lines(statusWidth_, columns) + inputWidth / columns);
 }
 
 // Everything from `lines` above the cursor's on.
@@ -206,6 +224,7 @@ void EditTerminal::Erase(int lines) {
 
 // Takes prompt and status off the screen and leaves the cursor where the status began.
 void EditTerminal::Hide() {
+    Settle();
     if (!std::exchange(shown_, false)) return;
     rl_clear_visible_line();
     std::fflush(rl_outstream);
@@ -214,6 +233,7 @@ void EditTerminal::Hide() {
 
 void EditTerminal::Show() {
     if (showing_ != 0) g_source_remove(std::exchange(showing_, 0U));
+    Settle();
     if (std::exchange(shown_, true)) return;
     const std::string status = HasCapability("cuu1") && !answer_ ? Cut(status_, Columns() - 1) : "";
     statusWidth_ = Width(status);
@@ -236,7 +256,9 @@ void EditTerminal::ShowSoon() {
         static_cast<EditTerminal*>(self)->Show();
         return G_SOURCE_REMOVE;
     };
-    if (showing_ == 0 && !shown_) showing_ = g_idle_add_full(G_PRIORITY_HIGH_IDLE, show, this, nullptr);
+    if (showing_ != 0 || shown_) return;
+    hiddenSince_ = g_get_monotonic_time();
+    showing_ = g_idle_add_full(G_PRIORITY_HIGH_IDLE, show, this, nullptr);
 }
 
 // readline draws after each key, also while the prompt is hidden. A secret is edited like any line; only the

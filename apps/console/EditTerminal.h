@@ -20,6 +20,7 @@ public:
     void Notice(const std::string& text) override { Print(text); }
     void Bell() override;
     int Columns() const override;
+    std::string Displayed(const std::string& text) const override;
     void Ask(const std::string& question, bool secret, Answer answer) override;
     void Prompt(const std::string& prompt) override;
     void Status(const std::string& status) override;
@@ -34,6 +35,7 @@ private:
     void Hide();
     void Erase(int lines);
     void Resized();
+    void Settle();
     void Show();
     void ShowSoon();
     void UsePrompt();
@@ -55,7 +57,9 @@ private:
     bool shown_ = false;    // prompt and status are on the screen
     int statusWidth_ = 0;   // as it was drawn
     unsigned showing_ = 0;  // the source that will show them
-    unsigned resizing_ = 0;
+    std::int64_t hiddenSince_ = 0;
+    unsigned resized_ = 0;
+    unsigned resting_ = 0;  // the source that will take the new size
 
     inline static EditTerminal* current = nullptr;
 };

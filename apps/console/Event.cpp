@@ -39,9 +39,9 @@ constexpr EventForm kForms[] = {
     {"delivered", data, "* your message has reached {from}", "a message has arrived"},
     {"stored", data, "* your message waits for {from}", "a message waits on the server"},
     // Presence and contacts
-    {"presence", data, "* {jid}/{resource} is {show} {status}", "somebody has come, gone or changed"},
+    {"presence", data, "* {_who} is {show} {status}", "somebody has come, gone or changed"},
     {"where", list, "  {resource}: {show}, priority {priority} {status}", "where a contact is online"},
-    {"subscription-request", data, "* {jid} wants to see you: {text} (/accept {jid} or /deny {jid})",
+    {"subscription-request", data, "* {jid} wants to see you (/accept {jid} or /deny {jid}) {text}",
      "somebody asks to see when you are there"},
     {"subscription-ended", data, "* {jid} no longer wants to see you", "... and no longer does"},
     {"subscription-accepted", data, "* {jid} lets you see when it is there {text}",

@@ -80,7 +80,8 @@ void Output::Show(std::string_view name, const Fields& fields) {
 void Output::ShowLine(const EventForm& form, const Fields& fields) {
     const std::string clock = style_.times && form.kind != EventKind::list ? Clock() : "";
     const int indent = form.name == "help" ? kHelpColumn : kIndent;
-    const std::string text = Wrap(clock + Composed(form, fields), terminal_.Columns(), indent);
+    const std::string composed = terminal_.Displayed(clock + Composed(form, fields));
+    const std::string text = Wrap(composed, terminal_.Columns(), indent);
     const std::string line = style_.colors ? Painted(form, fields, text) : text;
     const bool isData = form.kind == EventKind::data || form.kind == EventKind::list;
     isData ? terminal_.Print(line) : terminal_.Notice(line);

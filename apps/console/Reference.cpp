@@ -98,18 +98,30 @@ std::string LongNames(const CLI::App& app) {
     return names.substr(1);
 }
 
+// The options whose values a shell can complete: file names, or a choice.
+constexpr std::string_view kFileOptions[] = {"--config", "--password-file", "--ca", "--exec"};
+constexpr std::string_view kChoiceOption = "--color";
+constexpr std::string_view kChoices = "always never auto";
+
 std::string Bash(const CLI::App& app) {
     return fmt::format(
         "_quorix_console() {{\n"
         "    local word=${{COMP_WORDS[COMP_CWORD]}}\n"
         "    case ${{COMP_WORDS[COMP_CWORD-1]}} in\n"
-        "        --config | --password-file | --ca | --exec) COMPREPLY=($(compgen -f -- \"$word\")) ;;\n"
-        "        --color) COMPREPLY=($(compgen -W 'always never auto' -- \"$word\")) ;;\n"
+        "        {}) COMPREPLY=($(compgen -f -- \"$word\")) ;;\n"
+        "        {}) COMPREPLY=($(compgen -W '{}' -- \"$word\")) ;;\n"
         "        *) COMPREPLY=($(compgen -W '{}' -- \"$word\")) ;;\n"
         "    esac\n"
         "}}\n"
         "complete -F _quorix_console quorix-console\n",
-        LongNames(app));
+        fmt::join(kFileOptions, " | "), kChoiceOption, kChoices, LongNames(app));
+}
+
+std::string ZshValue(const std::string& name) {
+    if (name == kChoiceOption) return fmt::format(":value:({})", kChoices);
+    const bool isFile =
+        std::find(std::begin(kFileOptions), std::end(kFileOptions), name) != std::end(kFileOptions);
+    return isFile ? ":file:_files" : ":value: ";
 }
 
 std::string ZshLine(const CLI::Option& option, const std::string& name) {
@@ -120,13 +132,13 @@ std::string ZshLine(const CLI::Option& option, const std::string& name) {
         help += c;
     }
     const bool takesValue = option.get_items_expected() != 0;
-    return fmt::format("    '--{}[{}]{}'", name, help, takesValue ? ":value:_files" : "");
+    return fmt::format("    '{}[{}]{}'", name, help, takesValue ? ZshValue(name) : "");
 }
 
 std::string Zsh(const CLI::App& app) {
     std::string text = "#compdef quorix-console\n_arguments";
     for (const CLI::Option* option : ShownOptions(app)) {
-        for (const std::string& name : option->get_lnames()) text += " \\\n" + ZshLine(*option, name);
+        for (const std::string& name : option->get_lnames()) text += " \\\n" + ZshLine(*option, "--" + name);
     }
     std::string tasks;
     for (const CLI::App* task : app.get_subcommands({})) tasks += " " + task->get_name();

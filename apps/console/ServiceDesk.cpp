@@ -1,5 +1,7 @@
 #include "apps/console/ServiceDesk.h"
 
+#include <algorithm>
+
 #include "apps/console/Console.h"
 #include "apps/console/Text.h"
 
@@ -59,29 +61,31 @@ void ServiceDesk::OnGatewayInfo(const NodePtr& /*XMLElement*/, StringView Desc) 
     Show("gateway", {{"text", Text(Desc)}});
 }
 
-void ServiceDesk::Register(StringView agentJid, Values values) {
-    registration_ = {String(agentJid), std::move(values)};
-    Session().GetAgentRegister(Inserted(Session(), agentJid), Session().GetNextID());
-}
-
-// Replies that have no event of their own.
+// Answers that have no event of their own are known by their id.
 void ServiceDesk::OnIQ(const NodePtr& XMLElement) {
     const XmlNode root = XMLElement->Root();
-    const bool isForm = root.FirstElement().AttributeIs(u"xmlns", u"jabber:iq:register");
-    if (!root.AttributeIs(u"type", u"result")) return;
-    if (isForm) ContinueRegistration(root.Attribute(u"from"));
-    const bool isSearch = !searchId_.empty() && root.AttributeIs(u"id", searchId_);
-    if (isSearch && !XMLElement->TagExists(u"item")) Show("no-hits", {});
+    const bool isAnswer = root.AttributeIs(u"type", u"result") || root.AttributeIs(u"type", u"error");
+    const auto found = std::find_if(open_.begin(), open_.end(), [&](const Open& question) {
+        return root.AttributeIs(u"id", question.id);
+    });
+    if (!isAnswer || found == open_.end()) return;
+    const Open question = std::move(*found);
+    open_.erase(found);
+    if (root.AttributeIs(u"type", u"result")) (this->*question.answered)(question, XMLElement);
+}
+
+void ServiceDesk::Register(StringView agentJid, Values values) {
+    open_.push_back(
+        {&ServiceDesk::ContinueRegistration, Session().GetNextID(), String(agentJid), std::move(values)});
+    Session().GetAgentRegister(Inserted(Session(), agentJid), open_.back().id);
 }
 
 // The form has been put into the agent's fields by now.
-void ServiceDesk::ContinueRegistration(StringView from) {
-    if (registration_.jid.empty() || registration_.jid != Text(from)) return;
-    const Pending wanted = std::exchange(registration_, {});
-    const std::int16_t position = Session().FindAgent(from);
-    if (position == 0) return Fail(wanted.jid, u"unknown agent; /agents fetches the list");
+void ServiceDesk::ContinueRegistration(const Open& question, const NodePtr& answer) {
+    const std::int16_t position = Session().FindAgent(answer->Root().Attribute(u"from"));
+    if (position == 0) return Fail(question.jid, u"unknown agent; /agents fetches the list");
     const std::shared_ptr<cAgentItem> agent = Session().Agents().Item(position);
-    for (const auto& [name, value] : wanted.values) {
+    for (const auto& [name, value] : question.values) {
         if (agent->FindField(name) == 0) agent->AddField(name, {});
         agent->SetField(name, Inserted(Session(), value));
     }
@@ -90,20 +94,29 @@ void ServiceDesk::ContinueRegistration(StringView from) {
         Show("field",
              {{"name", Text(field->Name())}, {"value", isSecret ? String(u"***") : Text(field->Value())}});
     }
-    if (!wanted.values.empty()) agent->Update();
+    if (!question.values.empty()) agent->Update();
 }
 
 // -- Searching --
 
 void ServiceDesk::Search(StringView jid, Values values) {
-    search_ = {String(jid), std::move(values)};
-    Session().SendXML(Concat({u"<iq type='get' id='", Session().GetNextID(), u"' to='", InXml(Session(), jid),
+    open_.push_back({&ServiceDesk::ContinueSearch, Session().GetNextID(), String(jid), std::move(values)});
+    Session().SendXML(Concat({u"<iq type='get' id='", open_.back().id, u"' to='", InXml(Session(), jid),
                               u"'><query xmlns='jabber:iq:search'/></iq>"}));
 }
 
-void ServiceDesk::OnSearchFields(const std::shared_ptr<cSearchFields>& /*SearchFields*/) {
-    if (search_.values.empty()) return ShowForm();
-    SubmitSearch();
+// The form has been put into the session's fields by now.
+void ServiceDesk::ContinueSearch(const Open& question, const NodePtr& /*answer*/) {
+    if (question.values.empty()) return ShowForm();
+    const bool asForm = Session().SearchXData()->Fields().Count() > 0;
+    open_.push_back({&ServiceDesk::EndSearch, Session().GetNextID(), question.jid, {}});
+    Session().SendXML(Concat({u"<iq type='set' id='", open_.back().id, u"' to='",
+                              InXml(Session(), question.jid), u"'><query xmlns='jabber:iq:search'>",
+                              SearchBody(Session(), question.values, asForm), u"</query></iq>"}));
+}
+
+void ServiceDesk::EndSearch(const Open& /*question*/, const NodePtr& answer) {
+    if (!answer->TagExists(u"item")) Show("no-hits", {});
 }
 
 void ServiceDesk::ShowForm() {
@@ -114,15 +127,6 @@ void ServiceDesk::ShowForm() {
         Show("form-field",
              {{"name", Text(field->Var())}, {"label", Concat({u"(", Text(field->Label()), u")"})}});
     }
-}
-
-void ServiceDesk::SubmitSearch() {
-    const bool asForm = Session().SearchXData()->Fields().Count() > 0;
-    const Pending search = std::exchange(search_, {});
-    searchId_ = Session().GetNextID();
-    Session().SendXML(Concat({u"<iq type='set' id='", searchId_, u"' to='", InXml(Session(), search.jid),
-                              u"'><query xmlns='jabber:iq:search'>",
-                              SearchBody(Session(), search.values, asForm), u"</query></iq>"}));
 }
 
 void ServiceDesk::OnSearchResults(const std::shared_ptr<cSearchResults>& Searchresults) {

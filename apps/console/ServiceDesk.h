@@ -1,6 +1,8 @@
 // The server's services: agents and gateways, searching, business cards.
 #pragma once
 
+#include <vector>
+
 #include "apps/console/Desk.h"
 #include "apps/console/Parameters.h"
 
@@ -17,24 +19,25 @@ public:
     void OnAgentItem(const std::shared_ptr<cAgentItem>& Agent, const NodePtr& XMLElement) override;
     void OnAgentEnd() override;
     void OnGatewayInfo(const NodePtr& XMLElement, StringView Desc) override;
-    void OnSearchFields(const std::shared_ptr<cSearchFields>& SearchFields) override;
     void OnSearchResults(const std::shared_ptr<cSearchResults>& Searchresults) override;
     void OnVCardResult(const std::shared_ptr<cVcard>& Vcard, StringView FromJid,
                        const NodePtr& XMLElement) override;
     void OnIQ(const NodePtr& XMLElement) override;
 
 private:
-    struct Pending {
+    // A question that has not been answered yet: for a form or, when it was submitted, for what came of that.
+    struct Open {
+        void (ServiceDesk::*answered)(const Open& question, const NodePtr& answer);
+        String id;
         String jid;
         Values values;
     };
+    void ContinueSearch(const Open& question, const NodePtr& answer);
+    void EndSearch(const Open& question, const NodePtr& answer);
+    void ContinueRegistration(const Open& question, const NodePtr& answer);
     void ShowForm();
-    void SubmitSearch();
-    void ContinueRegistration(StringView from);
 
-    Pending search_;
-    String searchId_;  // of the one that was sent
-    Pending registration_;
+    std::vector<Open> open_;
 };
 
 // The lines of a business card that are shown and can be published.

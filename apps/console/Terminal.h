@@ -41,8 +41,10 @@ public:
     virtual void Notice(const std::string& text) = 0;
     virtual void Bell() {}
 
-    // The columns that text may take; 0 when there is no limit.
+    // The columns that text may take; 0 when there is no limit. They are those of `Displayed` text, in which
+    // escapes stand for what the locale lacks.
     virtual int Columns() const { return 0; }
+    virtual std::string Displayed(const std::string& text) const { return text; }
 
     // Puts a question in the place of the prompt; the next line is the answer. Secret ones are not shown as
     // they are typed. When nobody can be asked, or input ends, there is no answer.

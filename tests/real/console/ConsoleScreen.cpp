@@ -25,6 +25,12 @@ ConsoleScreen::ConsoleScreen(Size size, const std::vector<std::string>& argument
     std::string program = "env LC_ALL=" + locale + " XDG_CONFIG_HOME=" + folder +
                           " XDG_STATE_HOME=" + folder + " " + QUORIX_CONSOLE + " --no-time";
     for (const std::string& argument : arguments) program += " " + Quoted(argument);
+    Start(size, program);
+}
+
+ConsoleScreen::ConsoleScreen(Size size, const std::string& program) { Start(size, program); }
+
+void ConsoleScreen::Start(Size size, const std::string& program) const {
     Terminal({"-f", "/dev/null", "new-session", "-d", "-x", std::to_string(size.columns), "-y",
               std::to_string(size.rows), program});
 }
@@ -58,6 +64,13 @@ void ConsoleScreen::Resize(Size size) const {
 std::string ConsoleScreen::Text() const { return Terminal({"capture-pane", "-p"}); }
 bool ConsoleScreen::Ended() const {
     return RunUntil([this] { return Terminal({"list-sessions"}).empty(); });
+}
+
+std::size_t ConsoleScreen::Count(const std::string& text) const {
+    const std::string all = Text();
+    std::size_t count = 0;
+    for (auto at = all.find(text); at != std::string::npos; at = all.find(text, at + 1)) ++count;
+    return count;
 }
 
 std::string ConsoleScreen::LastLine() const {

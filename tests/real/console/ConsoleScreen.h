@@ -18,6 +18,8 @@ public:
     // `locale` is the program's; the terminal itself shows everything.
     ConsoleScreen(Size size, const std::vector<std::string>& arguments,
                   const std::string& locale = "C.UTF-8");
+    // Any other program, by its command line.
+    ConsoleScreen(Size size, const std::string& program);
     ~ConsoleScreen();
     ConsoleScreen(const ConsoleScreen&) = delete;
     ConsoleScreen& operator=(const ConsoleScreen&) = delete;
@@ -34,10 +36,13 @@ public:
     bool Ended() const;
     // What is on the screen, line by line, without blanks at the ends.
     std::string Text() const;
+    // How many times `text` is there.
+    std::size_t Count(const std::string& text) const;
     // The last line that holds anything.
     std::string LastLine() const;
 
 private:
+    void Start(Size size, const std::string& program) const;
     std::string Terminal(std::vector<std::string> command) const;
 
     testkit::TemporaryFolder folder_;

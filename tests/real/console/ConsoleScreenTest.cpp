@@ -1,6 +1,10 @@
 // The console client as a person sees it, on terminals of two sizes and two locales.
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
 #ifdef QUORIX_CONSOLE
 
 #include "testkit/Certificates.h"
@@ -38,21 +42,41 @@ TEST_F(ConsoleOnATerminal, KeepsPromptAndStatusBelowWhatItPrints) {
          {std::pair(ConsoleScreen::Size{80, 24}, "C.UTF-8"), std::pair(ConsoleScreen::Size{40, 10}, "C")}) {
         const ConsoleScreen screen(size, Login(), locale);
         ASSERT_TRUE(screen.Shows("Logged in as juliet@localhost/console."));
+        ASSERT_TRUE(screen.Shows("echo@localhost/loop is online"));  // the last that comes by itself
         screen.Enter("/bogus");
         ASSERT_TRUE(screen.Shows("! There is no command /bogus"));
         EXPECT_THAT(screen.Text(), Not(HasSubstr("> /bogus>")));
         EXPECT_TRUE(RunUntil([&] { return screen.LastLine() == ">"; })) << screen.Text();
         screen.Type("/msg half a line");
         ASSERT_TRUE(screen.Shows("> /msg half a line"));
-        screen.Resize({size.columns / 2 + 15, size.rows});
+        for (int columns : {33, 39, size.columns / 2 + 15}) {
+            screen.Resize({columns, size.rows});
+            RunUntil([] { return false; }, 1);  // until it rests
+            EXPECT_EQ(screen.Count("online, no TLS"), 1U) << screen.Text();
+        }
         server->DropConnections();
         ASSERT_TRUE(screen.Shows("Disconnected: "));
-        EXPECT_TRUE(screen.Shows("offline"));
+        EXPECT_TRUE(screen.Shows("offline, next attempt in "));
         EXPECT_TRUE(RunUntil([&] { return screen.LastLine() == "> /msg half a line"; })) << screen.Text();
         screen.Press("C-u");
         screen.Enter("/quit");
         EXPECT_TRUE(screen.Ended());
     }
+}
+
+// What a locale lacks takes more columns there than the character has.
+TEST_F(ConsoleOnATerminal, IndentsWhatStrangersWriteInEveryLocale) {
+    const ConsoleScreen screen({40, 20}, Login(), "C");
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    screen.Enter("/msg echo@localhost \u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4 ! forged end");
+    ASSERT_TRUE(screen.Shows("echo@localhost: You said:") && screen.Shows("1 unread"));
+    std::istringstream lines(screen.Text());
+    bool isAnswer = false;
+    for (std::string line; std::getline(lines, line) && line.find("unread") == std::string::npos;) {
+        EXPECT_TRUE(!isAnswer || line.starts_with("    ")) << screen.Text();
+        isAnswer = isAnswer || line.starts_with("echo@localhost:");
+    }
+    EXPECT_TRUE(isAnswer);
 }
 
 TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
@@ -125,6 +149,34 @@ TEST_F(ConsoleOnATerminal, CompletesAndTalksToOnePartner) {
     EXPECT_TRUE(screen.Shows("me to echo@localhost: just typed"));
     screen.Enter("/w");
     EXPECT_TRUE(screen.Shows("1 echo@localhost <- here"));
+}
+
+TEST(ConsoleCompletion, WorksInTheShells) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path();
+    const struct {
+        const char* file;
+        std::string shell, setUp, reference;
+    } rows[] = {
+        {"/usr/bin/zsh", "zsh -f", "fpath+=(" + path + "); autoload -U compinit; compinit -u -D",
+         "zsh >" + path + "/_quorix-console"},
+        {"/usr/bin/bash", "bash --norc", "source " + path + "/bash", "bash >" + path + "/bash"},
+    };
+    for (const auto& [file, shell, setUp, reference] : rows) {
+        if (!ConsoleScreen::IsPossible() || !std::filesystem::exists(file)) {
+            return SkipOrFail(std::string("needs tmux and ") + file);
+        }
+        ASSERT_EQ(std::system((std::string(QUORIX_CONSOLE) + " --reference " + reference).c_str()), 0);
+        const ConsoleScreen screen({100, 24}, "env PS1='% ' " + shell);
+        screen.Enter(setUp + "; echo r''eady");
+        ASSERT_TRUE(screen.Shows("ready"));
+        screen.Type("quorix-console --remot");
+        screen.Press("Tab");
+        EXPECT_TRUE(screen.Shows("quorix-console --remote-dns"));
+        screen.Type(" --color nev");
+        screen.Press("Tab");
+        EXPECT_TRUE(screen.Shows("--color never"));
+    }
 }
 
 }  // namespace

@@ -65,15 +65,21 @@ TEST_F(ConsoleClient, GoesThroughASocksProxyAndKeepsItsPasswordToItself) {
     EXPECT_THAT(Run({"--proxy", "h:1"}), HasSubstr("no address of a proxy"));
 }
 
-TEST_F(ConsoleClient, AsksEveryServiceAndShowsWhatItAnswers) {
-    ConsoleProgram program(LoginOptions(server->Start(), "juliet", {"--xml", "--yes", "--plain"}));
+class ConsoleServices : public ConsoleClient, public ::testing::WithParamInterface<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Modes, ConsoleServices, ::testing::Values("--plain", "--classic"));
+
+TEST_P(ConsoleServices, AreAskedAndShownWhatTheyAnswer) {
+    ConsoleProgram program(LoginOptions(server->Start(), "juliet", {"--xml", "--yes", GetParam()}));
     const std::pair<const char*, const char*> steps[] = {
         {"/help\n/search users.localhost last=Nobody\n/agents", "Nobody was found."},
         {"/agent gateway.localhost username=me; password=Zoë & co",
          "<username>me</username><password>***</password><key>***</key>"},
         {"/gateway gateway.localhost", "gateway asks for: The name over there"},
-        {"/unagent gateway.localhost\n/search users.localhost last=Capulet",
-         "found tybalt@localhost | cat | Tybalt"},
+        {"/unagent gateway.localhost\n/search users.localhost last=Nobody\n/search users.localhost "
+         "last=Capulet",
+         "Nobody was found."},
+        {"", "found tybalt@localhost | cat | Tybalt"},
         {"/publish FullName=Zoë <1>; Email=a@b\n/vcard", "  FullName = Zoë <1>"},
         {"/private notes:mine a & b\n/private notes:mine",
          R"(stored: <notes xmlns="notes:mine">a &amp; b</notes>)"},
@@ -180,45 +186,57 @@ TEST_F(ConsoleClient, TakesAccountsByNameFromItsConfigurationAndSpeaksJson) {
     EXPECT_EQ(console.ExitCode(), 1) << "since a command was wrong";
 }
 
-class ConsoleChat : public RealServerTest {};
+class ConsoleChat : public RealServerTest {
+protected:
+    void Talk(const std::string& mode) const;
+};
 
-TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeeds) {
-    Person bob(Server().Port(), u"con.bob", u"work");
+void ConsoleChat::Talk(const std::string& mode) const {
+    const std::string annName = "ann" + mode;
+    const std::string ann = annName + "@localhost";
+    Person bob(Server().Port(), TextFromUtf8("bob" + mode), u"work");
+    const std::string bobJid = Utf8FromText(bob.jid);
+    const String annJid = TextFromUtf8(ann);
     ASSERT_TRUE(bob.Join());
-    ConsoleProgram console(LoginOptions(Server().Port(), "con.ann", {"--new", "--yes", "--plain"}));
+    ConsoleProgram console(LoginOptions(Server().Port(), annName, {"--new", "--yes", mode}));
     auto type = [&](const std::string& line) { console.Type(line); };
     auto shows = [&](const std::string& text) { return console.Shows(text); };
-    ASSERT_TRUE(shows("Logged in as con.ann@localhost/console."));
-    type("/add con.bob@localhost Böb");
-    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest con.ann@localhost 2"));
-    bob->SendPresence(u"con.ann@localhost", KV_Subscribe_Accept, u"");
-    bob->SendPresence(u"con.ann@localhost", KV_Subscribe, u"");
-    ASSERT_TRUE(shows("con.bob@localhost lets you see") && shows("con.bob@localhost wants to see you"));
-    type("/accept con.bob@localhost");
-    ASSERT_TRUE(bob.Sees("OnSubscriptionAccept con.ann@localhost"));
+    ASSERT_TRUE(shows("Logged in as " + ann + "/console."));
+    type("/add " + bobJid + " Böb");
+    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest " + ann + " 2"));
+    bob->SendPresence(annJid, KV_Subscribe_Accept, u"");
+    bob->SendPresence(annJid, KV_Subscribe, u"");
+    ASSERT_TRUE(shows(bobJid + " lets you see") && shows(bobJid + " wants to see you"));
+    type("/accept " + bobJid);
+    ASSERT_TRUE(bob.Sees("OnSubscriptionAccept " + ann));
     type("/away bin wäg");
-    ASSERT_TRUE(bob.Sees("OnPresence con.ann@localhost console 1 2"));
+    ASSERT_TRUE(bob.Sees("OnPresence " + ann + " console 1 2"));
     EXPECT_EQ(bob.log->presences.back()->Status(), u"bin wäg");
     bob->ShowType(KV_DND);
     bob->SendMyPresence();
-    ASSERT_TRUE(shows("con.bob@localhost/work is dnd"));
-    type("/groups con.bob@localhost A; B & C");
-    ASSERT_TRUE(shows("+ Böb <con.bob@localhost> dnd"));
-    type("/rename con.bob@localhost Robert");
-    ASSERT_TRUE(shows("Robert <con.bob@localhost> dnd"));
+    ASSERT_TRUE(shows(bobJid + "/work is dnd"));
+    type("/groups " + bobJid + " A; B & C");
+    ASSERT_TRUE(shows("+ Böb <" + bobJid + "> dnd"));
+    type("/rename " + bobJid + " Robert");
+    ASSERT_TRUE(shows("Robert <" + bobJid + "> dnd"));
     EXPECT_THAT(console.Output(), HasSubstr(" [B & C]"));
 
-    type("/msg con.bob@localhost/work Grüße");
+    type("/msg " + bobJid + "/work Grüße");
     ASSERT_TRUE(bob.Sees("OnMessage Grüße") && bob.Sees("OnMessageEvent 0 2"));
     const auto heard = bob.log->messages.back();
     bob->SendEvent(heard->FromJid(), KV_Displayed, heard->ID());
     bob->SendEvent(heard->FromJid(), KV_Composing, heard->ID());
     EXPECT_TRUE(shows("has seen your message") && shows("is typing"));
-    bob->CreateMessage(u"con.ann@localhost/console", MSG_Chat, u"hi", u"")->SendMessage();
-    ASSERT_TRUE(shows("con.bob@localhost: hi"));
-    type("/remove con.bob@localhost");
+    bob->CreateMessage(Concat({annJid, u"/console"}), MSG_Chat, u"hi", u"")->SendMessage();
+    ASSERT_TRUE(shows(bobJid + ": hi"));
+    type("/remove " + bobJid);
     EXPECT_TRUE(shows(", removed"));
     console.OutputAfter("");
+}
+
+TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeedsInEitherMode) {
+    Talk("--plain");
+    Talk("--classic");
 }
 
 TEST_P(ConsoleChat, EndsWhenAnotherLoginTakesItsPlace) {
