@@ -23,14 +23,14 @@ void Post(GMainContext* context, std::function<void()> work) {
 
 class Speaker : public SessionEvents {
 public:
-    Speaker(StringView name, std::function<void(String)> heard) : name_(name), heard_(std::move(heard)) {}
+    Speaker(StringView name, std::function<void(const String&)> heard) : name_(name), heard_(std::move(heard)) {}
     void OnMessage(const std::shared_ptr<cMessage>& message) override { heard_(message->Body()); }
     void OnError(const NodePtr&, StringView, std::int16_t, StringView why) override { Say({name_, u": ", why}); }
     void OnSocketError(const NodePtr&, StringView why, std::int16_t) override { Say({name_, u": ", why}); }
 
 private:
     const String name_;
-    const std::function<void(String)> heard_;
+    const std::function<void(const String&)> heard_;
 };
 
 // The other thread: writes to itself, and hands what it hears to the main thread.
@@ -42,7 +42,7 @@ void Work(const std::vector<String>& arguments, GMainContext* main, std::promise
         String jid;
     };
     const auto session = SessionOf(arguments, u"worker");
-    const auto writer = std::make_shared<Writer>(u"worker", [main](String text) {
+    const auto writer = std::make_shared<Writer>(u"worker", [main](const String& text) {
         Post(main, [text] { Say({u"the main thread was handed: ", text}), Finish(0); });
     });
     writer->session = session.get();
@@ -57,7 +57,7 @@ void Work(const std::vector<String>& arguments, GMainContext* main, std::promise
 int main(int count, char** values) {
     const auto arguments = Arguments(count, values, "HOST PORT USER PASSWORD");
     const auto session = SessionOf(arguments, u"main");
-    session->Advise(std::make_shared<Speaker>(u"main", [](String) {}));
+    session->Advise(std::make_shared<Speaker>(u"main", [](const String&) {}));
     session->Connect();
     std::promise<GMainContext*> started;
     std::future<GMainContext*> start = started.get_future();

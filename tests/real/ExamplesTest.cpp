@@ -1,5 +1,5 @@
 // Runs each program of examples/ as somebody who tries it out would, beside a friend who has an account too.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -10,8 +10,6 @@
 
 namespace quorix::real {
 namespace {
-
-using ::testing::HasSubstr;
 
 constexpr int kRunsOn = -1;
 constexpr const char* kFriendJid = "ben@localhost/home";
