@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """console_picture.py CONSOLE PORT: plays a session of two people on a terminal and writes docs/console.svg.
 
-PORT is that of a server for "localhost" on this machine that takes registrations. Needs tmux and python3-rich.
+PORT is that of a server for "localhost" on this machine that takes registrations, in the clear too.
 """
 
 import io
@@ -26,7 +26,8 @@ def terminal(*command):
 
 def program(console, user, port):
     state = f"XDG_STATE_HOME={FOLDER.name}/{user} XDG_CONFIG_HOME={FOLDER.name}/{user}"
-    return f"env LC_ALL=C.UTF-8 TERM=tmux-256color {state} {console} {user}@localhost --port {port} --password secret --new"
+    options = f"--port {port} --password secret --new --plain"
+    return f"env LC_ALL=C.UTF-8 TERM=tmux-256color {state} {console} {user}@localhost {options}"
 
 
 def person(console, user, port):
