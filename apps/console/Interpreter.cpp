@@ -69,8 +69,9 @@ void Interpreter::Check(const Command& command, StringView line) {
 
 void Interpreter::AskForPassword(const Command& command, const Words& values) {
     console_.AskSecret("Password: ", [this, &command, values](const String& password) {
+        if (password.empty()) return console_.Usage(fmt::format("{}: nothing was done.", command.name));
         console_.AskSecret("Once more: ", [this, &command, values, password](const String& again) {
-            if (password.empty() || password != again) return console_.Usage("The two are not the same.");
+            if (password != again) return console_.Usage("The two are not the same.");
             Words complete = values;
             complete.back() = password;
             Confirm(command, complete);

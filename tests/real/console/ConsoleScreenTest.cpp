@@ -99,6 +99,10 @@ TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
     ASSERT_TRUE(screen.Shows("Logged in"));
     screen.Enter("/passwd");
     ASSERT_TRUE(screen.Shows("Password:"));
+    screen.Press("C-d");
+    ASSERT_TRUE(screen.Shows("! /passwd: nothing was done."));
+    screen.Enter("/passwd");
+    ASSERT_TRUE(RunUntil([&] { return screen.Count("Password:") == 2; })) << screen.Text();
     screen.Enter("new hidden");
     ASSERT_TRUE(screen.Shows("Once more:"));
     screen.Enter("new hidden");

@@ -384,8 +384,8 @@ Sent SaidAtLogin(std::string bytes, bool classic) {
 }
 
 TEST_P(Senders, NoValueLeavesItsPlaceAtTheLogin) {
-    session->AuthType(KV_PlainAuth);
-    auto logIn = [&](StringView value, bool newUser) {
+    auto logIn = [&](StringView value, eAuthType type, bool newUser) {
+        session->AuthType(type);
         session->Resource(value);
         session->ServerAddress(value);
         if (!IsClassic()) session->username(value), session->Password(value);
@@ -396,10 +396,11 @@ TEST_P(Senders, NoValueLeavesItsPlaceAtTheLogin) {
         if (newUser) Say(Utf8FromText(form + u"</key></query></iq>"));
         return SaidAtLogin(Heard(), IsClassic());
     };
-    for (bool newUser : {false, true}) {
-        const Sent expected = logIn(u"x", newUser);
+    for (auto [type, newUser] :
+         {std::pair(KV_PlainAuth, false), {KV_DigestAuth, false}, {KV_PlainAuth, true}}) {
+        const Sent expected = logIn(u"x", type, newUser);
         for (const String& value : kHostile) {
-            const Sent sent = logIn(value, newUser);
+            const Sent sent = logIn(value, type, newUser);
             EXPECT_TRUE(!sent.shape.empty() && sent.shape == expected.shape)
                 << Utf8FromText(value.substr(0, 80));
             bool isThere = sent.content.find(u"\x1" + value + u"\x2") != String::npos;
