@@ -25,8 +25,7 @@ template <class T>
 class Collection {
     struct Element {
         T item;
-        bool isKeyed = false;
-        String key{};
+        const String* key = nullptr;  // which stands in byKey_
     };
     // A tree that counts its nodes, so that positions need no walk and removing moves nothing.
     using Elements =
@@ -61,8 +60,8 @@ public:
     };
 
     Collection() = default;
-    Collection(const Collection&) = default;
-    Collection& operator=(const Collection&) = default;
+    Collection(const Collection&) = delete;
+    Collection& operator=(const Collection&) = delete;
     virtual ~Collection() = default;
 
     std::int32_t Count() const { return static_cast<std::int32_t>(elements_.size()); }
@@ -70,11 +69,12 @@ public:
     /// Appends `item`. Error 457 when `key` is in use; the collection is then unchanged.
     void Add(T item) { Append({std::move(item)}); }
     void Add(T item, StringView key) {
-        if (!byKey_.try_emplace(String(key), next_).second) throw AutomationError(ERR_KeyInUse);
+        auto [made, isNew] = byKey_.try_emplace(String(key), next_);
+        if (!isNew) throw AutomationError(ERR_KeyInUse);
         try {
-            Append({std::move(item), true, String(key)});
+            Append({std::move(item), &made->first});
         } catch (...) {
-            byKey_.erase(byKey_.find(key));
+            byKey_.erase(made);
             throw;
         }
     }
@@ -140,7 +140,7 @@ private:
     void Erase(Sequence sequence) {
         auto found = elements_.find(sequence);
         Leaving(sequence, found->second.item);
-        if (found->second.isKeyed) byKey_.erase(found->second.key);
+        if (found->second.key != nullptr) byKey_.erase(byKey_.find(*found->second.key));
         elements_.erase(found);
     }
 

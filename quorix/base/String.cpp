@@ -45,6 +45,12 @@ bool EqualsIgnoringCase(StringView left, StringView right) {
                       [](char16_t a, char16_t b) { return Lower(a) == Lower(b); });
 }
 
+std::weak_ordering CompareIgnoringCase(StringView left, StringView right) {
+    return std::lexicographical_compare_three_way(
+        left.begin(), left.end(), right.begin(), right.end(),
+        [](char16_t a, char16_t b) -> std::weak_ordering { return Lower(a) <=> Lower(b); });
+}
+
 bool StartsWith(StringView text, StringView prefix) { return text.substr(0, prefix.size()) == prefix; }
 
 bool IsSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }

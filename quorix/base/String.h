@@ -6,6 +6,7 @@
 /// text apart. Numbers are read and written in the "C" locale.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -26,6 +27,7 @@ String ToLower(StringView text);
 void FoldToLower(String& text, std::size_t count);  // its first `count` characters
 String ToUpper(StringView text);
 bool EqualsIgnoringCase(StringView left, StringView right);
+std::weak_ordering CompareIgnoringCase(StringView left, StringView right);
 bool StartsWith(StringView text, StringView prefix);
 
 /// `text` without the white space (blank, tab, CR, LF) at its ends.

@@ -2,12 +2,12 @@
 // find, also after the application has changed a record or the collection.
 #pragma once
 
+#include <forward_list>
 #include <functional>
 #include <memory>
 #include <set>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "quorix/base/Collection.h"
 #include "quorix/base/String.h"
@@ -51,7 +51,7 @@ private:
         Sequence sequence;
         bool operator==(const Place&) const = default;
     };
-    std::vector<Place> places_;
+    std::forward_list<Place> places_;  // most often one
 };
 
 // `Index` holds what is needed to find a record: Learn(sequence, record) and Forget(sequence, record), which
@@ -77,11 +77,11 @@ protected:
 private:
     void Entered(Sequence sequence, const std::shared_ptr<Record>& record) final {
         if (!record) return;
-        record->places_.push_back({this, sequence});
+        record->places_.push_front({this, sequence});
         try {
             index_.Learn(sequence, *record);
         } catch (...) {
-            record->places_.pop_back();
+            record->places_.pop_front();
             throw;
         }
     }

@@ -1,5 +1,6 @@
 #include "quorix/im/RosterTable.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "quorix/base/Jid.h"
@@ -22,22 +23,46 @@ void AddGroups(const TextRules& rules, cRosterItem& item, const ParsedNode& elem
 
 }  // namespace
 
+RosterIndex::Key::Key(StringView theJid, Sequence theSequence)
+    : hash(std::hash<String>()(ToLower(theJid))), sequence(theSequence), jid(theJid) {}
+
+RosterIndex::Key::Key(const Entry& entry)
+    : hash(entry.hash), sequence(entry.sequence), jid(entry.item->jid_.View()) {}
+
+bool RosterIndex::Order::operator()(const Key& left, const Key& right) const {
+    if (left.hash != right.hash) return left.hash < right.hash;
+    if (std::weak_ordering order = CompareIgnoringCase(left.jid, right.jid); order != 0) return order < 0;
+    return std::pair(left.jid, left.sequence) < std::pair(right.jid, right.sequence);
+}
+
 void RosterIndex::Learn(Sequence sequence, const cRosterItem& item) {
-    Ordered<String> learnt;
-    learnt.emplace(item.JID(), sequence);
-    byFoldedJid_[ToLower(item.JID())].merge(learnt);
+    byJid_.insert({Key(item.jid_.View(), sequence).hash, sequence, &item});
 }
 
 void RosterIndex::Forget(Sequence sequence, const cRosterItem& item) {
-    auto found = byFoldedJid_.find(ToLower(item.JID()));
-    if (found == byFoldedJid_.end()) return;
-    found->second.erase({item.JID(), sequence});
-    if (found->second.empty()) byFoldedJid_.erase(found);
+    if (auto found = byJid_.find(Key(item.jid_.View(), sequence)); found != byJid_.end()) byJid_.erase(found);
 }
 
 Sequence RosterIndex::Find(StringView jid) const {
-    auto found = byFoldedJid_.find(ToLower(jid));
-    return found == byFoldedJid_.end() ? 0 : FirstOf(found->second, String(jid));
+    auto found = byJid_.lower_bound(Key(jid, 0));
+    return found != byJid_.end() && Key(*found).jid == jid ? found->sequence : 0;
+}
+
+bool RosterIndex::ContainsIgnoringCase(StringView jid) const {
+    auto found = byJid_.lower_bound(Key(ToUpper(jid), 0));
+    return found != byJid_.end() && EqualsIgnoringCase(Key(*found).jid, jid);
+}
+
+bool GroupLists::ByGroups::operator()(const GroupListPtr& left, const GroupListPtr& right) const {
+    return std::lexicographical_compare(left->begin(), left->end(), right->begin(), right->end());
+}
+
+GroupListPtr GroupLists::Shared(const GroupListPtr& list) {
+    if (lists_.size() >= enough_) {
+        std::erase_if(lists_, [](const GroupListPtr& known) { return known.use_count() == 1; });
+        enough_ = 2 * lists_.size() + 100;
+    }
+    return *lists_.insert(list).first;
 }
 
 std::int16_t RosterTable::FindRosterItem(StringView jid) const {
@@ -50,12 +75,12 @@ void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const
     if (!stanza.IsResult() && !stanza.IsSet()) return;
     if (!std::exchange(inProgress_, true)) session->Raise(&SessionEvents::OnRosterBegin);
     try {
-        for (const ParsedNode& element : Outermost(stanza.root, u"item")) {
+        ForEachOutermost(stanza.root, u"item", [&](const ParsedNode& element) {
             std::shared_ptr<cRosterItem> item = Apply(session, element);
             String bareJid = session->Text().Read(ToLower(RemoveResource(item->JID())));
             session->Raise(&SessionEvents::OnRosterItem, item, presences.Primary(bareJid),
                            stanza.NodeOf(element));
-        }
+        });
     } catch (const AutomationError&) {
         // A group named twice. The contacts behind it are lost, as the server's own list is in doubt.
     }
@@ -84,6 +109,7 @@ void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const ParsedNo
     item.NickName(rules.Read(name));
     ReadState(item, element);
     AddGroups(rules, item, element, EmptyGroups::Keep);
+    item.groups_ = groupLists_.Shared(item.groups_);
 }
 
 // A contact that stays keeps the name it is shown under, whatever the server says; one that goes takes the
@@ -94,10 +120,11 @@ void RosterTable::Update(const TextRules& rules, cRosterItem& item, const Parsed
     if (!element.FirstChild()) return;
     item.RemoveAllGroups();
     AddGroups(rules, item, element, EmptyGroups::Skip);
+    item.groups_ = groupLists_.Shared(item.groups_);
 }
 
 void RosterTable::ReadState(cRosterItem& item, const ParsedNode& element) {
-    if (element.HasAttribute(u"ask")) item.ask_ = element.Attribute(u"ask");
+    if (element.HasAttribute(u"ask")) item.ask_ = FittedText(element.Attribute(u"ask"));
     item.Subscription(SubscriptionOf(element.Attribute(u"subscription")));
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 
 #include "quorix/im/PresenceTable.h"
 #include "quorix/im/RecordTable.h"
@@ -19,10 +20,43 @@ public:
 
     /// The first entry of exactly this address, 0 when there is none.
     Sequence Find(StringView jid) const;
-    bool ContainsIgnoringCase(StringView jid) const { return byFoldedJid_.contains(ToLower(jid)); }
+    bool ContainsIgnoringCase(StringView jid) const;
 
 private:
-    StringMap<Ordered<String>> byFoldedJid_;  // the exact addresses that are one but for their case
+    struct Entry {
+        std::size_t hash;  // of the address, ASCII case aside
+        Sequence sequence;
+        const cRosterItem* item;
+    };
+    struct Key {
+        Key(StringView jid, Sequence sequence);
+        Key(const Entry& entry);  // NOLINT(google-explicit-constructor): what an entry is found by
+        std::size_t hash;
+        Sequence sequence;
+        StringView jid;
+    };
+    // By hash, so that few comparisons read an address. Those that are one but for their case stand together,
+    // upper case first.
+    struct Order {
+        using is_transparent = void;
+        bool operator()(const Key& left, const Key& right) const;
+    };
+    // The addresses themselves stand in the records alone.
+    std::set<Entry, Order> byJid_;
+};
+
+// The group lists of all contacts, each once.
+class GroupLists {
+public:
+    // The list that holds the same groups as `list` in the same order.
+    GroupListPtr Shared(const GroupListPtr& list);
+
+private:
+    struct ByGroups {
+        bool operator()(const GroupListPtr& left, const GroupListPtr& right) const;
+    };
+    std::set<GroupListPtr, ByGroups> lists_;
+    std::size_t enough_ = 100;  // when some may be nobody's any more
 };
 
 class RosterTable : public RecordTable<cRosterItem, RosterIndex> {
@@ -45,10 +79,11 @@ public:
 private:
     std::shared_ptr<cRosterItem> Apply(const std::shared_ptr<SessionLink>& session,
                                        const ParsedNode& element);
-    static void Fill(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
-    static void Update(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
+    void Fill(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
+    void Update(const TextRules& rules, cRosterItem& item, const ParsedNode& element);
     static void ReadState(cRosterItem& item, const ParsedNode& element);
 
+    GroupLists groupLists_;
     bool inProgress_ = false;
 };
 

@@ -19,6 +19,20 @@ eSubscriptionType SubscriptionOf(StringView text) {
     return KV_Empty;
 }
 
+const GroupListPtr& cRosterItem::NoGroups() {
+    static const auto none = std::make_shared<Collection<String>>();
+    return none;
+}
+
+Collection<String>& cRosterItem::OwnGroups() {
+    if (groups_.use_count() > 1) {
+        auto own = std::make_shared<Collection<String>>();
+        for (const String& group : *groups_) own->Add(group, group);
+        groups_ = std::move(own);
+    }
+    return *groups_;
+}
+
 void cRosterItem::Add() const { Send(u">"); }
 
 void cRosterItem::Update() const {
@@ -28,10 +42,11 @@ void cRosterItem::Update() const {
 void cRosterItem::Send(StringView restOfTag) const {
     std::shared_ptr<SessionLink> session = RequireSession(session_);
     const TextRules& rules = session->Text();
-    String xml = Compose(rules, {u"<iq id='", Quoted(session->GetNextID()),
-                                 u"' type='set'><query xmlns='jabber:iq:roster'><item jid='", Quoted(jid_),
-                                 u"' name='", Quoted(nickName_, Put::Escaped), u"'", Markup(restOfTag)});
-    for (const String& group : groups_) {
+    String xml =
+        Compose(rules, {u"<iq id='", Quoted(session->GetNextID()),
+                        u"' type='set'><query xmlns='jabber:iq:roster'><item jid='", Quoted(jid_.View()),
+                        u"' name='", Quoted(nickName_.View(), Put::Escaped), u"'", Markup(restOfTag)});
+    for (const String& group : *groups_) {
         Extend(xml, rules, {u"<group>", Content(group, Put::Escaped), u"</group>"});
     }
     session->SendXML(xml += u"</item></query></iq>");

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/FittedText.h"
 #include "quorix/base/String.h"
 #include "quorix/im/RecordTable.h"
 #include "quorix/link/SessionLink.h"
@@ -24,31 +25,34 @@ enum eSubscriptionType : std::int32_t {
     KV_Remove = 4,  ///< the contact is, or shall be, deleted
 };
 
+using GroupListPtr = std::shared_ptr<Collection<String>>;
+
 class cRosterItem : public WatchedRecord {
 public:
     /// Wire text in KV_Classic.
-    String JID() const { return jid_; }
-    void JID(StringView value) { Assign(jid_, String(value)); }
+    String JID() const { return String(jid_.View()); }
+    void JID(StringView value) { Assign(jid_, FittedText(value)); }
 
     /// Text. On a contact that somebody has sent inside a message it is wire text: cSession::Convert2Unicode.
-    String NickName() const { return nickName_; }
-    void NickName(StringView value) { nickName_ = value; }
+    String NickName() const { return String(nickName_.View()); }
+    void NickName(StringView value) { nickName_ = FittedText(value); }
 
     eSubscriptionType Subscription() const { return subscription_; }
     void Subscription(eSubscriptionType value) { subscription_ = value; }
 
     /// "subscribe" while a request of ours waits for the contact's answer.
-    String Ask() const { return ask_; }
+    String Ask() const { return String(ask_.View()); }
 
-    /// Text, in the order of the list; keyed by themselves.
-    const Collection<String>& Groups() const { return groups_; }
+    /// Text, in the order of the list; keyed by themselves. The list is good until the contact's groups
+    /// change.
+    const Collection<String>& Groups() const { return *groups_; }
 
     /// Error 457 when the contact is in the group already.
-    void AddGroup(StringView group) { groups_.Add(String(group), group); }
-    bool inGroup(StringView group) const { return groups_.HasKey(group); }
+    void AddGroup(StringView group) { OwnGroups().Add(String(group), group); }
+    bool inGroup(StringView group) const { return groups_->HasKey(group); }
     /// Error 5 when the contact is not in the group.
-    void RemoveGroup(StringView group) { groups_.Remove(group); }
-    void RemoveAllGroups() { groups_.Clear(); }
+    void RemoveGroup(StringView group) { OwnGroups().Remove(group); }
+    void RemoveAllGroups() { groups_ = NoGroups(); }
 
     /// Ask the server to store the contact, Add without a subscription, Update with it; Update with KV_Remove
     /// deletes the contact. The roster table changes when the server's push arrives, not here. Error 91
@@ -61,15 +65,18 @@ public:
     void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
 private:
+    friend class RosterIndex;
     friend class RosterTable;
 
+    static const GroupListPtr& NoGroups();
+    Collection<String>& OwnGroups();  // for a change, which concerns no other contact
     void Send(StringView restOfTag) const;
 
-    String jid_;
-    String nickName_;
+    FittedText jid_;
+    FittedText nickName_;
+    FittedText ask_;
     eSubscriptionType subscription_ = KV_Empty;
-    String ask_;
-    Collection<String> groups_;
+    GroupListPtr groups_ = NoGroups();  // which contacts in the same groups share
     std::weak_ptr<SessionLink> session_;
 };
 

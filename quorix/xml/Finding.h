@@ -17,17 +17,24 @@ Node Beyond(Node node, const Node& top) {
     return {};
 }
 
-// All elements called `name` below `top`, in document order, except those inside another of them: each record
-// holds the text of all that is in it, so records inside records would let a short reply fill the memory.
-template <class Node>
-std::vector<Node> Outermost(const Node& top, StringView name) {
-    std::vector<Node> found;
+// Visits all elements called `name` below `top`, in document order, except those inside another of them: each
+// record holds the text of all that is in it, so records inside records would let a short reply fill the
+// memory. The tree must not change meanwhile.
+template <class Node, class Visit>
+void ForEachOutermost(const Node& top, StringView name, Visit visit) {
     for (Node node = top.FirstElement(); node;) {
         bool matches = node.Is(name);
-        if (matches) found.push_back(node);
+        if (matches) visit(node);
         Node inner = matches ? Node() : node.FirstElement();
         node = inner ? inner : Beyond(node, top);
     }
+}
+
+// The same elements, for a tree that may change.
+template <class Node>
+std::vector<Node> Outermost(const Node& top, StringView name) {
+    std::vector<Node> found;
+    ForEachOutermost(top, name, [&](const Node& node) { found.push_back(node); });
     return found;
 }
 

@@ -11,7 +11,7 @@ public:
     explicit GroupList(std::shared_ptr<cRosterItem> contact) : contact_(std::move(contact)) {}
 
     // One for each contact, however often the list is made.
-    const void* Identity() const { return &contact_->Groups(); }
+    const void* Identity() const { return contact_.get(); }
 
     String Item(std::int32_t index) const { return contact_->Groups().Item(index); }
     String Item(StringView name) const { return contact_->Groups().Item(name); }

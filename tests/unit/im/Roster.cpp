@@ -121,6 +121,14 @@ TEST_F(RosterTest, AGroupNamedTwiceEndsItsStanzaAndNothingElse) {
     EXPECT_EQ(roster.Count(), 2);
 }
 
+TEST_F(RosterTest, AContactLeavesTheGroupsOfOthersAlone) {
+    Push("<item jid='a@b'><group>x</group></item><item jid='c@d'><group>x</group></item>");
+    Contact(u"a@b")->AddGroup(u"y");
+    Contact(u"c@d")->RemoveGroup(u"x");
+    Push("<item jid='e@f'><group>x</group></item>");
+    EXPECT_EQ(GroupsOf(u"a@b") + "|" + GroupsOf(u"c@d") + "|" + GroupsOf(u"e@f"), "x;y;||x;");
+}
+
 TEST_F(RosterTest, ThousandsOfGroupsAndItemsWithoutAnAddressAreTaken) {
     std::string groups;
     for (int i = 0; i < 10000; ++i) groups += "<group>" + std::to_string(i) + "</group>";
