@@ -50,10 +50,22 @@ std::size_t Utf8Bound(StringView text) {
 
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 
-bool IsAsciiWord(const char* at) {
+std::uint64_t WordAt(const void* at) {
     std::uint64_t word = 0;
     std::memcpy(&word, at, kWord);
-    return (word & 0x8080808080808080U) == 0;
+    return word;
+}
+
+bool IsAsciiWord(const char* at) { return (WordAt(at) & 0x8080808080808080U) == 0; }
+
+// How many units at the front are ASCII.
+std::size_t AsciiRun(StringView text) {
+    constexpr std::size_t kUnits = kWord / sizeof(char16_t);
+    std::size_t plain = 0;
+    while (plain + kUnits <= text.size() && (WordAt(text.data() + plain) & 0xFF80FF80FF80FF80U) == 0)
+        plain += kUnits;
+    while (plain < text.size() && text[plain] < 0x80) ++plain;
+    return plain;
 }
 
 struct Sequence {
@@ -143,11 +155,14 @@ std::string BytesFromWire(StringView wire) {
 std::string Utf8FromText(StringView text) {
     std::string result(Utf8Bound(text), '\0');
     char* out = result.data();
-    if (result.size() == text.size()) {
-        std::transform(text.begin(), text.end(), out, [](char16_t c) { return static_cast<char>(c); });
-        return result;
+    while (true) {
+        const StringView plain = text.substr(0, AsciiRun(text));
+        out =
+            std::transform(plain.begin(), plain.end(), out, [](char16_t c) { return static_cast<char>(c); });
+        text.remove_prefix(plain.size());
+        if (text.empty()) break;
+        out = PutUtf8(out, TakeCodePoint(text));
     }
-    while (!text.empty()) out = PutUtf8(out, TakeCodePoint(text));
     result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
 }

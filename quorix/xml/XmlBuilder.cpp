@@ -2,59 +2,75 @@
 
 #include <string>
 
+#include "quorix/xml/NodeView.h"
+#include "quorix/xml/QuietParser.h"
+
 namespace quorix {
 
 namespace {
 
-xmlNode* NewNode(XmlTree& tree, const ParsedNode& node) {
-    switch (node.Kind()) {
-        case XmlKind::Element: return NewElement(tree, std::string(node.RawName()));
-        case XmlKind::Text: return NewText(tree, node.RawContent());
-        case XmlKind::CData: return NewCData(tree, node.RawContent());
-        case XmlKind::Comment: return NewComment(tree, node.RawContent());
+template <class Node>
+xmlNode* NewNode(XmlTree& tree, const Node& node) {
+    switch (KindOf(node)) {
+        case XmlKind::Element: return NewElement(tree, std::string(NameOf(node)));
+        case XmlKind::Text: return NewText(tree, ContentOf(node));
+        case XmlKind::CData: return NewCData(tree, ContentOf(node));
+        case XmlKind::Comment: return NewComment(tree, ContentOf(node));
         case XmlKind::Instruction:
-            return NewInstruction(tree, std::string(node.RawName()), std::string(node.RawContent()));
+            return NewInstruction(tree, std::string(NameOf(node)), std::string(ContentOf(node)));
     }
     return nullptr;
 }
 
-void AddAttributes(xmlNode* element, const ParsedNode& node) {
+template <class Node>
+void AddAttributes(xmlNode* element, const Node& node) {
     xmlAttr* last = nullptr;
-    node.ForEachRawAttribute([&](std::string_view name, std::string_view value) {
+    ForEachAttribute(node, [&](std::string_view name, std::string_view value) {
         last = AppendAttribute(element, last, std::string(name), value);
     });
 }
 
 // Each node is linked before anything else is asked of memory, so that it goes when the tree goes.
-xmlNode* Append(XmlTree& tree, xmlNode* parent, const ParsedNode& node) {
+template <class Node>
+xmlNode* Append(XmlTree& tree, xmlNode* parent, const Node& node) {
     xmlNode* made = NewNode(tree, node);
     LinkLast(parent, made);
-    AddAttributes(made, node);
+    if (KindOf(node) == XmlKind::Element) AddAttributes(made, node);
     return made;
 }
 
-void AppendWhole(XmlTree& tree, const ParsedNode& top) {
+template <class Node>
+void AppendWhole(XmlTree& tree, const Node& top) {
     xmlNode* parent = AsNode(tree);
-    ParsedNode node = top;
+    Node node = top;
     while (node) {
         xmlNode* made = Append(tree, parent, node);
-        if (ParsedNode first = node.FirstChild()) {
+        if (Node first = FirstChildOf(node)) {
             parent = made;
             node = first;
             continue;
         }
-        while (node != top && !node.NextSibling()) {
-            node = node.Parent();
+        while (!(node == top) && !NextOf(node)) {
+            node = ParentOf(node);
             parent = parent->parent;
         }
         if (node == top) return;
-        node = node.NextSibling();
+        node = NextOf(node);
     }
+}
+
+template <class Node>
+XmlTreePtr TreeOfOne(const Node& node) {
+    QuietParser quiet;
+    XmlTreePtr tree = NewTree();
+    AppendWhole(*tree, node);
+    return tree;
 }
 
 }  // namespace
 
 XmlTreePtr BuildTree(const ParsedXml& parsed) {
+    QuietParser quiet;
     XmlTreePtr tree = NewTree();
     for (ParsedNode node = parsed.First(); node; node = node.NextSibling()) {
         if (!node.IsBlankText()) AppendWhole(*tree, node);
@@ -62,10 +78,7 @@ XmlTreePtr BuildTree(const ParsedXml& parsed) {
     return tree;
 }
 
-XmlTreePtr BuildTree(const ParsedNode& node) {
-    XmlTreePtr tree = NewTree();
-    AppendWhole(*tree, node);
-    return tree;
-}
+XmlTreePtr BuildTree(const ParsedNode& node) { return TreeOfOne(node); }
+XmlTreePtr BuildTree(const xmlNode* node) { return TreeOfOne(node); }
 
 }  // namespace quorix

@@ -59,14 +59,8 @@ std::shared_ptr<XmlDocument> XmlDocument::From(const ParsedXml& parsed) {
 
 // A node that cannot stand in a document of its own, an attribute say, leaves the copy empty.
 std::shared_ptr<XmlDocument> XmlDocument::CopyOf(const XmlNode& node) {
-    auto copy = Create();
     const xmlNode* source = node.IsElement() ? node.Raw() : FirstElementFrom(ChildrenOf(node.Raw()));
-    if (source == nullptr) return copy;
-    QuietParser quiet;
-    OwnedNode made(Required(xmlDocCopyNode(const_cast<xmlNode*>(source), copy->tree_.get(), 1)));
-    QuietParser::RequireMemory();
-    LinkLast(AsNode(*copy->tree_), made.release());
-    return copy;
+    return source ? std::make_shared<XmlDocument>(BuildTree(source)) : Create();
 }
 
 XmlDocument::XmlDocument(XmlTreePtr tree) : tree_(std::move(tree)) {}
@@ -114,11 +108,13 @@ std::vector<XmlNode> XmlDocument::Select(StringView xpath) const {
 }
 
 XmlNode XmlDocument::CreateElement(StringView name) {
+    QuietParser quiet;
     return XmlNode(NewLooseElement(*tree_, TreeName(name)));
 }
 
 void XmlDocument::AppendInstruction(StringView target, StringView data) {
     if (data.find(u"?>") != StringView::npos) throw AutomationError(ERR_InvalidCall);
+    QuietParser quiet;
     LinkLast(AsNode(*tree_), NewInstruction(*tree_, TreeName(target), TreeText(data)));
 }
 

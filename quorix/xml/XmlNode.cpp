@@ -2,6 +2,7 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/xml/QuietParser.h"
 #include "quorix/xml/XmlQuery.h"
 #include "quorix/xml/XmlSerializer.h"
 #include "quorix/xml/XmlTree.h"
@@ -78,6 +79,7 @@ String XmlNode::Text() const {
 void XmlNode::Text(StringView value) {
     DropChildren(RequireElement(node_));
     if (value.empty()) return;
+    QuietParser quiet;
     LinkLast(node_, NewText(*TreeOf(node_), TreeText(value)));
 }
 
@@ -107,6 +109,7 @@ std::vector<std::pair<String, String>> XmlNode::Attributes() const {
 void XmlNode::SetAttribute(StringView name, StringView value) {
     RequireElement(node_);
     std::string text = TreeText(value);
+    QuietParser quiet;
     PutAttribute(node_, TreeName(name), text);
 }
 
@@ -139,6 +142,7 @@ XmlNode XmlNode::SelectSingle(StringView xpath) const {
 }
 
 XmlNode XmlNode::AppendElement(StringView name) {
+    QuietParser quiet;
     xmlNode* child = NewElement(*TreeOf(RequireElement(node_)), TreeName(name));
     LinkLast(node_, child);
     return XmlNode(child);

@@ -1,15 +1,14 @@
 #include "quorix/xml/XmlQuery.h"
 
 #include <libxml/xpath.h>
+#include <libxml/xpathInternals.h>
 
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
 #include "quorix/xml/QuietParser.h"
-#include "quorix/xml/XmlLimits.h"
 
 namespace quorix {
 
@@ -23,40 +22,50 @@ struct With {
     }
 };
 using Context = std::unique_ptr<xmlXPathContext, With<xmlXPathFreeContext>>;
-using Compiled = std::unique_ptr<xmlXPathCompExpr, With<xmlXPathFreeCompExpr>>;
+struct EndRun {
+    void operator()(xmlXPathParserContext* run) const {
+        run->valueFrame = 0;
+        while (xmlXPathObject* left = valuePop(run)) xmlXPathFreeObject(left);
+        xmlXPathFreeParserContext(run);
+    }
+};
+using Run = std::unique_ptr<xmlXPathParserContext, EndRun>;
 using Result = std::unique_ptr<xmlXPathObject, With<xmlXPathFreeObject>>;
 
-// The thread's evaluator with the expressions it has compiled: both cost more than a query on a stanza.
+// The library takes an expression without brackets for a pattern, which finds nothing when memory runs out.
+std::string AsNoPattern(std::string xpath) {
+    return xpath.find_first_of("()[]@") == std::string::npos ? "(" + xpath + ")" : xpath;
+}
+
+// The thread's evaluator, which costs more to make than a query on a stanza.
 class Evaluator {
 public:
     Result Evaluate(xmlNode* node, StringView xpath) {
         QuietParser quiet;
-        xmlXPathCompExpr* expression = Expression(xpath);
-        if (!expression) return nullptr;
+        const std::string written = AsNoPattern(WithNamesAsWritten(TreeText(xpath)));
+        Run run = NewRun(written);
         context_->doc = node->doc;
         context_->node = node;
-        xmlResetError(&context_->lastError);
-        Result result(xmlXPathCompiledEval(expression, context_.get()));
+        xmlXPathEvalExpr(run.get());
         context_->doc = nullptr;
         context_->node = nullptr;
+        Result result(run->error == XPATH_EXPRESSION_OK ? valuePop(run.get()) : nullptr);
         RequireMemory();
         return result;
     }
 
 private:
-    struct Hash : std::hash<StringView> {
-        using is_transparent = void;
-    };
-
-    xmlXPathCompExpr* Expression(StringView xpath) {
-        auto found = compiled_.find(xpath);
-        if (found != compiled_.end()) return found->second.get();
-        if (compiled_.size() >= kMaxCompiledQueries) compiled_.clear();
-        std::string utf8 = WithNamesAsWritten(TreeText(xpath));
+    // One query for `xpath`, which it does not copy. The library would make the stack when it is needed, but
+    // does not survive it when there is no memory for it; nor for what it makes to run an expression that was
+    // compiled before.
+    Run NewRun(const std::string& xpath) {
+        constexpr int kStack = 10;
         xmlResetError(&context_->lastError);
-        Compiled expression(xmlXPathCtxtCompile(context_.get(), BAD_CAST utf8.c_str()));
-        RequireMemory();
-        return compiled_.emplace(xpath, std::move(expression)).first->second.get();
+        Run run(Required(xmlXPathNewParserContext(BAD_CAST xpath.c_str(), context_.get())));
+        void* stack = Required(xmlMalloc(kStack * sizeof(xmlXPathObjectPtr)));
+        run->valueTab = static_cast<xmlXPathObjectPtr*>(stack);
+        run->valueMax = kStack;
+        return run;
     }
 
     void RequireMemory() const {
@@ -65,7 +74,6 @@ private:
     }
 
     Context context_{Required(xmlXPathNewContext(nullptr))};
-    std::unordered_map<String, Compiled, Hash, std::equal_to<>> compiled_;
 };
 
 Evaluator& ThreadEvaluator() {

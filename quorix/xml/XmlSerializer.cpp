@@ -5,7 +5,7 @@
 
 #include "quorix/base/WireText.h"
 #include "quorix/base/XmlText.h"
-#include "quorix/xml/XmlTree.h"
+#include "quorix/xml/NodeView.h"
 
 namespace quorix {
 
@@ -43,49 +43,6 @@ void AppendAttribute(String& out, std::string_view name, std::string_view value)
     out.append(u"=\"");
     AppendEscaped(out, value, Place::DoubleQuotes);
     out += u'"';
-}
-
-// -- What the two kinds of trees have in common, seen from here --
-
-struct Attribute {
-    std::string_view name;
-    std::string_view value;
-};
-
-XmlKind KindOf(const xmlNode* node) {
-    switch (node->type) {
-        case XML_ELEMENT_NODE: return XmlKind::Element;
-        case XML_CDATA_SECTION_NODE: return XmlKind::CData;
-        case XML_COMMENT_NODE: return XmlKind::Comment;
-        case XML_PI_NODE: return XmlKind::Instruction;
-        default: return XmlKind::Text;
-    }
-}
-std::string_view NameOf(const xmlNode* node) { return Chars(node->name); }
-std::string_view ContentOf(const xmlNode* node) { return Chars(node->content); }
-const xmlNode* FirstChildOf(const xmlNode* node) { return ChildrenOf(node); }
-const xmlNode* NextOf(const xmlNode* node) { return node->next; }
-const xmlNode* ParentOf(const xmlNode* node) { return node->parent; }
-
-Attribute Pair(const xmlAttr* attribute) {
-    return {Chars(attribute->name), Chars(attribute->children ? attribute->children->content : nullptr)};
-}
-
-template <class Visit>
-void ForEachAttribute(const xmlNode* element, Visit visit) {
-    for (const xmlAttr* at = element->properties; at; at = at->next) visit(Pair(at).name, Pair(at).value);
-}
-
-XmlKind KindOf(const ParsedNode& node) { return node.Kind(); }
-std::string_view NameOf(const ParsedNode& node) { return node.RawName(); }
-std::string_view ContentOf(const ParsedNode& node) { return node.RawContent(); }
-ParsedNode FirstChildOf(const ParsedNode& node) { return node.FirstChild(); }
-ParsedNode NextOf(const ParsedNode& node) { return node.NextSibling(); }
-ParsedNode ParentOf(const ParsedNode& node) { return node.Parent(); }
-
-template <class Visit>
-void ForEachAttribute(const ParsedNode& element, Visit visit) {
-    element.ForEachRawAttribute(visit);
 }
 
 // -- Writing --
@@ -148,8 +105,8 @@ void AppendNode(String& out, const Node& top) {
 String Serialize(const xmlNode* top) {
     String out;
     if (top->type == XML_ATTRIBUTE_NODE) {
-        Attribute pair = Pair(reinterpret_cast<const xmlAttr*>(top));
-        AppendAttribute(out, pair.name, pair.value);
+        const auto* attribute = reinterpret_cast<const xmlAttr*>(top);
+        AppendAttribute(out, Chars(attribute->name), ValueOf(attribute));
     } else if (top->type == XML_DOCUMENT_NODE) {
         for (const xmlNode* node = top->children; node; node = node->next) AppendNode(out, node);
     } else {

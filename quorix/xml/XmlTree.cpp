@@ -43,7 +43,8 @@ Node* WithName(Node* node, Free free) {
 }
 
 xmlNode* WithContent(xmlNode* node, std::string_view content) {
-    Required(node)->content = xmlStrndup(BAD_CAST content.data(), static_cast<int>(content.size()));
+    Required(node);  // first: an assignment asks its right side before its left
+    node->content = xmlStrndup(BAD_CAST content.data(), static_cast<int>(content.size()));
     if (node->content != nullptr) return node;
     xmlFreeNode(node);
     throw std::bad_alloc();

@@ -59,15 +59,6 @@ TEST(XmlQueryError, IsFiveForWhatSelectsNoNodes) {
     EXPECT_EQ(document->Select(u"//item").size(), 3U);
 }
 
-TEST(XmlQueryCache, ForgetsWithoutMixingUp) {
-    auto document = XmlDocument::Create();
-    ASSERT_TRUE(document->Load(kSource));
-    for (int i = 0; i < 500; ++i) {
-        EXPECT_TRUE(document->Select(u"//item[.='x" + ToString(i) + u"']").empty());
-        EXPECT_EQ(document->Select(u"//item").size(), 3U);
-    }
-}
-
 }  // namespace
 
 }  // namespace quorix
