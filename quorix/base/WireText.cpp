@@ -58,16 +58,6 @@ std::uint64_t WordAt(const void* at) {
 
 bool IsAsciiWord(const char* at) { return (WordAt(at) & 0x8080808080808080U) == 0; }
 
-// How many units at the front are ASCII.
-std::size_t AsciiRun(StringView text) {
-    constexpr std::size_t kUnits = kWord / sizeof(char16_t);
-    std::size_t plain = 0;
-    while (plain + kUnits <= text.size() && (WordAt(text.data() + plain) & 0xFF80FF80FF80FF80U) == 0)
-        plain += kUnits;
-    while (plain < text.size() && text[plain] < 0x80) ++plain;
-    return plain;
-}
-
 struct Sequence {
     unsigned length;
     char32_t lead;
@@ -134,6 +124,15 @@ std::size_t AsciiPrefix(std::string_view bytes) {
     return plain;
 }
 
+std::size_t AsciiPrefix(StringView text) {
+    constexpr std::size_t kUnits = kWord / sizeof(char16_t);
+    std::size_t plain = 0;
+    while (plain + kUnits <= text.size() && (WordAt(text.data() + plain) & 0xFF80FF80FF80FF80U) == 0)
+        plain += kUnits;
+    while (plain < text.size() && text[plain] < 0x80) ++plain;
+    return plain;
+}
+
 void PutWire(char16_t* out, std::string_view bytes) {
     std::transform(bytes.begin(), bytes.end(), out,
                    [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
@@ -156,7 +155,7 @@ std::string Utf8FromText(StringView text) {
     std::string result(Utf8Bound(text), '\0');
     char* out = result.data();
     while (true) {
-        const StringView plain = text.substr(0, AsciiRun(text));
+        const StringView plain = text.substr(0, AsciiPrefix(text));
         out =
             std::transform(plain.begin(), plain.end(), out, [](char16_t c) { return static_cast<char>(c); });
         text.remove_prefix(plain.size());

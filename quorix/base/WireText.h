@@ -10,7 +10,10 @@
 namespace quorix {
 
 bool IsAscii(std::string_view bytes);
-std::size_t AsciiPrefix(std::string_view bytes);  // how many bytes at the front are ASCII
+
+// How much at the front is ASCII.
+std::size_t AsciiPrefix(std::string_view bytes);
+std::size_t AsciiPrefix(StringView text);
 
 String WireFromBytes(std::string_view bytes);
 void PutWire(char16_t* out, std::string_view bytes);  // where there is room for as many

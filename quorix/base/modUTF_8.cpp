@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "quorix/base/WireText.h"
+
 namespace quorix {
 
 namespace {
@@ -53,10 +55,6 @@ std::optional<char16_t> TakeUnit(StringView& wire) {
 
 bool IsWire(StringView text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 256; });
-}
-
-bool IsAscii(StringView text) {
-    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
 }
 
 bool FitsCodec(StringView text, bool escape) {
@@ -167,17 +165,19 @@ bool IsDecoded(StringView wire) {
 String DecodeUTF8(StringView wire, bool unescape) {
     if (wire.size() > kMaxCodecUnits || !IsWire(wire)) return String(wire);
     String result;
-    if (IsAscii(wire)) {
-        result = wire;
-    } else {
-        result.reserve(wire.size());
-        for (StringView rest = wire; !rest.empty();) {
-            std::optional<char16_t> unit = TakeUnit(rest);
-            if (!unit) return String(wire);
-            result += *unit;
-        }
+    result.reserve(wire.size());
+    StringView rest = wire;
+    while (true) {
+        const std::size_t plain = AsciiPrefix(rest);
+        result.append(rest, 0, plain);
+        rest.remove_prefix(plain);
+        if (rest.empty()) break;
+        std::optional<char16_t> unit = TakeUnit(rest);
+        if (!unit) return String(wire);
+        result += *unit;
     }
-    return unescape ? XmlUnescape(result) : result;
+    if (unescape && result.find(u'&') != String::npos) return XmlUnescape(result);
+    return result;
 }
 
 }  // namespace quorix

@@ -98,6 +98,7 @@ std::shared_ptr<SessionCore> SessionCore::Create() {
 }
 
 void SessionCore::Initialise() {
+    self_ = weak_from_this();
     line_ = rules_->NewLine(*this);
     socket_ = std::make_shared<cSocketSSL>();
     socketPort_ = std::make_unique<SocketPort>(*this);
@@ -118,7 +119,7 @@ void SessionCore::Mode(eMode value) {
 
 // -- Events --
 
-bool SessionCore::IsAbandoned() const { return weak_from_this().use_count() <= held_; }
+bool SessionCore::IsAbandoned() const { return self_.use_count() <= held_; }
 
 void SessionCore::ForEachSink(const std::function<void(SessionEvents&)>& raise) {
     if (!IsAbandoned()) sinks_.ForEach(raise);

@@ -158,9 +158,10 @@ private:
     bool delivering_ = false;
     bool closing_ = false;
     std::uint32_t idCounter_ = 0;
-    std::uint32_t generation_ = 0;   // counts calls of Connect
-    std::uint32_t socketEpoch_ = 0;  // counts the ends of connections
-    long held_ = 0;                  // references held by entries in progress
+    std::uint32_t generation_ = 0;     // counts calls of Connect
+    std::uint32_t socketEpoch_ = 0;    // counts the ends of connections
+    std::weak_ptr<SessionCore> self_;  // asked for its holders at each event
+    long held_ = 0;                    // references held by entries in progress
 
     std::shared_ptr<Line> line_;
     std::shared_ptr<cSocketSSL> socket_;

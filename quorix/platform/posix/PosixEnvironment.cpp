@@ -324,6 +324,7 @@ void PosixEnvironment::DoEvents() {
 
 // A Quit that comes before the loop runs (from an event inside Connect, say) counts for the next one.
 void PosixEnvironment::Run() {
+    SocketPoll::DirectWait direct(*poll_, context_);
     while (!quit_) g_main_context_iteration(context_, TRUE);
     quit_ = false;
 }

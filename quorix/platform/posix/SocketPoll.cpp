@@ -14,6 +14,8 @@ namespace {
 constexpr int kEventsAtOnce = 64;
 constexpr std::int64_t kLongestTurn = 10000;  // microseconds; then other sources have theirs
 
+thread_local SocketPoll* waiting = nullptr;
+
 }  // namespace
 
 struct SocketPoll::Source {
@@ -34,6 +36,37 @@ SocketPoll::~SocketPoll() {
     g_source_destroy(source_);
     g_source_unref(source_);
     close(epoll_);
+}
+
+SocketPoll::DirectWait::DirectWait(SocketPoll& poll, GMainContext* context)
+    : context_(g_main_context_get_poll_func(context) == g_poll ? context : nullptr) {
+    if (context_ == nullptr) return;
+    waiting = &poll;
+    g_main_context_set_poll_func(context_, SocketPoll::Poll);
+}
+
+SocketPoll::DirectWait::~DirectWait() {
+    if (context_ != nullptr) g_main_context_set_poll_func(context_, g_poll);
+}
+
+// Of two descriptors, one of them ours, the other is that by which the context is woken.
+gint SocketPoll::Poll(GPollFD* descriptors, guint count, gint milliseconds) {
+    SocketPoll& poll = *waiting;
+    if (count == 2) {
+        GPollFD& other = descriptors[descriptors[0].fd == poll.epoll_ ? 1 : 0];
+        GPollFD& own = descriptors[&other == descriptors ? 1 : 0];
+        if (own.fd == poll.epoll_ && poll.Includes(other)) return poll.Gather(milliseconds, &other);
+    }
+    return g_poll(descriptors, count, milliseconds);
+}
+
+bool SocketPoll::Includes(const GPollFD& wakeUp) {
+    if (wakeUp_ == wakeUp.fd) return true;
+    epoll_event event{};
+    event.events = EPOLLIN;
+    if (wakeUp_ != -1 || epoll_ctl(epoll_, EPOLL_CTL_ADD, wakeUp.fd, &event) != 0) return false;
+    wakeUp_ = wakeUp.fd;
+    return true;
 }
 
 void SocketPoll::Touch(SocketWatch& watch) {
@@ -67,7 +100,7 @@ gboolean SocketPoll::OnCheck(GSource* source) {
 
 gboolean SocketPoll::OnDispatch(GSource* source, GSourceFunc, gpointer) {
     SocketPoll& poll = *reinterpret_cast<Source*>(source)->poll;
-    if (poll.HasNews()) poll.Gather();
+    if (poll.HasNews()) poll.Gather(0, nullptr);
     poll.DeliverForATurn();
     return G_SOURCE_CONTINUE;
 }
@@ -87,14 +120,18 @@ void SocketPoll::Enqueue(SocketWatch& watch) {
     if (!std::exchange(watch.isDue_, true)) due_.push_back(watch.weak_from_this());
 }
 
-void SocketPoll::Gather() {
+gint SocketPoll::Gather(gint milliseconds, GPollFD* wakeUp) {
     std::array<epoll_event, kEventsAtOnce> events;
-    int count = epoll_wait(epoll_, events.data(), kEventsAtOnce, 0);
+    int count = epoll_wait(epoll_, events.data(), kEventsAtOnce, milliseconds);
     for (int i = 0; i < count; ++i) {
-        SocketWatch& watch = *static_cast<SocketWatch*>(events[i].data.ptr);
-        watch.ready_ |= events[i].events;
-        Enqueue(watch);
+        if (auto* watch = static_cast<SocketWatch*>(events[i].data.ptr)) {
+            watch->ready_ |= events[i].events;
+            Enqueue(*watch);
+        } else if (wakeUp != nullptr) {
+            wakeUp->revents = G_IO_IN;
+        }
     }
+    return count;
 }
 
 // What is left when the turn is over stays due. A pump nested in a handler goes on with it.

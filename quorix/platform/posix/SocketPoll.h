@@ -22,6 +22,20 @@ public:
     SocketPoll(const SocketPoll&) = delete;
     SocketPoll& operator=(const SocketPoll&) = delete;
 
+    // While in scope, the context waits for the sockets themselves, which spares a call of the system at each
+    // turn, as long as nothing else is to be waited for. Not in a context that somebody waits for in a manner
+    // of his own.
+    class DirectWait {
+    public:
+        DirectWait(SocketPoll& poll, GMainContext* context);
+        ~DirectWait();
+        DirectWait(const DirectWait&) = delete;
+        DirectWait& operator=(const DirectWait&) = delete;
+
+    private:
+        GMainContext* context_;
+    };
+
     void Touch(SocketWatch& watch);
 
     // Waits for `wanted` at the socket of `watch` in place of `former`. Zero is none, hang-ups included.
@@ -32,14 +46,17 @@ private:
     static gboolean OnPrepare(GSource* source, gint* timeout);
     static gboolean OnCheck(GSource* source);
     static gboolean OnDispatch(GSource* source, GSourceFunc callback, gpointer data);
+    static gint Poll(GPollFD* descriptors, guint count, gint milliseconds);
 
     void AskTouched();
     void Enqueue(SocketWatch& watch);
     bool HasNews() const;
-    void Gather();
+    bool Includes(const GPollFD& wakeUp);
+    gint Gather(gint milliseconds, GPollFD* wakeUp);
     void DeliverForATurn();
 
     int epoll_;
+    int wakeUp_ = -1;  // the context's, once it is in the set; its data are null
     GSource* source_;
     gpointer polled_;
     std::vector<std::weak_ptr<SocketWatch>> touched_;
