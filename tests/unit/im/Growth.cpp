@@ -1,4 +1,4 @@
-// Long rosters and floods of presence cost each contact as much as short ones.
+// Long lists cost each of their elements as much as short ones, and none is too long.
 #include <algorithm>
 #include <ctime>
 
@@ -10,6 +10,12 @@ namespace {
 std::string Each(int count, const std::string& before, const std::string& after) {
     std::string all;
     for (int i = 0; i < count; ++i) all += before + std::to_string(i) + after;
+    return all;
+}
+
+std::string Repeated(int count, const std::string& text) {
+    std::string all;
+    while (count-- > 0) all += text;
     return all;
 }
 
@@ -75,6 +81,44 @@ TEST_F(Growth, WhatIsListedInAMessageOrAnElementCostsTheSameHoweverMuchIsThere) 
     for (int run = 0; run < 5 && ratio > 6; ++run)
         ratio = std::min(ratio, SecondsToList(*session, 12000) / SecondsToList(*session, 3000));
     EXPECT_LT(ratio, 8);
+}
+
+TEST_F(LoggedIn, ContactsHaveGroupsByTheThousand) {
+    const std::string item = "<item>" + Each(10000, "<group>", "</group>") + "</item>";
+    for (int round = 0; round < 2; ++round)
+        Say("<iq type='set'><query xmlns='jabber:iq:roster'>" + item + "</query></iq>");
+    ASSERT_EQ(session->Roster().Count(), 1);
+    EXPECT_EQ(session->Roster().Item(1)->Groups().Count(), 10000);
+}
+
+TEST_F(LoggedIn, APositionBeyond32767IsAnOverflowAndTheTableGoesOn) {
+    Say("<iq type='result'><query xmlns='jabber:iq:roster'>" + Each(32769, "<item jid='c", "'/>") +
+        "</query></iq>");
+    EXPECT_EQ(session->FindRosterItem(u"c32766"), 32767);
+    EXPECT_EQ(ErrorOf([&] { session->FindRosterItem(u"c32767"); }), ERR_Overflow);
+    Say("<iq type='set'><query xmlns='jabber:iq:roster'><item jid='c32768' "
+        "subscription='remove'/></query></iq>");
+    EXPECT_EQ(session->Roster().Count(), 32768);
+}
+
+TEST_F(LoggedIn, HitsInThousandsOrInsideHitsAreAllThereAndDoNotMultiplyTheirText) {
+    auto reply = [&](const std::string& content) {
+        return Raised("<iq type='result'><query xmlns='jabber:iq:search'>" + content + "</query></iq>");
+    };
+    EXPECT_EQ(reply(Each(5000, "<item><a>", "</a></item>")), (Lines{"OnSearchResults 5000", "OnIQ"}));
+    EXPECT_EQ(reply("<x><item><b>1</b></item></x>" + Repeated(400, "<item><a>") + std::string(1000, 'x') +
+                    Repeated(400, "</a></item>") + "<y><item><b>2</b></item></y>"),
+              (Lines{"OnSearchResults 3", "OnIQ"}));
+    EXPECT_EQ(session->Searchresults()->Item(2)->Fields()->Item(1)->FieldData().size(), 1000U);
+}
+
+TEST_F(LoggedIn, ALongTextOfACardIsReadOnceHoweverOftenItsElementComesAgain) {
+    const std::string card = "<PHOTO><BINVAL>" + std::string(5'000'000, 'A') + "</BINVAL></PHOTO><DESC>" +
+                             std::string(2'000'000, 'x') + "</DESC>" + Each(60'000, "<DESC>", "</DESC>");
+    std::clock_t begin = std::clock();
+    Say("<iq type='result'><vCard xmlns='vcard-temp'>" + card + "</vCard></iq>");
+    EXPECT_EQ(events->vcard->Description().size(), 2'000'000U);
+    EXPECT_LT(std::clock() - begin, 4 * CLOCKS_PER_SEC) << "a copy for each element takes ten times as long";
 }
 
 }  // namespace

@@ -1,0 +1,63 @@
+// What is large, deep or cut where nobody would cut it.
+#include "tests/unit/session/SessionFixture.h"
+
+namespace quorix {
+namespace {
+
+TEST_F(LoggedIn, SurvivesANestingBombAndNamesThatAreNone) {
+    std::string bomb;
+    for (int i = 0; i < 200000; ++i) bomb += "<a>";
+    for (int i = 0; i < 200000; ++i) bomb += "</a>";
+    Say(bomb);
+    EXPECT_EQ(events->incoming, Lines{bomb});
+    EXPECT_EQ(events->lines, Lines{});
+    std::string names = "<message from='a@s'><\xC3\xA9 \xD7='1'/><body>x</body>";
+    for (int i = 0; i < 2000; ++i) names += "<n a" + std::to_string(i) + "=''/>";
+    EXPECT_EQ(Raised(names + "</message>"), Lines{"OnMessage x"});
+}
+
+TEST_F(LoggedIn, TakesAnAttributeOfTwelveMegabytes) {
+    Say("<a b='" + std::string(12 << 20, 'x') + "'/>");
+    ASSERT_EQ(events->incoming.size(), 1U);
+    EXPECT_GT(events->incoming[0].size(), 12U << 20U);
+}
+
+TEST_F(SessionTest, ReadsTextOfAnyLengthInTheModernMode) {
+    session->Mode(KV_Modern);
+    LogIn();
+    const std::string text = Utf8FromText(String(40000, u'\u9df9'));
+    EXPECT_EQ(Raised("<message><body>" + text + "</body></message>"), Lines{"OnMessage " + text});
+}
+
+TEST_F(SessionTest, BoundsTheSizeOfAStanzaWhateverThePiecesInTheModernMode) {
+    session->Mode(KV_Modern);
+    session->Reconnect(false);
+    constexpr std::size_t kMost = 1000;
+    const std::string around = "<message from='a@s'><body></body></message>";
+    auto stanza = [&](std::size_t size) {
+        return "<message from='a@s'><body>" + std::string(size - around.size(), 'x') + "</body></message>";
+    };
+    const Lines tooBig{"OnError s 0 A stanza is longer than MaxStanzaSize", "OnDisConnected"};
+    for (std::size_t piece : {kMost * 2, std::size_t{1}}) {
+        env.LimitReads(piece);
+        for (std::size_t size : {kMost - 1, kMost}) {
+            session->MaxStanzaSize(kMost);
+            LogIn();
+            Say(std::string(kMost * 3, ' ') + stanza(size) + "  ");
+            EXPECT_EQ(events->lines.size(), 1U) << size << " in pieces of " << piece;
+            session->Disconnect();
+        }
+        LogIn();
+        EXPECT_EQ(Raised(stanza(kMost + 1)), tooBig);
+        LogIn();
+        EXPECT_EQ(Raised("<" + std::string(kMost, 'n')), tooBig) << "in the middle of a name";
+        session->Connect();
+        env.DoEvents();
+        events->lines.clear();
+        EXPECT_EQ(Raised("<stream:stream a='" + std::string(kMost, 'x')), tooBig)
+            << "in a header without end";
+    }
+}
+
+}  // namespace
+}  // namespace quorix

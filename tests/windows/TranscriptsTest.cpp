@@ -1,0 +1,157 @@
+// The transcripts through automation, by name: a session of the component, its events through its connection
+// point, and a server on a socket of this process.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "quorix/base/AutomationError.h"
+#include "quorix/base/WireText.h"
+#include "quorix/net/cSocketSSL.h"
+#include "quorix/net/mSocketSSL.h"
+#include "quorix/scripting/SessionEventTable.h"
+#include "tests/transcripts/runner/Runner.h"
+#include "tests/windows/support/Sink.h"
+
+namespace windowstest {
+namespace {
+
+using namespace quorix;
+using namespace quorix::transcripts;
+
+// Hears on one port, and speaks to whoever came last.
+class Server : public SocketEvents, public std::enable_shared_from_this<Server> {
+public:
+    void Start() {
+        listener_->Advise(weak_from_this());
+        for (port = static_cast<std::int16_t>(20000 + GetCurrentProcessId() % 10000);
+             listener_->State() != sockListening; ++port) {
+            listener_->LocalPort(port);
+            listener_->Listen();
+        }
+        --port;
+    }
+    void OnConnectionRequest() override {
+        connection = std::make_shared<cSocketSSL>();
+        connection->Advise(weak_from_this());
+        connection->Accept(AcceptConnection(listener_->SocketHandle()));
+    }
+    void OnDataArrival(std::string_view bytes, StringView /*remoteHost*/) override { heard += bytes; }
+
+    std::int16_t port = 0;
+    std::shared_ptr<cSocketSSL> connection;
+    std::string heard;
+
+private:
+    std::shared_ptr<cSocketSSL> listener_ = std::make_shared<cSocketSSL>();
+};
+
+Value FromVariant(const VARIANT& made) {
+    const Variant value(made);
+    switch (value.vt) {
+        case VT_BSTR: return automation::FromBstr(value.bstrVal);
+        case VT_BOOL: return value.boolVal != VARIANT_FALSE;
+        case VT_I2: return static_cast<std::int32_t>(value.iVal);
+        case VT_I4: return static_cast<std::int32_t>(value.lVal);
+        case VT_DISPATCH: {
+            if (value.pdispVal == nullptr) return scripting::Nothing{};
+            return Object{std::make_shared<Late>(value), nullptr, value.pdispVal};
+        }
+        default: return scripting::Nothing{};
+    }
+}
+
+const Late& LateOf(const Object& object) { return *static_cast<const Late*>(object.instance.get()); }
+
+Variant ToVariant(const Value& value) {
+    if (const auto* text = std::get_if<String>(&value)) return automation::StringVariant(*text);
+    if (const auto* flag = std::get_if<bool>(&value)) return Of(*flag);
+    if (const auto* number = std::get_if<std::int16_t>(&value)) return Of(int{*number});
+    if (const auto* number = std::get_if<std::int32_t>(&value)) return Of(int{*number});
+    const auto* object = std::get_if<Object>(&value);
+    return object != nullptr ? Of(LateOf(*object).Raw()) : windowstest::Nothing();
+}
+
+void Require(const Answer& answer, const std::string& member) {
+    if (SUCCEEDED(answer.code)) return;
+    if (answer.code == DISP_E_EXCEPTION) throw AutomationError(answer.error & 0xFFFF);
+    if (answer.code == DISP_E_OVERFLOW) throw AutomationError(ERR_Overflow);
+    throw std::runtime_error(member + " answers " + std::to_string(answer.code));
+}
+
+std::wstring Widened(const std::string& name) { return {name.begin(), name.end()}; }
+
+class ComFace : public Face {
+public:
+    ComFace() { server_->Start(); }
+
+    // There is no other time than the clock's here, and no other network than the system's.
+    bool Plays(const Scenario& scenario) const override {
+        const auto isForNative = [](const Step& step) {
+            return step.text.starts_with("after ") || step.text.starts_with("network");
+        };
+        return !scenario.Has("native") &&
+               std::none_of(scenario.steps.begin(), scenario.steps.end(), isForNative);
+    }
+
+    Value Create(const std::string& className) override {
+        const Late made = Late::Create(L"Quorix." + Widened(className));
+        return Object{std::make_shared<Late>(made), nullptr, made.Raw()};
+    }
+    Value Call(const Object& object, const std::string& member, const Values& arguments) override {
+        std::vector<Variant> values;
+        for (const Value& argument : arguments) values.push_back(ToVariant(argument));
+        const Answer answer = LateOf(object).Try(DISPATCH_METHOD | DISPATCH_PROPERTYGET,
+                                                 Widened(member).c_str(), std::move(values));
+        Require(answer, member);
+        return FromVariant(answer.value);
+    }
+    void Put(const Object& object, const std::string& member, const Value& value) override {
+        Require(LateOf(object).Try(DISPATCH_PROPERTYPUT, Widened(member).c_str(), {ToVariant(value)}),
+                member);
+    }
+    void Listen(const Object& session, EventHandler onEvent) override {
+        sink_ = std::make_unique<Connection>(LateOf(session));
+        const auto& events = scripting::SessionEventList();
+        for (std::size_t i = 0; i < events.size(); ++i) {
+            const DISPID id = static_cast<DISPID>(i) + 1;
+            (*sink_)->at[id] = [this, id, name = events[i].name, onEvent](DISPPARAMS&) {
+                Values arguments;
+                for (const Variant& value : (*sink_)->values[id]) arguments.push_back(FromVariant(value));
+                onEvent(name, arguments);
+                return S_OK;
+            };
+        }
+    }
+
+    void Say(const std::string& bytes) override { server_->connection->SendData(WireFromBytes(bytes)); }
+    std::string Heard() override { return std::exchange(server_->heard, {}); }
+    Value Control(const std::string& what, const Values& /*arguments*/) override {
+        if (what != "server.Close") throw std::runtime_error("nothing is called " + what);
+        server_->connection->Disconnect();
+        return {};
+    }
+    void Wait(double /*seconds*/) override {}
+    void Settle() override {}
+    bool Until(const std::function<bool()>& done) override { return PumpUntil(done); }
+    std::int16_t Port() const override { return server_->port; }
+
+private:
+    std::shared_ptr<Server> server_ = std::make_shared<Server>();
+    std::unique_ptr<Connection> sink_;
+};
+
+class Transcript : public ::testing::TestWithParam<std::filesystem::path> {};
+
+// Up to the first that fails: each of them may take long to do so.
+TEST_P(Transcript, HappensAsItIsWritten) {
+    for (const Scenario& scenario : ReadTranscript(GetParam())) {
+        ComFace face;
+        if (face.Plays(scenario)) ASSERT_EQ(Runner(face, scenario).Play(), "") << scenario.title;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Automation, Transcript, ::testing::ValuesIn(TranscriptFiles()),
+                         [](const auto& file) { return file.param.stem().string(); });
+
+}  // namespace
+}  // namespace windowstest
