@@ -11,6 +11,9 @@ class Runner {
 public:
     Runner(Face& face, const Scenario& scenario) : face_(face), steps_(scenario.steps) {}
 
+    // A name that steps may use.
+    void Let(const std::string& name, const Value& value) { names_[name] = value; }
+
     // What went wrong and where, or "".
     std::string Play();
 
@@ -50,6 +53,7 @@ private:
     std::string where_;
     std::string failure_;
     std::string heard_;
+    bool isCurious_ = true;  // about what goes out
     std::map<std::string, Value> names_;
 };
 

@@ -95,6 +95,18 @@ public:
         return all;
     }
 
+    // Beginnings written out, and a line of several steps as so many.
+    Steps Expanded(const Steps& steps) const {
+        Steps all;
+        for (const Step& step : steps) {
+            const std::size_t arrow = step.text.find(" => ");
+            Expand({step.where, step.depth, step.text.substr(0, arrow)}, all);
+            if (arrow != std::string::npos)
+                Expand({step.where, step.depth, step.text.substr(arrow + 4)}, all);
+        }
+        return all;
+    }
+
 private:
     // One scenario, or one for each row of its table, which follows its steps.
     void AddCases(const Scenario& scenario, const Steps& steps, std::vector<Scenario>& all) const {
@@ -135,18 +147,6 @@ private:
         return steps;
     }
 
-    // Beginnings written out, and a line of several steps as so many.
-    Steps Expanded(const Steps& steps) const {
-        Steps all;
-        for (const Step& step : steps) {
-            const std::size_t arrow = step.text.find(" => ");
-            Expand({step.where, step.depth, step.text.substr(0, arrow)}, all);
-            if (arrow != std::string::npos)
-                Expand({step.where, step.depth, step.text.substr(arrow + 4)}, all);
-        }
-        return all;
-    }
-
     void Expand(const Step& step, Steps& all) const {
         const auto beginning = beginnings_.find(step.text);
         if (beginning != beginnings_.end()) {
@@ -163,6 +163,10 @@ private:
 
     std::map<std::string, Steps> beginnings_;
 };
+
+std::filesystem::path Beginnings() {
+    return std::filesystem::path(QUORIX_TRANSCRIPTS) / "beginnings.transcript";
+}
 
 }  // namespace
 
@@ -195,8 +199,15 @@ std::vector<std::filesystem::path> TranscriptFiles() {
     return files;
 }
 
+Scenario ReadBeginning(const std::string& beginning, const std::string& mode) {
+    Scenario scenario;
+    scenario.steps =
+        Reader(Beginnings()).Expanded({{"", 0, "session.Mode := " + mode}, {"", kIndentation, beginning}});
+    return scenario;
+}
+
 std::vector<Scenario> ReadTranscript(const std::filesystem::path& file) {
-    return Reader(file.parent_path() / "beginnings.transcript").Read(file);
+    return Reader(Beginnings()).Read(file);
 }
 
 }  // namespace quorix::transcripts

@@ -27,6 +27,9 @@ std::vector<std::filesystem::path> TranscriptFiles();
 // beginnings.transcript beside it. Throws std::runtime_error for what it cannot read.
 std::vector<Scenario> ReadTranscript(const std::filesystem::path& file);
 
+// One that begins like this, in this mode.
+Scenario ReadBeginning(const std::string& beginning, const std::string& mode);
+
 // Where `token` stands in `text` from `from` on, outside of quotes and parentheses; npos when it does not.
 std::size_t FindOutside(const std::string& text, const std::string& token, std::size_t from = 0);
 

@@ -1,0 +1,114 @@
+#include "tests/unit/transcripts/NativeFace.h"
+
+#include <map>
+#include <stdexcept>
+
+#include "quorix/base/WireText.h"
+#include "quorix/scripting/Classes.h"
+
+namespace quorix::transcripts {
+namespace {
+
+using scripting::ClassTable;
+using scripting::MemberKind;
+
+class Ear : public scripting::Listener {
+public:
+    explicit Ear(EventHandler onEvent) : onEvent_(std::move(onEvent)) {}
+    void OnEvent(const scripting::Event& event, const Values& arguments) override {
+        onEvent_(event.name, arguments);
+    }
+
+private:
+    EventHandler onEvent_;
+};
+
+std::string Bytes(const Value& value) { return Utf8FromText(std::get<String>(value)); }
+
+std::vector<Address> AddressesOf(const Values& arguments) {
+    std::vector<Address> addresses;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string text = Bytes(arguments[i]);
+        const auto ip4 = ParseDotted(text);
+        addresses.push_back(ip4 ? Address{*ip4}
+                                : Address{0, 0, Ip6{0xFD, 1}});  // the only other one is "fd01::"
+    }
+    return addresses;
+}
+
+}  // namespace
+
+Value NativeFace::Create(const std::string& className) {
+    for (const ClassTable* table : scripting::Classes()) {
+        if (className == table->Name()) return table->MakeObject();
+    }
+    throw std::runtime_error("no class " + className);
+}
+
+Value NativeFace::Call(const Object& object, const std::string& member, const Values& arguments) {
+    for (MemberKind kind : {MemberKind::Method, MemberKind::Get}) {
+        const scripting::Member* found = object.table->Find(member, kind);
+        if (found != nullptr) return scripting::Call(*found, object.instance, arguments);
+    }
+    throw std::runtime_error(std::string(object.table->Name()) + " has no " + member);
+}
+
+void NativeFace::Put(const Object& object, const std::string& member, const Value& value) {
+    const scripting::Member* found = object.table->Find(member, MemberKind::Put);
+    if (found == nullptr) throw std::runtime_error("cannot set " + member);
+    scripting::Call(*found, object.instance, {value});
+}
+
+void NativeFace::Listen(const Object& session, EventHandler onEvent) {
+    connection_ = session.table->Listen(session.instance, std::make_shared<Ear>(std::move(onEvent)));
+}
+
+std::string NativeFace::Heard() {
+    std::string heard;
+    for (std::size_t i = deaf_; i < env_.PeerCount(); ++i) heard += env_.Peer(i).TakeHeard();
+    return heard;
+}
+
+bool NativeFace::Until(const std::function<bool()>& done) {
+    if (done()) return true;
+    env_.DoEvents();
+    return done();
+}
+
+Value NativeFace::Control(const std::string& what, const Values& arguments) {
+    const auto text = [&](std::size_t i) { return Bytes(arguments.at(i)); };
+    const auto number = [&](std::size_t i) { return scripting::Int32Of(arguments.at(i)); };
+    const std::map<std::string, std::function<Value()>> controls = {
+        {"server.Close", [&] { return deaf_ = env_.PeerCount(), env_.Peer().Close(), Value(); }},
+        {"network.Refuse", [&] { return env_.RefuseConnections(number(0)), Value(); }},
+        {"network.RefuseAt",
+         [&] {
+             return env_.RefuseAddress(AddressesOf({{}, arguments.at(0)}).at(0), number(1)), Value();
+         }},
+        {"network.Hold", [&] { return env_.HoldConnections(number(0) != 0), Value(); }},
+        {"network.HoldLookUps", [&] { return env_.HoldLookUps(number(0) != 0), Value(); }},
+        {"network.Host", [&] { return env_.AddHost(text(0), *ParseDotted(text(1))), Value(); }},
+        {"network.Forget", [&] { return env_.RemoveHost(text(0)), Value(); }},
+        {"network.Addresses", [&] { return env_.ScriptAddresses(text(0), AddressesOf(arguments)), Value(); }},
+        {"network.Service",
+         [&] {
+             return env_.ScriptService(text(0), {{text(1), static_cast<std::uint16_t>(number(2))},
+                                                 {text(3), static_cast<std::uint16_t>(number(4))}}),
+                    Value();
+         }},
+        {"network.ReadsAtMost",
+         [&] { return env_.LimitReads(static_cast<std::size_t>(number(0))), Value(); }},
+        {"network.Random", [&] { return env_.ScriptRandom(static_cast<std::uint32_t>(number(0))), Value(); }},
+        {"network.Connections", [&] { return Value(static_cast<std::int32_t>(env_.PeerCount())); }},
+        {"network.IsIdle",
+         [&] { return Value(env_.OpenSockets() + env_.RunningTimers() + env_.RunningLookUps() == 0); }},
+        {"network.Destination",
+         [&] {
+             const Address address = env_.Peer().Destination();
+             return Value(Concat({AddressText(address), u" ", ToString(address.port)}));
+         }},
+    };
+    return controls.at(what)();
+}
+
+}  // namespace quorix::transcripts
