@@ -170,29 +170,6 @@ TEST_P(Chat, AMessageWaitsForItsRecipient) {
     EXPECT_EQ(bob.log->messages.back()->Stamp(), u"") << "no server writes the older form any more";
 }
 
-// What one sends of one's own presence comes back from some servers: a client must know itself in the list.
-// "available" is the meaning of no type, and not a type that every server takes; "invisible" is an extension.
-TEST_P(Chat, ServersDifferAboutOnesOwnPresence) {
-    Person ann(Server().Port(), u"own.ann", u"home");
-    ASSERT_TRUE(ann.Join());
-    const std::string own = "OnPresence own.ann@localhost home 1";
-    EXPECT_EQ(ann.HasSeen(own), GetParam() != ServerKind::jabberd2);
-    auto send = [&](eSubType type) {
-        ann.log->lines.clear();
-        ann.Events().incoming.clear();
-        ann->SendPresence(u"", type, u"");
-        EXPECT_TRUE(ann.Settle());
-    };
-    auto isRefused = [&] { return ann.Events().incoming.front().find("<presence") == 0; };
-
-    send(KV_Available);
-    EXPECT_EQ(ann.HasSeen(own), GetParam() == ServerKind::ejabberd);
-    EXPECT_EQ(!ann.HasSeen(own) && isRefused(), GetParam() == ServerKind::prosody);
-    send(KV_Invisible);
-    EXPECT_EQ(isRefused(), GetParam() != ServerKind::jabberd2);
-    EXPECT_EQ(ann.log->Count("OnPresence") + ann.log->Count("OnError"), 0U) << "a refusal raises nothing";
-}
-
 QUORIX_ON_EVERY_SERVER(Chat);
 
 }  // namespace

@@ -19,7 +19,6 @@ public:
     bool Hears(const std::string& part) const {
         return Await([&] { return Holds(Events().incoming, part); });
     }
-    String FullJid() const { return jid + u"/home"; }
 };
 
 class Services : public RealServerTest {
@@ -73,22 +72,6 @@ TEST_P(Services, TellVersionTimeAndLastActivity) {
     std::size_t errors = user.Events().Count("OnIQError");
     user->SendTimeRequest(u"localhost");
     EXPECT_TRUE(isProsody ? user.Told("OnTimeResult localhost ") : user.AwaitEvent("OnIQError", errors + 1));
-}
-
-TEST_P(Services, CarryQuestionsAndOffersBetweenClients) {
-    User asker(Server(), u"asker");
-    User asked(Server(), u"asked");
-    ASSERT_TRUE(asker.Join() && asked.Join());
-
-    asker->SendVersionRequest(asked.FullJid());
-    ASSERT_TRUE(asked.Told("OnVersionRequest asker@localhost/home "));
-    asked->SendVersionResponse(asker.FullJid(), u"Name", u"1", u"OS");
-    EXPECT_TRUE(asker.Told("OnVersionResult asked@localhost/home Name 1 OS"));
-
-    asker->SendOOBRequest(asked.FullJid(), u"caf\u00e9", u"http://localhost/file");
-    ASSERT_TRUE(asked.Told("OnOOBRequest asker@localhost"));
-    asked->SendOOBComplete(asker.FullJid());
-    EXPECT_TRUE(asker.Told("OnOOBResult asked@localhost"));
 }
 
 TEST_P(Services, KeepPrivateData) {

@@ -77,5 +77,19 @@ TEST(SocketObject, AcceptsOnlySinks) {
     EXPECT_EQ(point->Unadvise(17), CONNECT_E_NOCONNECTION);
 }
 
+TEST(SocketObject, OfASessionTellsItsEventsToTheSessionAlone) {
+    const Late session = Late::Create(L"Quorix.cSession");
+    const Late socket = session.Object(L"Socket");
+    EXPECT_EQ(socket.Raw(), session.Object(L"Socket").Raw());
+    const ComPtr<Sink> sink = quorix::automation::Adopt(new Sink);
+    DWORD cookie = 0;
+    EXPECT_EQ(ConnectionPointOf(socket)->Advise(sink.Get(), &cookie), CONNECT_E_CANNOTCONNECT);
+
+    const Connection events(session);
+    session.Put(L"ServerAddress", Of(L"no.such.host.invalid"));
+    session.Do(L"Connect", {Of(false)});
+    EXPECT_TRUE(PumpUntil([&] { return events->Saw(7); })) << "the session hears its socket still";
+}
+
 }  // namespace
 }  // namespace windowstest

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 
 #include "testkit/LoopbackServer.h"
@@ -81,20 +80,6 @@ TEST_F(ThroughSocks, TheTunnelOpensInBothForms) {
     chat();
 }
 
-TEST_F(ThroughSocks, ARefusalEndsWithoutALogin) {
-    auto expectRefusal = [&](const std::unique_ptr<Peer>& proxy, StringView password = u"") {
-        ConnectThrough(*proxy, password.empty() ? u"" : u"joe", password);
-        EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected"));
-        EXPECT_EQ(juliet.Events().lines, Lines{"OnDisConnected"});
-    };
-    expectRefusal(Dante("block"));
-    auto proxy = Microsocks({"-u", "joe", "-P", "pw"});
-    expectRefusal(proxy);
-    expectRefusal(proxy, u"wrong");
-    juliet->Port(static_cast<std::int16_t>(FreePort()));  // where nobody listens
-    expectRefusal(proxy, u"pw");
-}
-
 TEST_F(ThroughSocks, ARefusalIsToldWithItsReasonInTheModernMode) {
     juliet->Mode(KV_Modern);
     juliet->AuthType(KV_PlainAuth);
@@ -112,16 +97,6 @@ TEST_F(ThroughSocks, ARefusalIsToldWithItsReasonInTheModernMode) {
     EXPECT_TRUE(juliet.AwaitEvent("OnAuthorized")) << "by the address that is listened on";
     juliet->Port(static_cast<std::int16_t>(FreePort()));  // where nobody listens
     expectRefusal(proxy, "connection refused", u"p\u00E9");
-}
-
-TEST_F(ThroughSocks, ASilentProxyIsWaitedForUntilItIsGone) {
-    auto proxy = Microsocks();
-    proxy->Signal(SIGSTOP);
-    ConnectThrough(*proxy);
-    EXPECT_FALSE(RunUntil([&] { return !juliet.Events().lines.empty(); }, 1));
-    EXPECT_TRUE(juliet->IsConnected());
-    proxy->Signal(SIGKILL);
-    EXPECT_TRUE(juliet.AwaitEvent("OnDisConnected"));
 }
 
 }  // namespace

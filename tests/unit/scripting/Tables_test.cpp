@@ -52,17 +52,6 @@ TEST(Tables, BindMembersByName) {
     EXPECT_EQ(groups.Self().table->Find("NickName", MemberKind::Get), nullptr);
 }
 
-TEST(Tables, KnowAbsentFromEmptyAndANodeFromItsHandle) {
-    const Scripted node("cXML_Node");
-    node.Put("xml", Text(u"<a b=''><c/></a>"));
-    const Scripted root(node.Do("getNode", {Text(u"/a")}));
-    EXPECT_EQ(root.Do("getAttribute", {Text(u"b")}), Text(u""));
-    EXPECT_EQ(root.Do("getAttribute", {Text(u"none")}), Value(Nothing{}));
-    EXPECT_EQ(root.Get("firstChild"), node.Do("getNode", {Text(u"//c")}));
-    EXPECT_EQ(std::get<Object>(root.Get("nextSibling")).instance, nullptr);
-    EXPECT_EQ(node.Do("GetTag", {Text(u"c"), Nothing{}}), Text(u"")) << "no list of nodes";
-}
-
 TEST(Tables, RefuseArgumentsWithTheirNumberAndPlace) {
     const Scripted session("cSession"), node("cXML_Node"), socket("cSocketSSL");
     const Value other = Scripted("cVcard").Self();

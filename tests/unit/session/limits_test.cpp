@@ -1,4 +1,6 @@
 // What is large, deep or cut where nobody would cut it.
+#include <algorithm>
+
 #include "tests/unit/session/SessionFixture.h"
 
 namespace quorix {
@@ -27,6 +29,24 @@ TEST_F(SessionTest, ReadsTextOfAnyLengthInTheModernMode) {
     LogIn();
     const std::string text = Utf8FromText(String(40000, u'\u9df9'));
     EXPECT_EQ(Raised("<message><body>" + text + "</body></message>"), Lines{"OnMessage " + text});
+}
+
+// A thousand stanzas in the pieces of a network: none waits for what follows it.
+TEST_F(SessionTest, RaisesEachStanzaWithThePieceThatBringsItsEndInTheModernMode) {
+    constexpr std::size_t kPiece = 1448;
+    session->Mode(KV_Modern);
+    LogIn();
+    std::string stream;
+    std::vector<std::size_t> ends;
+    for (std::size_t length = 0; length < 1000; ++length) {
+        stream += "<message from='a@s'><body>" + std::string(length, 'x') + "</body></message>";
+        ends.push_back(stream.size());
+    }
+    for (std::size_t at = 0; at < stream.size(); at += kPiece) {
+        Say(stream.substr(at, kPiece));
+        const auto complete = std::upper_bound(ends.begin(), ends.end(), at + kPiece) - ends.begin();
+        ASSERT_EQ(events->lines.size(), static_cast<std::size_t>(complete)) << at;
+    }
 }
 
 TEST_F(SessionTest, BoundsTheSizeOfAStanzaWhateverThePiecesInTheModernMode) {

@@ -66,13 +66,5 @@ TEST_F(SecureSession, TheServersHeaderIsEarlyEnoughToLeave) {
     EXPECT_EQ(env.OpenSockets(), 0U);
 }
 
-TEST_F(SecureSession, AHandshakeThatFailsIsASocketError) {
-    env.WhileWaiting([this] { env.Peer().Close(); });
-    session->Connect();
-    env.DoEvents();
-    EXPECT_EQ(events->lines, Lines{"OnSocketError Software caused connection abort. 10053"});
-    EXPECT_FALSE(session->IsConnected());
-}
-
 }  // namespace
 }  // namespace quorix

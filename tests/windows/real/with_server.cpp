@@ -1,12 +1,7 @@
 // with_server COMMAND [ARGUMENT...]: runs a command beside ejabberd on loopback, both on this system.
 //
-// In the arguments @port@ is the server's port, @tls@ its port for TLS, and @control@ one where the command
-// can send a line: "kill" ends the server without a word to its clients, "start" starts it again; the answer
-// comes when it is done. The exit code is the command's.
-#include <netinet/in.h>
-#include <poll.h>
+// In the arguments @port@ is the server's port, @tls@ its port for TLS. The exit code is the command's.
 #include <spawn.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -55,47 +50,6 @@ private:
     Certificate files_;
 };
 
-// The port where the command asks for things.
-class Control {
-public:
-    Control() : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* generic = reinterpret_cast<sockaddr*>(&address);
-        if (bind(listener_, generic, size) != 0 || listen(listener_, 5) != 0 ||
-            getsockname(listener_, generic, &size) != 0) {
-            throw std::runtime_error("no control port");
-        }
-        port_ = ntohs(address.sin_port);
-    }
-    ~Control() { close(listener_); }
-    Control(const Control&) = delete;
-    Control& operator=(const Control&) = delete;
-
-    int Port() const { return port_; }
-
-    // Serves one request if one comes within a tenth of a second.
-    void Serve(RealServer& server) const {
-        pollfd waiting = {listener_, POLLIN, 0};
-        if (poll(&waiting, 1, 100) <= 0) return;
-        const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-        char line[16] = {};
-        if (read(client, line, sizeof line - 1) > 0) {
-            const std::string request = line;
-            if (request == "kill\n") server.Kill();
-            if (request == "start\n") server.Start();
-            if (write(client, "done\n", 5) != 5) perror("control");
-        }
-        close(client);
-    }
-
-private:
-    int listener_;
-    int port_;
-};
-
 std::string Replaced(std::string text, const std::string& mark, int value) {
     for (std::size_t at; (at = text.find(mark)) != std::string::npos;) {
         text.replace(at, mark.size(), std::to_string(value));
@@ -117,15 +71,13 @@ int Run(std::vector<std::string> command) {
     const TemporaryCertificate certificate;
     const std::unique_ptr<RealServer> server = MakeServer(ServerKind::ejabberd, &certificate.Files());
     server->Start();
-    const Control control;
     for (std::string& argument : command) {
         argument = Replaced(argument, "@port@", server->Port());
         argument = Replaced(argument, "@tls@", server->TlsPort());
-        argument = Replaced(argument, "@control@", control.Port());
     }
     const pid_t pid = Spawn(command);
     int status = 0;
-    while (waitpid(pid, &status, WNOHANG) == 0) control.Serve(*server);
+    waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
