@@ -102,10 +102,12 @@ const Lines kAnswers = {
 const std::string kNewForm =
     "server: <iq type='result'><query xmlns='jabber:iq:register'><key>?</key></query></iq>; OnIQ";
 const Lines kLogins = {
+    "session .AuthType:=KV_DigestAuth .ServerAddress:=? .Connect(False); server: <stream:stream id='s1'>",
     "session .ServerAddress:=? .Resource:=? .Connect(False); server: <stream:stream id='s1'>",
     "session .ServerAddress:=? .Connect(True); server: <stream:stream id='s1'>; " + kNewForm,
 };
 const Lines kOwnLogins = {
+    "session .AuthType:=KV_DigestAuth .username:=? .Connect(False); server: <stream:stream id='s1'>",
     "session .username:=? .Password:=? .Connect(False); server: <stream:stream id='s1'>",
     "session .username:=? .Password:=? .Connect(True); server: <stream:stream id='s1'>; " + kNewForm,
 };
