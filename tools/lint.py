@@ -1,21 +1,26 @@
 #!/usr/bin/python3
 """Runs clang-tidy over what a build folder compiles, and remembers by content what was clean.
 
-A source is looked at again when it, a header of this tree that it reaches, its compile command, the
-checks or the linter itself have changed.
+Most of the linter's time goes into what the sources include, so sources of one folder that are compiled alike are
+looked at as one. Where their names clash, they are taken apart again. A source is looked at again when it, its
+neighbours, a header of this tree that they reach, their compile command, the checks or the linter have changed.
 """
 
 import concurrent.futures
 import hashlib
+import itertools
 import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 
 CACHE = pathlib.Path(".cache/lint")
+TOGETHER = 8
 INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+BROKEN = "[clang-diagnostic-error"
 
 
 def reached(path, seen):
@@ -28,49 +33,82 @@ def reached(path, seen):
 
 
 def configurations(path):
-    """The configuration files that hold for `path`: one in its folder or in any above it."""
-    folders = [path.parent, *path.parent.parents]
-    return sorted(str(folder / ".clang-tidy") for folder in folders if (folder / ".clang-tidy").is_file())
+    """The configuration files that hold for `path`, the nearest first: those in its folder and in any above it."""
+    return [folder / ".clang-tidy" for folder in path.parents if (folder / ".clang-tidy").is_file()]
 
 
-def key(path, command, linter):
-    digest = hashlib.sha256(f"{linter}\0{command}\0".encode())
-    for name in configurations(path) + sorted(reached(str(path), set())):
-        digest.update(name.encode() + b"\0" + pathlib.Path(name).read_bytes() + b"\0")
-    return digest.hexdigest()
+def flags(entry):
+    """What a source is compiled with, without its own name and that of what it becomes."""
+    words = shlex.split(entry["command"])
+    words = words[next(i for i, word in enumerate(words) if word.endswith("++")) + 1 :]
+    own = {words.index("-o"), words.index("-o") + 1, words.index("-c"), words.index("-c") + 1}
+    return tuple(word for i, word in enumerate(words) if i not in own)
 
 
-def lint(path, folder):
-    # The build is GCC's, which knows warnings that clang does not.
-    command = ["clang-tidy", "--quiet", "--extra-arg=-Wno-unknown-warning-option", "-p", folder, str(path)]
-    run = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True)
-    return run.returncode == 0, run.stdout + (run.stderr if run.returncode != 0 else "")
+def batches(folder):
+    """The sources, as lists of neighbours that are compiled alike."""
+    entries = json.loads(pathlib.Path(folder, "compile_commands.json").read_text())
+    sources = sorted((os.path.dirname(entry["file"]), flags(entry), entry["file"]) for entry in entries)
+    for (_, common), alike in itertools.groupby(sources, key=lambda source: source[:2]):
+        paths = [pathlib.Path(source[2]).relative_to(pathlib.Path.cwd()) for source in alike]
+        for first in range(0, len(paths), TOGETHER):
+            yield Batch(paths[first : first + TOGETHER], common)
+
+
+class Batch:
+    def __init__(self, paths, common):
+        self.paths, self.common = paths, common
+
+    def halves(self):
+        middle = len(self.paths) // 2
+        return Batch(self.paths[:middle], self.common), Batch(self.paths[middle:], self.common)
+
+    def key(self, linter):
+        # Without the tree's place, so that one tree's memory serves another.
+        digest = hashlib.sha256(f"{linter}\0{self.common}\0".replace(str(pathlib.Path.cwd()), "").encode())
+        names = map(str, self.paths + configurations(self.paths[0]))
+        for name in sorted(set().union(*(reached(name, set()) for name in names))):
+            digest.update(name.encode() + b"\0" + pathlib.Path(name).read_bytes() + b"\0")
+        return digest.hexdigest()
+
+    def lint(self, key):
+        unit = CACHE / f"{key}.cpp"
+        unit.write_text("".join(f'#include "{path}"  // NOLINT(bugprone-suspicious-include)\n' for path in self.paths))
+        checks = f"--config-file={configurations(self.paths[0])[0]}"
+        # The build is GCC's, which knows warnings that clang does not.
+        command = ["clang-tidy", "--quiet", checks, unit, "--", *self.common, "-Wno-unknown-warning-option"]
+        run = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True)
+        unit.unlink()
+        return run.returncode == 0, run.stdout + (run.stderr if run.returncode != 0 else "")
+
+
+def look(batch, linter):
+    """The marks of what is clean, and what was found."""
+    mark = CACHE / batch.key(linter)
+    if mark.exists():
+        return {mark}, ""
+    clean, report = batch.lint(mark.name)
+    if clean:
+        mark.touch()
+        return {mark}, ""
+    if BROKEN not in report or len(batch.paths) == 1:
+        return set(), report
+    first, second = (look(half, linter) for half in batch.halves())
+    return first[0] | second[0], first[1] + second[1]
 
 
 def main(folder):
-    root = pathlib.Path.cwd()
     linter = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True, text=True).stdout
     CACHE.mkdir(parents=True, exist_ok=True)
-    wanted = {}
-    for entry in json.loads(pathlib.Path(folder, "compile_commands.json").read_text()):
-        path = pathlib.Path(entry["file"]).relative_to(root)
-        # Without the tree's place, so that one tree's memory serves another.
-        wanted[path] = CACHE / key(path, entry["command"].replace(str(root), ""), linter)
-    waiting = {path: mark for path, mark in wanted.items() if not mark.exists()}
-    print(f"{len(wanted)} sources, {len(waiting)} to look at")
-    clean = True
+    marks, found = set(), False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        runs = {pool.submit(lint, path, folder): path for path in waiting}
-        for run in concurrent.futures.as_completed(runs):
-            passed, report = run.result()
-            if passed:
-                waiting[runs[run]].touch()
-            else:
-                clean = False
-                print(report, flush=True)
-    for mark in set(CACHE.iterdir()) - set(wanted.values()) if clean else ():
+        for clean, report in pool.map(look, list(batches(folder)), itertools.repeat(linter)):
+            marks |= clean
+            found = found or bool(report)
+            print(report, end="", flush=True)
+    for mark in set(CACHE.iterdir()) - marks if not found else ():
         mark.unlink()
-    return 0 if clean else 1
+    return 1 if found else 0
 
 
 if __name__ == "__main__":

@@ -7,7 +7,7 @@ namespace quorix {
 
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kReplacementCode = 0xFFFD;
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
@@ -16,9 +16,9 @@ bool IsSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xE000; }
 char32_t TakeCodePoint(StringView& text) {
     char16_t first = text.front();
     text.remove_prefix(1);
-    if (IsLowSurrogate(first)) return kReplacement;
+    if (IsLowSurrogate(first)) return kReplacementCode;
     if (!IsHighSurrogate(first)) return first;
-    if (text.empty() || !IsLowSurrogate(text.front())) return kReplacement;
+    if (text.empty() || !IsLowSurrogate(text.front())) return kReplacementCode;
     char32_t low = text.front();
     text.remove_prefix(1);
     return 0x10000 + ((first - 0xD800U) << 10U) + (low - 0xDC00U);
@@ -83,7 +83,7 @@ char32_t DecodeUtf8(std::string_view& utf8) {
     }
     good = good && code >= sequence.least && code < 0x110000 && (code < 0xD800 || code >= 0xE000);
     utf8.remove_prefix(good ? sequence.length : 1);
-    return good ? code : kReplacement;
+    return good ? code : kReplacementCode;
 }
 
 char16_t* PutUtf16(char16_t* out, char32_t code) {
@@ -181,8 +181,8 @@ void AppendText(String& out, std::string_view utf8) {
 bool HasLoneSurrogate(StringView text) {
     if (std::none_of(text.begin(), text.end(), IsSurrogate)) return false;
     while (!text.empty()) {
-        bool literal = text.front() == kReplacement;
-        if (TakeCodePoint(text) == kReplacement && !literal) return true;
+        bool literal = text.front() == kReplacementCode;
+        if (TakeCodePoint(text) == kReplacementCode && !literal) return true;
     }
     return false;
 }

@@ -6,12 +6,6 @@
 
 namespace quorix {
 
-namespace {
-
-constexpr std::int32_t kSecond = 1000;
-
-}  // namespace
-
 std::shared_ptr<Line> NewClassicLine(SessionCore& session) { return std::make_shared<ClassicLine>(session); }
 
 void Line::TransmitByRequest(std::string_view bytes) {
@@ -93,7 +87,7 @@ bool ClassicLine::RetriesLeft() const {
 
 void ClassicLine::Closed() {
     if (RetriesLeft()) {
-        mTimer::StartReconnect(relay_, session_.reconnectInterval_ * kSecond);
+        mTimer::StartReconnect(relay_, session_.reconnectInterval_ * kMillisecondsASecond);
         ++attempts_;
     } else {
         mTimer::StopReconnect();

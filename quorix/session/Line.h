@@ -14,6 +14,9 @@ namespace quorix {
 
 class SessionCore;
 
+inline constexpr std::int32_t kMillisecondsASecond = 1000;
+inline constexpr StringView kKeepAliveText = u"  \t  ";
+
 class Line {
 public:
     explicit Line(SessionCore& session) : session_(session) {}

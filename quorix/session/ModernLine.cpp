@@ -11,11 +11,9 @@ namespace quorix {
 
 namespace {
 
-constexpr std::int32_t kSecond = 1000;
 constexpr std::uint16_t kUsualPort = 5222;
 constexpr std::int32_t kLongestWait = 16;  // intervals between two attempts
 constexpr const char* kService = "xmpp-client";
-constexpr StringView kKeepAliveText = u"  \t  ";
 constexpr StringView kNoAnswer = u"408";
 
 // A quarter shorter to a quarter longer.
@@ -47,7 +45,7 @@ void ModernLine::AttemptBegins() {
     Environment::Current().CancelLookUp(std::exchange(lookUp_, 0));
     login_.Stop();
     if (session_.loginTimeout_ > 0) {
-        Start(login_, std::int64_t{session_.loginTimeout_} * kSecond, &ModernLine::OnLoginLate);
+        Start(login_, std::int64_t{session_.loginTimeout_} * kMillisecondsASecond, &ModernLine::OnLoginLate);
     }
 }
 
@@ -164,7 +162,7 @@ void ModernLine::Retry() {
         session_.connectionWanted_ = false;
         return session_.RaiseError(kNoAnswer, u"Reconnecting has been given up");
     }
-    std::int64_t interval = std::int64_t{session_.reconnectInterval_} * kSecond;
+    std::int64_t interval = std::int64_t{session_.reconnectInterval_} * kMillisecondsASecond;
     std::int64_t wait = interval * std::min(1 << std::min(retries_, 4), kLongestWait);
     wait = Spread(wait, Environment::Current().Random());
     ++retries_;
@@ -175,7 +173,7 @@ void ModernLine::Retry() {
 std::int32_t ModernLine::RetryDelay() const {
     if (!retry_.IsRunning()) return 0;
     std::int64_t left = std::max<std::int64_t>(retryDue_ - Environment::Current().Milliseconds(), 1);
-    return static_cast<std::int32_t>((left + kSecond - 1) / kSecond);
+    return static_cast<std::int32_t>((left + kMillisecondsASecond - 1) / kMillisecondsASecond);
 }
 
 void ModernLine::OnRetryDue() {

@@ -14,7 +14,6 @@ namespace quorix {
 
 namespace {
 
-constexpr StringView kKeepAliveText = u"  \t  ";
 constexpr StringView kStreamsNamespace = u"http://etherx.jabber.org/streams";
 
 // Sets a flag while in scope.

@@ -167,7 +167,8 @@ std::shared_ptr<cRosterItem> cSession::CreateRosterItem() {
 }
 std::int16_t cSession::FindRosterItem(StringView jid) const { return core_->roster_.FindRosterItem(jid); }
 void cSession::ParseReceiveRoster(const NodePtr& message) {
-    NodePtr kept = message;  // handlers may let it go
+    // Handlers may let it go.
+    NodePtr kept = message;  // NOLINT(performance-unnecessary-copy-initialization)
     if (!kept) throw AutomationError(ERR_ObjectNotSet);
     quorix::ParseReceiveRoster(*core_, *kept);
 }

@@ -63,10 +63,6 @@ struct WithTail {
     char** place;
 };
 
-bool IsBlankUtf8(std::string_view text) {
-    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
 template <class T>
 std::size_t SizeOf(const std::vector<T>& items) {
     return items.size() * sizeof(T);
@@ -87,6 +83,10 @@ void CopyTo(char* block, const Items& items) {
 }
 
 }  // namespace
+
+bool IsBlankUtf8(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
 
 void AppendLettersOfBytes(std::string& out, std::string_view bytes) {
     while (true) {

@@ -12,6 +12,8 @@
 
 namespace quorix {
 
+bool IsBlankUtf8(std::string_view text);  // nothing but the white space of XML
+
 class ParsedBuilder {
 public:
     // Names and values, as UTF-8. `attributes`: names and values in turn, ended by null.

@@ -10,10 +10,6 @@ namespace quorix {
 
 namespace {
 
-bool IsBlankUtf8(std::string_view text) {
-    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
 ParsedNode FirstElementFrom(ParsedNode node) {
     while (node && !node.IsElement()) node = node.NextSibling();
     return node;

@@ -23,9 +23,6 @@ namespace {
 
 using Phase = SocketWatch::Phase;
 
-// Microseconds that the timers may take before other sources have their turn.
-constexpr std::int64_t kLongestTurn = 10000;
-
 // How long a listener rests that the system has no descriptor for, in milliseconds.
 constexpr std::int32_t kRestOfAListener = 1000;
 constexpr std::int32_t kTooManyOpen = 10024;

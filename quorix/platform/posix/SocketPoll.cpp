@@ -12,7 +12,6 @@ namespace quorix {
 namespace {
 
 constexpr int kEventsAtOnce = 64;
-constexpr std::int64_t kLongestTurn = 10000;  // microseconds; then other sources have theirs
 
 thread_local SocketPoll* waiting = nullptr;
 

@@ -7,6 +7,7 @@
 
 #include <glib.h>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -14,6 +15,10 @@
 #include "quorix/platform/posix/SocketWatch.h"
 
 namespace quorix {
+
+// Microseconds that what is due of one kind, sockets or timers, may take before other sources have their
+// turn.
+inline constexpr std::int64_t kLongestTurn = 10000;
 
 class SocketPoll {
 public:

@@ -38,7 +38,7 @@ void ConsoleScreen::Start(Size size, const std::string& program) const {
 ConsoleScreen::~ConsoleScreen() { Terminal({"kill-server"}); }
 
 // Each has a server of its own, so that no test meets another, or a person at work.
-std::string ConsoleScreen::Terminal(std::vector<std::string> command) const {
+std::string ConsoleScreen::Terminal(const std::vector<std::string>& command) const {
     std::string line = "tmux -u -S " + (folder_.Path() / "socket").string();
     for (const std::string& word : command) line += " " + (word == ";" ? word : "\"" + word + "\"");
     FILE* pipe = popen((line + " 2>/dev/null").c_str(), "r");

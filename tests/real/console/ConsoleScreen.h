@@ -43,7 +43,7 @@ public:
 
 private:
     void Start(Size size, const std::string& program) const;
-    std::string Terminal(std::vector<std::string> command) const;
+    std::string Terminal(const std::vector<std::string>& command) const;
 
     testkit::TemporaryFolder folder_;
 };
