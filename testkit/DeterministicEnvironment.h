@@ -90,6 +90,8 @@ public:
 
     // Lets the n-th call from now (1 is the next) fail.
     void Fail(Call call, int nth, std::int32_t error) { failures_[call] = {nth, error}; }
+    // Whether that call has come, or none was to fail.
+    bool HasFailed(Call call) const { return failures_.count(call) == 0; }
 
     // Plays the peer of a socket that waits without the pump.
     void WhileWaiting(std::function<void()> play) { whileWaiting_ = std::move(play); }

@@ -5,8 +5,7 @@
 #include <functional>
 
 #include "quorix/xml/XmlDocument.h"
-#include "testkit/DeterministicEnvironment.h"
-#include "testkit/EventRecorder.h"
+#include "testkit/Day.h"
 #include "testkit/TemporaryFolder.h"
 #include "tests/memory/Allocation.h"
 
@@ -101,54 +100,16 @@ TEST(MemoryRunsOut, InAQuery) {
     EXPECT_EQ(std::exchange(printed, 0), 0);
 }
 
-class SessionsDay {
-public:
-    explicit SessionsDay(eMode mode) {
-        session_->Mode(mode);
-        session_->Advise(events_);
-        session_->ServerAddress(u"s");
-        session_->Port(5222);
-        session_->username(u"u");
-        session_->Password(u"p");
-        session_->Resource(u"r");
-        session_->Connect();
-        environment_.DoEvents();
-    }
-
-    std::string Result() {
-        Say("<stream:stream id='s1' from='s' xmlns='jabber:client' "
-            "xmlns:stream='http://etherx.jabber.org/streams'>");
-        Say("<iq type='result' id='kv_login'/>");
-        Say("<iq type='result' from='u@s'><query xmlns='jabber:iq:roster'>"
-            "<item jid='a@s' name='A' subscription='both'><group>G</group></item></query></iq>");
-        Say("<presence from='a@s/r'><priority>1</priority><show>away</show></presence>");
-        Say("<message from='a@s/r' type='chat'><body>hallo</body><x xmlns='jabber:x:event'><composing/></x>"
-            "<x xmlns='jabber:x:data' type='form'><field var='v' type='text-single'><value>w</value></field>"
-            "</x></message>");
-        session_->SendPresence(u"", KV_Available, u"da");
-        session_->CreateMessage(u"a@s", MSG_Chat, u"Betreff", u"Text")->SendMessage();
-        session_->Disconnect();
-        environment_.DoEvents();
-        std::string all;
-        for (const std::string& line : events_->lines) all += line + '\n';
-        return all;
-    }
-
-private:
-    void Say(std::string_view bytes) {
-        environment_.Peer().Say(bytes);
-        environment_.DoEvents();
-    }
-
-    testkit::DeterministicEnvironment environment_;
-    std::shared_ptr<cSession> session_ = cSession::Create();
-    std::shared_ptr<testkit::EventRecorder> events_ = std::make_shared<testkit::EventRecorder>();
-};
-
 class MemoryRunsOutIn : public ::testing::TestWithParam<eMode> {};
 
 TEST_P(MemoryRunsOutIn, ASessionsDay) {
-    Sweep([] { return SessionsDay(GetParam()).Result(); });
+    Sweep([] {
+        testkit::Day day(GetParam());
+        day.Run();
+        std::string all;
+        for (const std::string& line : day.events->lines) all += line + '\n';
+        return all;
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, MemoryRunsOutIn, ::testing::Values(KV_Classic, KV_Modern));
