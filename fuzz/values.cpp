@@ -5,6 +5,7 @@
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/WireText.h"
+#include "quorix/base/XmlText.h"
 #include "quorix/base/modUTF_8.h"
 
 namespace quorix {
@@ -17,7 +18,7 @@ void Expect(bool holds) {
 void CheckCodec(StringView text) {
     String wire = EncodeUTF8(text, true);
     bool encodable = text.find_first_of(u'&') == StringView::npos && wire.size() <= kMaxCodecUnits;
-    for (char16_t unit : text) encodable = encodable && unit < 0x8000;
+    for (char16_t unit : text) encodable = encodable && unit < 0x8000 && !IsForbidden(unit);
     if (encodable) Expect(DecodeUTF8(wire, true) == text);
     Expect(DecodeUTF8(text, true).size() <= text.size());
     Expect(TextFromUtf8(Utf8FromText(text)).size() == text.size());

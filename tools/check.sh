@@ -6,10 +6,10 @@ cd "$(dirname "$0")/.."
 . tools/steps.sh
 
 cat <<'TEXT'
-Checks format, includes and lint, runs the tests with sanitizers, and tries each fuzz target for a few seconds.
-On two processors this takes up to 20 minutes from nothing, and 5 when little has changed.
+Checks format, includes and lint, runs the tests, the torture and the fuzz corpora with sanitizers, and counts the
+instructions of the main paths. On two processors this takes up to 20 minutes from nothing, 5 when little has changed.
 TEXT
-need build console test check fuzz
+need build console test check fuzz bench
 need_servers servers
 
 step "Format"
@@ -20,6 +20,7 @@ step "Lint"
 configure dev
 tools/lint.py build/dev
 build_and_test asan
-step "Fuzz"
-./run fuzz 5
+build_and_test tsan quorix_torture
+step "Instructions"
+./run bench check
 step "Done"
