@@ -42,27 +42,6 @@ TEST_P(Chat, ASubscriptionIsAskedForGrantedAndEnded) {
     EXPECT_EQ(ann->FindPresence(bob.jid, u"work", true) > 0, !isTakenBack);
 }
 
-TEST_P(Chat, ASubscriptionIsDeniedAndTakenBack) {
-    Person ann(Server().Port(), u"deny.ann", u"home");
-    Person bob(Server().Port(), u"deny.bob", u"work");
-    ASSERT_TRUE(ann.Join() && bob.Join());
-    ann->SendPresence(bob.jid, KV_Subscribe, u"");
-    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest deny.ann@localhost 2"));
-    bob->SendPresence(ann.jid, KV_Subscribe_Deny, u"");
-    ASSERT_TRUE(bob.Settle() && ann.Settle());
-    // jabberd2 tells nobody that a subscription was denied which there never was.
-    bool isTold = GetParam() != ServerKind::jabberd2;
-    EXPECT_EQ(ann.HasSeen("OnSubscriptionDenied deny.bob@localhost"), isTold);
-
-    ann->SendPresence(bob.jid, KV_Subscribe, u"");
-    ASSERT_TRUE(bob.Sees("OnSubscriptionRequest deny.ann@localhost 2"));
-    bob->SendPresence(ann.jid, KV_Subscribe_Accept, u"");
-    ASSERT_TRUE(ann.Sees("OnPresence deny.bob@localhost work 1"));
-    bob->SendPresence(ann.jid, KV_Subscribe_Deny, u"");
-    EXPECT_TRUE(ann.Sees("OnSubscriptionDenied deny.bob@localhost"));
-    EXPECT_TRUE(ann.Await([&] { return ann->FindPresence(bob.jid, u"work", true) == 0; }));
-}
-
 TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
     Person home(Server().Port(), u"rost.ann", u"home");
     Person work(Server().Port(), u"rost.ann", u"work");
@@ -124,32 +103,6 @@ TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
     EXPECT_TRUE(ann.Sees("OnMessageEvent 1 2 ev.bob@localhost/work"));
     EXPECT_TRUE(ann.Sees("OnMessageEvent 1 1 ev.bob@localhost/work"));
     EXPECT_TRUE(ann.Sees("OnMessage ")) << "the report taken back names no event";
-}
-
-TEST_P(Chat, MarkupContactsAndCopiesArrive) {
-    Person ann(Server().Port(), u"ext.ann", u"home");
-    Person bob(Server().Port(), u"ext.bob", u"work");
-    Person eve(Server().Port(), u"ext.eve", u"work");
-    ASSERT_TRUE(ann.Join() && bob.Join() && eve.Join());
-
-    auto message = ann->CreateMessage(u"ext.bob@localhost/work", MSG_Normal, u"plain", u"S\u00e9");
-    message->XHTML(u"<p>h\u00e9 <em>you</em></p>");
-    message->AddCC(u"ext.eve@localhost/work");
-    message->SendMessage();
-    ASSERT_TRUE(bob.Sees("OnMessage plain") && eve.Sees("OnMessage plain"));
-    EXPECT_EQ(bob.log->messages.back()->XHTML(), u"<p>h\u00e9 <em>you</em></p>");
-    EXPECT_EQ(bob.log->messages.back()->Subject(), u"S\u00e9");
-    EXPECT_TRUE(eve.log->messages.back()->HasCC());
-    EXPECT_EQ(eve.log->messages.back()->XHTML(), u"") << "a copy holds body and subject";
-
-    auto contact = ann->CreateRosterItem();
-    contact->JID(eve.jid);
-    contact->NickName(u"\u00c8ve");
-    auto gift = ann->CreateMessage(u"ext.bob@localhost/work", MSG_Normal, u"", u"");
-    gift->AddRoster(contact);
-    gift->SendMessage();
-    ASSERT_TRUE(bob.Sees("OnReceiveRosterItem ext.eve@localhost"));
-    EXPECT_EQ(bob->Convert2Unicode(bob.log->received.back()->NickName()), u"\u00c8ve");
 }
 
 TEST_P(Chat, AMessageWaitsForItsRecipient) {

@@ -7,7 +7,6 @@ namespace quorix::real {
 namespace {
 
 using ::testing::Contains;
-using ::testing::ContainsRegex;
 
 class User : public Person {
 public:
@@ -47,17 +46,6 @@ TEST_P(Services, CreateChangeAndRemoveAnAccount) {
         EXPECT_TRUE(user.AwaitEvent("OnAccountRemoved"));
     }
     EXPECT_TRUE(user.Await([&] { return IsFree(u"rosa"); }));
-}
-
-// Some servers send a text with an error, some a code.
-TEST_P(Services, RefuseAnAccountThatIsThere) {
-    User first(Server(), u"taken");
-    ASSERT_TRUE(first.Join());
-    const User second(Server(), u"taken");
-    second->Connect(true);
-    EXPECT_TRUE(second.AwaitEvent("OnIQError") && second.Hears("kv_newuser"));
-    EXPECT_THAT(second.Events().lines, Contains(ContainsRegex("^OnIQError [^ ]* (409 |0 .)")));
-    EXPECT_EQ(second.Events().Count("OnNewUserCreated"), 0U);
 }
 
 TEST_P(Services, TellVersionTimeAndLastActivity) {

@@ -175,6 +175,7 @@ void Runner::OnEvent(const std::string& event, const Values& arguments) {
     const bool isTraffic = event == "OnIncomingXML" || event == "OnOutgoingXML";
     const std::string expected = next_ < steps_.size() ? steps_[next_].text : "";
     if (!failure_.empty() || (isTraffic && !expected.starts_with(event))) return;
+    std::erase_if(names_, [](const auto& name) { return name.first.starts_with('$'); });
     for (std::size_t i = 0; i < arguments.size(); ++i) names_["$" + std::to_string(i + 1)] = arguments[i];
     try {
         Match(expected, event);

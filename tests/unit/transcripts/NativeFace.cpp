@@ -1,5 +1,6 @@
 #include "tests/unit/transcripts/NativeFace.h"
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
 
@@ -16,10 +17,24 @@ class Ear : public scripting::Listener {
 public:
     explicit Ear(EventHandler onEvent) : onEvent_(std::move(onEvent)) {}
     void OnEvent(const scripting::Event& event, const Values& arguments) override {
-        onEvent_(event.name, arguments);
+        onEvent_(Fits(event, arguments) ? event.name : event.name + std::string(" with other arguments"),
+                 arguments);
     }
 
 private:
+    // Whether the arguments are of the kinds that the event declares.
+    static bool Fits(const scripting::Event& event, const Values& arguments) {
+        static const std::map<scripting::Kind, Value> examples = {
+            {scripting::Kind::Boolean, false},        {scripting::Kind::Int16, std::int16_t()},
+            {scripting::Kind::Int32, std::int32_t()}, {scripting::Kind::Text, String()},
+            {scripting::Kind::Object, Object()},
+        };
+        return std::equal(arguments.begin(), arguments.end(), event.parameters.begin(),
+                          event.parameters.end(), [](const Value& value, const scripting::Type& type) {
+                              return value.index() == examples.at(type.kind).index();
+                          });
+    }
+
     EventHandler onEvent_;
 };
 
