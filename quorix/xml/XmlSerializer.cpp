@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "quorix/base/WireText.h"
 #include "quorix/base/XmlText.h"
@@ -25,65 +26,99 @@ constexpr Specials SpecialsOf(std::string_view characters) {
 constexpr Specials kInContent = SpecialsOf("&<>\r");
 constexpr Specials kInQuotes = SpecialsOf("&<>\"\t\n\r");
 
-void AppendEscaped(String& out, std::string_view text, Place place) {
+// Joins the pieces of a text, and makes UTF-16 of many at once; but a text never stands there twice.
+class Joiner {
+public:
+    explicit Joiner(std::size_t size) {
+        if (size > kMost) {
+            text_.reserve(size);
+        } else {
+            utf8_.reserve(size);
+        }
+    }
+
+    Joiner& Append(std::string_view utf8) {
+        if (utf8_.size() + utf8.size() > kMost) Convert();
+        if (utf8.size() > kMost) {
+            AppendText(text_, utf8);
+        } else {
+            utf8_ += utf8;
+        }
+        return *this;
+    }
+    Joiner& Append(StringView ascii) {
+        utf8_.append(ascii.begin(), ascii.end());
+        return *this;
+    }
+
+    String Take() {
+        if (text_.empty()) return TextFromUtf8(utf8_);
+        Convert();
+        return std::move(text_);
+    }
+
+private:
+    static constexpr std::size_t kMost = 4096;
+
+    void Convert() {
+        AppendText(text_, utf8_);
+        utf8_.clear();
+    }
+
+    std::string utf8_;
+    String text_;
+};
+
+void AppendEscaped(Joiner& out, std::string_view text, Place place) {
     const Specials& specials = place == Place::Content ? kInContent : kInQuotes;
     std::size_t copied = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
         auto byte = static_cast<unsigned char>(text[at]);
         if (!specials[byte]) continue;
-        AppendText(out, text.substr(copied, at - copied));
-        out.append(ReferenceOf(byte, place));
+        out.Append(text.substr(copied, at - copied)).Append(ReferenceOf(byte, place));
         copied = at + 1;
     }
-    AppendText(out, text.substr(copied));
+    out.Append(text.substr(copied));
 }
 
-void AppendAttribute(String& out, std::string_view name, std::string_view value) {
-    AppendText(out, name);
-    out.append(u"=\"");
+void AppendAttribute(Joiner& out, std::string_view name, std::string_view value) {
+    out.Append(name).Append("=\"");
     AppendEscaped(out, value, Place::DoubleQuotes);
-    out += u'"';
+    out.Append("\"");
 }
 
 // -- Writing --
 
-void AppendBetween(String& out, StringView opening, std::string_view content, StringView closing) {
-    out.append(opening);
-    AppendText(out, content);
-    out.append(closing);
-}
-
 template <class Node>
-void OpenElement(String& out, const Node& element) {
-    AppendBetween(out, u"<", NameOf(element), {});
+void OpenElement(Joiner& out, const Node& element) {
+    out.Append("<").Append(NameOf(element));
     ForEachAttribute(element, [&](std::string_view name, std::string_view value) {
-        out += u' ';
+        out.Append(" ");
         AppendAttribute(out, name, value);
     });
-    out.append(FirstChildOf(element) ? u">" : u"/>");
+    out.Append(FirstChildOf(element) ? ">" : "/>");
 }
 
 template <class Node>
-void AppendInstruction(String& out, const Node& node) {
+void AppendInstruction(Joiner& out, const Node& node) {
     std::string_view data = ContentOf(node);
-    AppendBetween(out, u"<?", NameOf(node), data.empty() ? u"" : u" ");
-    AppendBetween(out, {}, data, u"?>");
+    out.Append("<?").Append(NameOf(node)).Append(data.empty() ? "" : " ").Append(data).Append("?>");
 }
 
 // All of a leaf, the opening tag of an element.
 template <class Node>
-void Open(String& out, const Node& node) {
+void Open(Joiner& out, const Node& node) {
     switch (KindOf(node)) {
         case XmlKind::Element: return OpenElement(out, node);
         case XmlKind::Text: return AppendEscaped(out, ContentOf(node), Place::Content);
-        case XmlKind::CData: return AppendBetween(out, u"<![CDATA[", ContentOf(node), u"]]>");
-        case XmlKind::Comment: return AppendBetween(out, u"<!--", ContentOf(node), u"-->");
+        case XmlKind::CData: out.Append("<![CDATA[").Append(ContentOf(node)).Append("]]>"); return;
+        case XmlKind::Comment: out.Append("<!--").Append(ContentOf(node)).Append("-->"); return;
         case XmlKind::Instruction: return AppendInstruction(out, node);
     }
 }
 
 template <class Node>
-void AppendNode(String& out, const Node& top) {
+void AppendNode(Joiner& out, const Node& top) {
     Node node = top;
     while (true) {
         Open(out, node);
@@ -93,7 +128,7 @@ void AppendNode(String& out, const Node& top) {
         }
         while (!(node == top) && !NextOf(node)) {
             node = ParentOf(node);
-            AppendBetween(out, u"</", NameOf(node), u">");
+            out.Append("</").Append(NameOf(node)).Append(">");
         }
         if (node == top) return;
         node = NextOf(node);
@@ -103,7 +138,7 @@ void AppendNode(String& out, const Node& top) {
 }  // namespace
 
 String Serialize(const xmlNode* top) {
-    String out;
+    Joiner out(0);
     if (top->type == XML_ATTRIBUTE_NODE) {
         const auto* attribute = reinterpret_cast<const xmlAttr*>(top);
         AppendAttribute(out, Chars(attribute->name), ValueOf(attribute));
@@ -112,15 +147,14 @@ String Serialize(const xmlNode* top) {
     } else {
         AppendNode(out, top);
     }
-    return out;
+    return out.Take();
 }
 
 String Serialize(const ParsedNode& top) {
     const std::size_t size = top.RawSize();
-    String out;
-    out.reserve(size + size / 8 + kMostMarkup);
+    Joiner out(size + size / 8 + kMostMarkup);
     AppendNode(out, top);
-    return out;
+    return out.Take();
 }
 
 }  // namespace quorix
