@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "apps/console/Clean.h"
-#include "apps/console/Mask.h"
 #include "apps/console/Parameters.h"
 #include "apps/console/Wrap.h"
+#include "quorix/base/Mask.h"
 #include "quorix/base/WireText.h"
 
 namespace quorix::console {

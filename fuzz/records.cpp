@@ -5,6 +5,7 @@
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/WireText.h"
+#include "quorix/xml/ParsedXml.h"
 #include "quorix/xml/cXML_Node.h"
 #include "testkit/TemporaryFolder.h"
 

@@ -18,7 +18,6 @@ DECLARATION = re.compile(r"(struct|class|enum|template|using|void|int)\b")
 PRELUDE = """#include <iostream>
 #include <vector>
 #include "quorix/base/WireText.h"
-#include "quorix/net/mSocketSSL.h"
 #include "quorix/platform/MessageLoop.h"
 #include "quorix/session/cSession.h"
 #include "quorix/xml/cXML_Writer.h"

@@ -4,10 +4,10 @@
 #include <glib.h>
 
 #include "apps/console/Console.h"
-#include "apps/console/Mask.h"
 #include "apps/console/Proxy.h"
 #include "apps/console/StanzaError.h"
 #include "apps/console/Text.h"
+#include "quorix/base/Mask.h"
 #include "quorix/base/WireText.h"
 
 namespace quorix::console {

@@ -5,6 +5,7 @@
 #include "apps/demo/ServiceTour.h"
 #include "quorix/base/WireText.h"
 #include "quorix/platform/MessageLoop.h"
+#include "quorix/platform/Timer.h"
 #include "quorix/session/cSession.h"
 #include "testkit/LoopbackServer.h"
 
@@ -127,11 +128,11 @@ bool RunDemo() {
     session->Resource(u"demo");
     session->ReconnectInterval(1);
 
-    TimerId limit = Environment::Current().SetTimer(kTimeLimit, GiveUp);
+    Timer limit;
+    limit.Start(kTimeLimit, GiveUp);
     Say(Concat({u"connect     to ", session->ServerAddress(), u":", ToString(port)}));
     session->Connect();
     MessageLoop::Run();
-    Environment::Current().KillTimer(limit);
     return demo->Succeeded();
 }
 

@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
@@ -23,7 +24,7 @@ enum eErrorNumber : std::int32_t {
     ERR_NotConnected = 10057,   ///< a sender of a session that is not connected, in KV_Modern
 };
 
-class AutomationError : public std::runtime_error {
+class QUORIX_API AutomationError : public std::runtime_error {
 public:
     /// With the number's classic text.
     explicit AutomationError(std::int32_t number);

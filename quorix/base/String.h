@@ -12,30 +12,32 @@
 #include <string>
 #include <string_view>
 
+#include "quorix/base/Export.h"
+
 namespace quorix {
 
 using String = std::u16string;
 using StringView = std::u16string_view;
 
 /// All parts in one string, with one allocation.
-String Concat(std::initializer_list<StringView> parts);
+QUORIX_API String Concat(std::initializer_list<StringView> parts);
 
 /// `value` in decimal, with a minus sign when negative.
-String ToString(std::int64_t value);
+QUORIX_API String ToString(std::int64_t value);
 
-String ToLower(StringView text);
-void FoldToLower(String& text, std::size_t count);  // its first `count` characters
-String ToUpper(StringView text);
-bool EqualsIgnoringCase(StringView left, StringView right);
-std::weak_ordering CompareIgnoringCase(StringView left, StringView right);
-bool StartsWith(StringView text, StringView prefix);
+QUORIX_API String ToLower(StringView text);
+QUORIX_API void FoldToLower(String& text, std::size_t count);  // its first `count` characters
+QUORIX_API String ToUpper(StringView text);
+QUORIX_API bool EqualsIgnoringCase(StringView left, StringView right);
+QUORIX_API std::weak_ordering CompareIgnoringCase(StringView left, StringView right);
+QUORIX_API bool StartsWith(StringView text, StringView prefix);
 
 /// `text` without the white space (blank, tab, CR, LF) at its ends.
-StringView Trim(StringView text);
-bool IsSpace(char16_t c);
-bool IsBlank(StringView text);
+QUORIX_API StringView Trim(StringView text);
+QUORIX_API bool IsSpace(char16_t c);
+QUORIX_API bool IsBlank(StringView text);
 
 /// `text` with every occurrence of `from` replaced, scanning once from the left.
-String ReplaceAll(StringView text, StringView from, StringView to);
+QUORIX_API String ReplaceAll(StringView text, StringView from, StringView to);
 
 }  // namespace quorix

@@ -2,7 +2,33 @@
 
 #include <algorithm>
 
+#include "quorix/im/RecordIndex.h"
+
 namespace quorix {
+
+class PresenceIndex {
+public:
+    struct Contact {
+        Ordered<String> byResource;
+        Ordered<std::int16_t> byPriority;
+        std::set<Sequence> all;
+    };
+
+    void Learn(Sequence sequence, const cPresenceItem& item);
+    void Forget(Sequence sequence, const cPresenceItem& item);
+
+    // Null when the address has no entry.
+    const Contact* Find(StringView jid) const;
+
+private:
+    StringMap<Contact> contacts_;
+};
+
+template class Collection<std::shared_ptr<cPresenceItem>>;
+template class RecordTable<cPresenceItem, PresenceIndex>;
+
+PresenceTable::PresenceTable() = default;
+PresenceTable::~PresenceTable() = default;
 
 void PresenceIndex::Learn(Sequence sequence, const cPresenceItem& item) {
     Contact learnt;

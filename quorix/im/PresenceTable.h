@@ -2,31 +2,19 @@
 /// The presences that the session has seen, one entry for each address and resource, in order of arrival.
 #pragma once
 
+#include "quorix/base/Export.h"
 #include "quorix/im/RecordTable.h"
 #include "quorix/im/cPresenceItem.h"
 
 namespace quorix {
 
-class PresenceIndex {
+class PresenceIndex;
+
+class QUORIX_API PresenceTable final : public RecordTable<cPresenceItem, PresenceIndex> {
 public:
-    struct Contact {
-        Ordered<String> byResource;
-        Ordered<std::int16_t> byPriority;
-        std::set<Sequence> all;
-    };
+    PresenceTable();
+    ~PresenceTable() override;
 
-    void Learn(Sequence sequence, const cPresenceItem& item);
-    void Forget(Sequence sequence, const cPresenceItem& item);
-
-    /// Null when the address has no entry.
-    const Contact* Find(StringView jid) const;
-
-private:
-    StringMap<Contact> contacts_;
-};
-
-class PresenceTable : public RecordTable<cPresenceItem, PresenceIndex> {
-public:
     /// The 1-based index of an entry, 0 when there is none. Addresses and resources are text, compared
     /// exactly.
     /// - With `resource`: its entry; `primary` is ignored.

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "quorix/im/cRosterItem.h"
+#include "quorix/xml/AskRoot.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {
@@ -27,7 +28,7 @@ void RaiseContacts(SessionLink& session, const Node& message) {
 }  // namespace
 
 void ParseReceiveRoster(SessionLink& session, const cXML_Node& message) {
-    message.AskRoot([&](const auto& root) { RaiseContacts(session, root); });
+    AskRoot(message, [&](const auto& root) { RaiseContacts(session, root); });
 }
 
 }  // namespace quorix

@@ -1,13 +1,70 @@
 #include "quorix/im/RosterTable.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
+#include "quorix/im/PresenceTable.h"
+#include "quorix/im/RecordIndex.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/link/Stanza.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {
+
+class RosterIndex {
+public:
+    void Learn(Sequence sequence, const cRosterItem& item);
+    void Forget(Sequence sequence, const cRosterItem& item);
+
+    // The first entry of exactly this address, 0 when there is none.
+    Sequence Find(StringView jid) const;
+    bool ContainsIgnoringCase(StringView jid) const;
+
+private:
+    struct Entry {
+        std::size_t hash;  // of the address, ASCII case aside
+        Sequence sequence;
+        const cRosterItem* item;
+    };
+    struct Key {
+        Key(StringView jid, Sequence sequence);
+        Key(const Entry& entry);  // NOLINT(google-explicit-constructor): what an entry is found by
+        std::size_t hash;
+        Sequence sequence;
+        StringView jid;
+    };
+    // By hash, so that few comparisons read an address. Those that are one but for their case stand together,
+    // upper case first.
+    struct Order {
+        using is_transparent = void;
+        bool operator()(const Key& left, const Key& right) const;
+    };
+    // The addresses themselves stand in the records alone.
+    std::set<Entry, Order> byJid_;
+};
+
+// The group lists of all contacts, each once.
+class GroupLists {
+public:
+    // The list that holds the same groups as `list` in the same order.
+    GroupListPtr Shared(const GroupListPtr& list);
+
+private:
+    struct ByGroups {
+        bool operator()(const GroupListPtr& left, const GroupListPtr& right) const;
+    };
+    std::set<GroupListPtr, ByGroups> lists_;
+    std::size_t enough_ = 100;  // when some may be nobody's any more
+};
+
+template class Collection<std::shared_ptr<cRosterItem>>;
+template class RecordTable<cRosterItem, RosterIndex>;
+
+RosterTable::RosterTable() : groupLists_(std::make_unique<GroupLists>()) {}
+RosterTable::~RosterTable() = default;
 
 namespace {
 
@@ -70,6 +127,8 @@ std::int16_t RosterTable::FindRosterItem(StringView jid) const {
     return found ? ToInt16(IndexOf(found)) : std::int16_t{0};
 }
 
+bool RosterTable::Contains(StringView jid) const { return GetIndex().ContainsIgnoringCase(jid); }
+
 void RosterTable::ParseRoster(const std::shared_ptr<SessionLink>& session, const PresenceTable& presences,
                               const Stanza& stanza) {
     if (!stanza.IsResult() && !stanza.IsSet()) return;
@@ -109,7 +168,7 @@ void RosterTable::Fill(const TextRules& rules, cRosterItem& item, const ParsedNo
     item.NickName(rules.Read(name));
     ReadState(item, element);
     AddGroups(rules, item, element, EmptyGroups::Keep);
-    item.groups_ = groupLists_.Shared(item.groups_);
+    item.groups_ = groupLists_->Shared(item.groups_);
 }
 
 // A contact that stays keeps the name it is shown under, whatever the server says; one that goes takes the
@@ -120,7 +179,7 @@ void RosterTable::Update(const TextRules& rules, cRosterItem& item, const Parsed
     if (!element.FirstChild()) return;
     item.RemoveAllGroups();
     AddGroups(rules, item, element, EmptyGroups::Skip);
-    item.groups_ = groupLists_.Shared(item.groups_);
+    item.groups_ = groupLists_->Shared(item.groups_);
 }
 
 void RosterTable::ReadState(cRosterItem& item, const ParsedNode& element) {

@@ -2,11 +2,19 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
+#include "quorix/base/AutomationError.h"
 #include "quorix/base/Jid.h"
+#include "quorix/im/AddressList.h"
+#include "quorix/im/MessageDraft.h"
 #include "quorix/im/Xhtml.h"
+#include "quorix/im/cRosterItem.h"
+#include "quorix/link/SessionLink.h"
+#include "quorix/xml/AskRoot.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {
@@ -32,65 +40,144 @@ XmlNode AppendRecipient(XmlNode list, StringView kind, StringView jid) {
 
 }  // namespace
 
+struct cMessage::Content {
+    Content(const std::shared_ptr<SessionLink>& theSession, MessageDraft theDraft)
+        : draft(std::move(theDraft)), session(theSession), text(theSession->Text()) {}
+    Content(const std::shared_ptr<SessionLink>& theSession, NodePtr theNode)
+        : node(std::move(theNode)),
+          session(theSession),
+          text(theSession ? theSession->Text() : ClassicText()) {}
+
+    struct Recipients {
+        std::vector<String> all;      // of both kinds, in the order of the list
+        std::vector<String> visible;  // those that every copy names
+    };
+
+    // A value by its name in the element, and in a draft.
+    struct Field {
+        StringView name;
+        String MessageDraft::*value;
+    };
+    static constexpr Field kID{u"id", &MessageDraft::id};
+    static constexpr Field kType{u"type", &MessageDraft::type};
+    static constexpr Field kTo{u"to", &MessageDraft::to};
+    static constexpr Field kFrom{u"from", &MessageDraft::from};
+    static constexpr Field kBody{u"body", &MessageDraft::body};
+    static constexpr Field kSubject{u"subject", &MessageDraft::subject};
+
+    // The node, which is made of the draft when it is asked for.
+    const NodePtr& Node() const;
+    XmlNode Root() const { return Node()->Root(); }  // to be written to
+    template <class Read>
+    auto Ask(Read read) const {
+        return AskRoot(*Node(), read);
+    }
+
+    String Attribute(const Field& field) const;
+    void Attribute(const Field& field, StringView value);
+    String ChildText(const Field& field) const;
+    void ChildText(const Field& field, StringView value);
+    XmlNode Extension(StringView xmlns) const;
+    XmlNode AppendExtension(StringView xmlns);
+    XmlNode NeedExtension(StringView xmlns);
+    XmlNode ListOf(const AddressList& list, StringView xmlns);
+    String TagIn(StringView xmlns, StringView tag) const;
+    void AddCopy(StringView kind, StringView jid);
+    Recipients ListedRecipients() const;
+    // For the recipient `jid`.
+    static std::shared_ptr<cMessage> CopyOf(const cMessage& message,
+                                            const std::shared_ptr<SessionLink>& session, StringView jid,
+                                            const Recipients& recipients);
+
+    bool HasCC() const { return !draft && node->TagExists(u"cc"); }
+    String Xml() const { return draft ? draft->Xml(text) : node->xml(); }
+
+    mutable std::optional<MessageDraft> draft;  // either this or the node
+    mutable NodePtr node;
+    std::weak_ptr<SessionLink> session;
+    const TextRules& text;   // those of the session when the message was made
+    AddressList rosterList;  // that AddRoster fills
+    AddressList copyList;    // that AddCC and AddBCC fill
+    bool filterCriticalXHTML = true;
+};
+
 std::shared_ptr<cMessage> cMessage::Create(const std::shared_ptr<SessionLink>& session) {
     MessageDraft draft;
     draft.id = session->GetNextID();
     draft.from = Concat({session->MyJid(), u"/", session->Text().ToNode(session->Resource())});
-    return std::shared_ptr<cMessage>(new cMessage(session, std::move(draft)));
+    auto content = std::make_unique<Content>(session, std::move(draft));
+    return std::shared_ptr<cMessage>(new cMessage(std::move(content)));
 }
 
-cMessage::cMessage(const std::shared_ptr<SessionLink>& session, MessageDraft draft)
-    : draft_(std::move(draft)), text_(session->Text()), session_(session) {}
+cMessage::cMessage(std::unique_ptr<Content> content) : content_(std::move(content)) {}
 
 cMessage::cMessage(const std::shared_ptr<SessionLink>& session, NodePtr node)
-    : node_(std::move(node)), text_(session ? session->Text() : ClassicText()), session_(session) {}
+    : content_(std::make_unique<Content>(session, std::move(node))) {}
 
-const NodePtr& cMessage::Node() const {
-    if (draft_) {
-        node_ = std::make_shared<cXML_Node>();
-        node_->xml(draft_->Xml(text_));
-        draft_.reset();
+cMessage::~cMessage() = default;
+cMessage::cMessage(cMessage&&) noexcept = default;
+
+const NodePtr& cMessage::Content::Node() const {
+    if (draft) {
+        node = std::make_shared<cXML_Node>();
+        node->xml(draft->Xml(text));
+        draft.reset();
     }
-    return node_;
+    return node;
 }
 
-String cMessage::Attribute(const Field& field) const {
-    if (draft_) return WithoutForbidden(*draft_.*field.value);
-    return AskRoot([&](const auto& root) { return root.Attribute(field.name); });
+String cMessage::Content::Attribute(const Field& field) const {
+    if (draft) return WithoutForbidden(*draft.*field.value);
+    return Ask([&](const auto& root) { return root.Attribute(field.name); });
 }
 
-void cMessage::Attribute(const Field& field, StringView value) {
-    if (!draft_) return Root().SetAttribute(field.name, value);
-    *draft_.*field.value = value;
+void cMessage::Content::Attribute(const Field& field, StringView value) {
+    if (!draft) return Root().SetAttribute(field.name, value);
+    *draft.*field.value = value;
 }
 
-String cMessage::ChildText(const Field& field) const {
-    if (draft_) return text_.Read(text_.ToNode(*draft_.*field.value));
-    return text_.Read(AskRoot([&](const auto& root) { return root.Child(field.name).Text(); }));
+String cMessage::Content::ChildText(const Field& field) const {
+    if (draft) return text.Read(text.ToNode(*draft.*field.value));
+    return text.Read(Ask([&](const auto& root) { return root.Child(field.name).Text(); }));
 }
 
-void cMessage::ChildText(const Field& field, StringView value) {
+void cMessage::Content::ChildText(const Field& field, StringView value) {
     if (value.empty()) return;
-    if (draft_) {
-        *draft_.*field.value = value;
-        draft_->subjectFirst |= draft_->body.empty();
+    if (draft) {
+        *draft.*field.value = value;
+        draft->subjectFirst |= draft->body.empty();
         return;
     }
     XmlNode child = Root().Child(field.name);
     if (!child) child = Root().AppendElement(field.name);
-    child.Text(text_.ToNode(value));
+    child.Text(text.ToNode(value));
 }
+
+String cMessage::ID() const { return content_->Attribute(Content::kID); }
+void cMessage::ID(StringView value) { content_->Attribute(Content::kID, value); }
+String cMessage::ToJID() const { return content_->Attribute(Content::kTo); }
+void cMessage::ToJID(StringView value) { content_->Attribute(Content::kTo, value); }
+void cMessage::FromJid(StringView value) { content_->Attribute(Content::kFrom, value); }
+String cMessage::Body() const { return content_->ChildText(Content::kBody); }
+void cMessage::Body(StringView value) { content_->ChildText(Content::kBody, value); }
+String cMessage::Subject() const { return content_->ChildText(Content::kSubject); }
+void cMessage::Subject(StringView value) { content_->ChildText(Content::kSubject, value); }
+void cMessage::Thread(StringView value) { content_->Root().AppendElement(u"thread").Text(value); }
+bool cMessage::FilterCriticalXHTML() const { return content_->filterCriticalXHTML; }
+void cMessage::FilterCriticalXHTML(bool value) { content_->filterCriticalXHTML = value; }
+void cMessage::AddCC(StringView jid) { content_->AddCopy(u"cc", jid); }
+void cMessage::AddBCC(StringView jid) { content_->AddCopy(u"bcc", jid); }
+bool cMessage::HasCC() const { return content_->HasCC(); }
+String cMessage::xml() const { return content_->Xml(); }
 
 // Reading never makes nothing of something.
 bool cMessage::HasBody() const {
-    if (draft_) return !Body().empty();
-    return AskRoot([](const auto& root) { return root.Child(kBody.name).HasText(); });
+    if (content_->draft) return !Body().empty();
+    return content_->Ask([](const auto& root) { return root.Child(Content::kBody.name).HasText(); });
 }
 
-String cMessage::xml() const { return draft_ ? draft_->Xml(text_) : node_->xml(); }
-
 String cMessage::FromJid() const {
-    String from = Attribute(kFrom);
+    String from = content_->Attribute(Content::kFrom);
     std::size_t bare = std::min(from.find(u'/'), from.size());
     FoldToLower(from, bare);
     if (bare == from.size()) from += u'/';
@@ -98,11 +185,11 @@ String cMessage::FromJid() const {
 }
 
 String cMessage::Thread() const {
-    return AskRoot([](const auto& root) { return root.Child(u"thread").Text(); });
+    return content_->Ask([](const auto& root) { return root.Child(u"thread").Text(); });
 }
 
 eMsgType cMessage::MSG_Type() const {
-    String name = Attribute(kType);
+    String name = content_->Attribute(Content::kType);
     if (name.empty()) return MSG_Normal;
     for (std::int32_t type = MSG_Normal; type < MSG_UnKnown; ++type) {
         if (name == NameOf(kTypeNames, type)) return static_cast<eMsgType>(type);
@@ -112,18 +199,21 @@ eMsgType cMessage::MSG_Type() const {
 
 void cMessage::MSG_Type(eMsgType value) {
     StringView name = NameOf(kTypeNames, value);
-    if (!name.empty()) Attribute(kType, name);
+    if (!name.empty()) content_->Attribute(Content::kType, name);
 }
 
 void cMessage::SendMessage() const {
-    std::shared_ptr<SessionLink> session = RequireSession(session_);
-    if (!HasCC()) return session->SendXML(xml());
-    const Recipients recipients = ListedRecipients();  // before a handler sees the message and may change it
+    std::shared_ptr<SessionLink> session = RequireSession(content_->session);
+    if (!content_->HasCC()) return session->SendXML(xml());
+    // Before a handler sees the message and may change it.
+    const Content::Recipients recipients = content_->ListedRecipients();
     session->SendXML(xml());
-    for (const String& jid : recipients.all) session->SendXML(CopyFor(session, jid, recipients)->xml());
+    for (const String& jid : recipients.all) {
+        session->SendXML(Content::CopyOf(*this, session, jid, recipients)->xml());
+    }
 }
 
-cMessage::Recipients cMessage::ListedRecipients() const {
+cMessage::Content::Recipients cMessage::Content::ListedRecipients() const {
     Recipients recipients;
     std::set<String> seen;
     XmlNode list = Extension(kEnvelope);
@@ -136,20 +226,22 @@ cMessage::Recipients cMessage::ListedRecipients() const {
     return recipients;
 }
 
-std::shared_ptr<cMessage> cMessage::CopyFor(const std::shared_ptr<SessionLink>& session, StringView jid,
-                                            const Recipients& recipients) const {
-    std::shared_ptr<cMessage> copy = CreateMessage(session, jid, MSG_Type(), Body(), Subject());
-    XmlNode list = copy->AppendExtension(kEnvelope);
+std::shared_ptr<cMessage> cMessage::Content::CopyOf(const cMessage& message,
+                                                    const std::shared_ptr<SessionLink>& session,
+                                                    StringView jid, const Recipients& recipients) {
+    std::shared_ptr<cMessage> copy =
+        CreateMessage(session, jid, message.MSG_Type(), message.Body(), message.Subject());
+    XmlNode list = copy->content_->AppendExtension(kEnvelope);
     for (const String& visible : recipients.visible) {
         XmlNode entry = AppendRecipient(list, u"cc", visible);
-        if (visible == ToJID()) entry.Text(u"Original Recipient");
+        if (visible == message.ToJID()) entry.Text(u"Original Recipient");
     }
     return copy;
 }
 
 void cMessage::AddEvent(eEvent event) {
     StringView name = NameOf(kEventNames, event);
-    if (!name.empty()) NeedExtension(u"jabber:x:event").AppendElement(name);
+    if (!name.empty()) content_->NeedExtension(u"jabber:x:event").AppendElement(name);
 }
 
 bool cMessage::getEvent(eEvent event) const {
@@ -157,7 +249,7 @@ bool cMessage::getEvent(eEvent event) const {
 }
 
 std::uint32_t cMessage::Events() const {
-    return AskRoot([](const auto& root) {
+    return content_->Ask([](const auto& root) {
         std::uint32_t events = 0;
         auto child = FindExtension(root, u"jabber:x:event").FirstElement();
         for (; child; child = child.NextElement()) {
@@ -170,63 +262,64 @@ std::uint32_t cMessage::Events() const {
 }
 
 String cMessage::XHTML() const {
-    String html = AskRoot([](const auto& root) { return FindElement(root, u"html", kXhtml).Xml(); });
-    String markup = text_.Read(BodyMarkup(html));
-    return filterCriticalXHTML_ && HoldsCriticalMarkup(markup) ? String() : markup;
+    String html = content_->Ask([](const auto& root) { return FindElement(root, u"html", kXhtml).Xml(); });
+    String markup = content_->text.Read(BodyMarkup(html));
+    return content_->filterCriticalXHTML && HoldsCriticalMarkup(markup) ? String() : markup;
 }
 
 void cMessage::XHTML(StringView value) {
     auto body = XmlDocument::Create();
-    if (!body->Load(Concat({u"<body>", text_.ToNode(value), u"</body>"}))) return;
-    XmlNode html = Root().AppendElement(u"html");
+    if (!body->Load(Concat({u"<body>", content_->text.ToNode(value), u"</body>"}))) return;
+    XmlNode html = content_->Root().AppendElement(u"html");
     html.SetAttribute(u"xmlns", kXhtml);
     html.AppendChild(body->Root());
 }
 
-String cMessage::TextRtf() const { return TagIn(u"jabber:x:rtf", u"richtext"); }
+String cMessage::TextRtf() const { return content_->TagIn(u"jabber:x:rtf", u"richtext"); }
 
 void cMessage::TextRtf(StringView value) {
-    AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(text_.ToNode(value));
+    content_->AppendExtension(u"jabber:x:rtf").AppendElement(u"richtext").Text(content_->text.ToNode(value));
 }
 
 String cMessage::Stamp() const {
-    return AskRoot(
+    return content_->Ask(
         [](const auto& root) { return FindExtension(root, u"jabber:x:delay").Attribute(u"stamp"); });
 }
-String cMessage::URL() const { return TagIn(u"jabber:x:oob", u"url"); }
-String cMessage::desc() const { return TagIn(u"jabber:x:oob", u"desc"); }
+String cMessage::URL() const { return content_->TagIn(u"jabber:x:oob", u"url"); }
+String cMessage::desc() const { return content_->TagIn(u"jabber:x:oob", u"desc"); }
 
 void cMessage::AddRoster(const std::shared_ptr<cRosterItem>& item) {
     if (!item) throw AutomationError(ERR_ObjectNotSet);
-    XmlNode entry = contacts_.Append(ListOf(contacts_, u"jabber:x:roster"), u"item", item->JID());
-    if (entry) entry.SetAttribute(u"name", text_.ToNode(item->NickName()));
+    XmlNode list = content_->ListOf(content_->rosterList, u"jabber:x:roster");
+    XmlNode entry = content_->rosterList.Append(list, u"item", item->JID());
+    if (entry) entry.SetAttribute(u"name", content_->text.ToNode(item->NickName()));
 }
 
-void cMessage::AddCopy(StringView kind, StringView jid) {
-    recipients_.Append(ListOf(recipients_, kEnvelope), kind, jid);
+void cMessage::Content::AddCopy(StringView kind, StringView jid) {
+    copyList.Append(ListOf(copyList, kEnvelope), kind, jid);
 }
 
-XmlNode cMessage::Extension(StringView xmlns) const { return FindExtension(Root(), xmlns); }
+XmlNode cMessage::Content::Extension(StringView xmlns) const { return FindExtension(Root(), xmlns); }
 
-XmlNode cMessage::AppendExtension(StringView xmlns) {
+XmlNode cMessage::Content::AppendExtension(StringView xmlns) {
     XmlNode extension = Root().AppendElement(u"x");
     extension.SetAttribute(u"xmlns", xmlns);
     return extension;
 }
 
 // Looking for the element would walk all lists before it.
-XmlNode cMessage::ListOf(const AddressList& list, StringView xmlns) {
+XmlNode cMessage::Content::ListOf(const AddressList& list, StringView xmlns) {
     XmlNode known = list.List();
     return known && known.Parent() == Root() ? known : NeedExtension(xmlns);
 }
 
-XmlNode cMessage::NeedExtension(StringView xmlns) {
+XmlNode cMessage::Content::NeedExtension(StringView xmlns) {
     XmlNode extension = Extension(xmlns);
     return extension ? extension : AppendExtension(xmlns);
 }
 
-String cMessage::TagIn(StringView xmlns, StringView tag) const {
-    return AskRoot([&](const auto& root) { return FindTagBelow(FindExtension(root, xmlns), tag).Text(); });
+String cMessage::Content::TagIn(StringView xmlns, StringView tag) const {
+    return Ask([&](const auto& root) { return FindTagBelow(FindExtension(root, xmlns), tag).Text(); });
 }
 
 std::shared_ptr<cMessage> CreateMessage(const std::shared_ptr<SessionLink>& session, StringView toJid,

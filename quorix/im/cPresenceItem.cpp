@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "quorix/base/Number.h"
+#include "quorix/link/SessionLink.h"
+
 namespace quorix {
 
 StringView ShowText(std::int32_t show) {
@@ -12,5 +15,10 @@ StringView ShowText(std::int32_t show) {
 // Decoding once here spares it at every look-up; the wire form is never asked for again.
 void cPresenceItem::JID(StringView value) { Assign(jid_, TextOf(session_).Read(String(value))); }
 void cPresenceItem::Resource(StringView value) { Assign(resource_, TextOf(session_).Read(String(value))); }
+
+void cPresenceItem::ShowType(eShowType value) { showType_ = ToInt16(value); }
+
+void cPresenceItem::SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
+void cPresenceItem::SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
 }  // namespace quorix

@@ -9,17 +9,19 @@
 #include <memory>
 
 #include "quorix/base/Enumerations.h"
-#include "quorix/base/Number.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
-#include "quorix/im/RecordTable.h"
-#include "quorix/link/SessionLink.h"
+#include "quorix/im/WatchedRecord.h"
 
 namespace quorix {
 
-/// The text of the `show` element; "" for KV_None and for any other value.
-StringView ShowText(std::int32_t show);
+class cSession;
+class SessionLink;
 
-class cPresenceItem : public WatchedRecord {
+/// The text of the `show` element; "" for KV_None and for any other value.
+QUORIX_API StringView ShowText(std::int32_t show);
+
+class QUORIX_API cPresenceItem : public WatchedRecord {
 public:
     /// The bare address in lower case, and the resource as sent. Both setters take wire text, both getters
     /// return text. Nothing is validated.
@@ -34,14 +36,14 @@ public:
 
     /// Kept in 16 bits: error 6 for what does not fit.
     eShowType ShowType() const { return static_cast<eShowType>(showType_); }
-    void ShowType(eShowType value) { showType_ = ToInt16(value); }
+    void ShowType(eShowType value);
 
     /// -32768 to 32767; the greatest one names the contact's primary resource, a negative one never does.
     std::int16_t Priority() const { return priority_; }
     void Priority(std::int16_t value) { Assign(priority_, value); }
 
-    void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
-    void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
+    void SetSession(const std::shared_ptr<cSession>& session);
+    void SetSession(const std::shared_ptr<SessionLink>& session);
 
 private:
     String jid_;

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "quorix/link/SessionLink.h"
 #include "quorix/link/StanzaText.h"
 
 namespace quorix {
@@ -32,6 +33,9 @@ Collection<String>& cRosterItem::OwnGroups() {
     }
     return *groups_;
 }
+
+void cRosterItem::SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
+void cRosterItem::SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
 
 void cRosterItem::Add() const { Send(u">"); }
 

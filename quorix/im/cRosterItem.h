@@ -9,12 +9,15 @@
 #include <memory>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/FittedText.h"
 #include "quorix/base/String.h"
-#include "quorix/im/RecordTable.h"
-#include "quorix/link/SessionLink.h"
+#include "quorix/im/WatchedRecord.h"
 
 namespace quorix {
+
+class cSession;
+class SessionLink;
 
 /// Who sees whose presence.
 enum eSubscriptionType : std::int32_t {
@@ -27,7 +30,7 @@ enum eSubscriptionType : std::int32_t {
 
 using GroupListPtr = std::shared_ptr<Collection<String>>;
 
-class cRosterItem : public WatchedRecord {
+class QUORIX_API cRosterItem : public WatchedRecord {
 public:
     /// Wire text in KV_Classic.
     String JID() const { return String(jid_.View()); }
@@ -61,8 +64,8 @@ public:
     void Update() const;
 
     /// Contacts of the roster table, and those that cSession::CreateRosterItem makes, have their session.
-    void SetSession(const std::shared_ptr<cSession>& session) { session_ = LinkOf(session); }
-    void SetSession(const std::shared_ptr<SessionLink>& session) { session_ = session; }
+    void SetSession(const std::shared_ptr<cSession>& session);
+    void SetSession(const std::shared_ptr<SessionLink>& session);
 
 private:
     friend class RosterIndex;
@@ -81,7 +84,7 @@ private:
 };
 
 /// "none", "to", "from", "both" or "remove", "" for any other value; and back, KV_Empty for any other text.
-StringView SubscriptionText(std::int32_t subscription);
-eSubscriptionType SubscriptionOf(StringView text);
+QUORIX_API StringView SubscriptionText(std::int32_t subscription);
+QUORIX_API eSubscriptionType SubscriptionOf(StringView text);
 
 }  // namespace quorix

@@ -13,6 +13,7 @@
 
 #include <memory>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
@@ -32,7 +33,7 @@ class SessionLink;
 using NodePtr = std::shared_ptr<cXML_Node>;
 
 /// What a session tells; each event does nothing unless it is overridden.
-class SessionEvents {
+class QUORIX_API SessionEvents {
 public:
     virtual ~SessionEvents() = default;
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "quorix/base/String.h"
+#include "quorix/xml/ParsedXml.h"
 #include "quorix/xml/cXML_Node.h"
 
 namespace quorix {

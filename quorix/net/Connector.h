@@ -7,18 +7,10 @@
 
 #include <deque>
 
+#include "quorix/net/ConnectTarget.h"
 #include "quorix/platform/Environment.h"
 
 namespace quorix {
-
-struct ConnectTarget {
-    String host;  // a name or a literal address (text)
-    std::uint16_t port = 0;
-
-    // When set: the service (of `host` as its domain) whose SRV records say where to connect. Where there are
-    // none, host and port do.
-    std::string service = {};
-};
 
 // Whether `host` spells out an IPv4 or IPv6 address.
 bool IsLiteralAddress(StringView host);

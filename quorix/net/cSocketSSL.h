@@ -6,17 +6,17 @@
 // which the application runs (see MessageLoop.h).
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <string_view>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
-#include "quorix/net/ByteQueue.h"
-#include "quorix/net/Connector.h"
-#include "quorix/net/LineBuffer.h"
-#include "quorix/platform/Environment.h"
+#include "quorix/net/ConnectTarget.h"
 
 namespace quorix {
 
-class SocketTable;
+class SocketCore;
 
 enum sockType : std::int32_t {
     sockClosed = 1,
@@ -26,7 +26,7 @@ enum sockType : std::int32_t {
 };
 
 // What a socket tells its owner. Events are raised synchronously; what a handler throws is swallowed.
-class SocketEvents {
+class QUORIX_API SocketEvents {
 public:
     virtual ~SocketEvents() = default;
 
@@ -49,100 +49,100 @@ public:
     // The socket disconnects when the handler returns, except after number 100.
     virtual void OnError(std::int32_t /*Number*/, StringView /*Description*/) {}
 
-    // A connection waits at this listening socket: AcceptConnection takes it (see mSocketSSL.h).
+    // A connection waits at this listening socket: AcceptConnection takes it.
     virtual void OnConnectionRequest() {}
 };
 
-class cSocketSSL : public std::enable_shared_from_this<cSocketSSL>, private ConnectorEvents {
+class QUORIX_API cSocketSSL {
 public:
     cSocketSSL();
-    ~cSocketSSL() override;
+    ~cSocketSSL();
     cSocketSSL(const cSocketSSL&) = delete;
     cSocketSSL& operator=(const cSocketSSL&) = delete;
 
     // The one receiver of the events. It is kept alive while it handles one, and no longer.
-    void Advise(std::weak_ptr<SocketEvents> sink) { sink_ = std::move(sink); }
-    bool IsAdvised() const { return !sink_.expired(); }
+    void Advise(std::weak_ptr<SocketEvents> sink);
+    bool IsAdvised() const;
 
     // Setting the state closes nothing and opens nothing. While it is not sockConnected, sending is silent
     // and without effect.
-    sockType State() const { return state_; }
-    void State(sockType value) { state_ = value; }
+    sockType State() const;
+    void State(sockType value);
 
     // The system's socket, 0 for none.
-    std::int32_t SocketHandle() const { return handle_; }
+    std::int32_t SocketHandle() const;
     void SocketHandle(std::int32_t value);
 
     // The local port to bind, 0 for any. Listen stores the port that was really bound.
-    std::int32_t LocalPort() const { return localPort_; }
-    void LocalPort(std::int32_t value) { localPort_ = value; }
+    std::int32_t LocalPort() const;
+    void LocalPort(std::int32_t value);
 
     // The peer's host name or dotted IPv4 address (text, ASCII). Once connected it is the dotted address.
-    String RemoteHost() const { return remoteHost_; }
-    void RemoteHost(StringView value) { remoteHost_ = value; }
+    String RemoteHost() const;
+    void RemoteHost(StringView value);
 
     // Of a port, the lower 16 bits are used.
-    std::int32_t RemotePort() const { return remotePort_; }
-    void RemotePort(std::int32_t value) { remotePort_ = value; }
+    std::int32_t RemotePort() const;
+    void RemotePort(std::int32_t value);
 
     // "" delivers data as it comes. Otherwise received data is cut into lines at each occurrence. In this
     // mode a block's bytes from its first NUL on are lost, and a line may grow without bound.
-    String LineSeparator() const { return lineSeparator_; }
-    void LineSeparator(StringView value) { lineSeparator_ = value; }
+    String LineSeparator() const;
+    void LineSeparator(StringView value);
 
     // TLS 1.2 or 1.3 over the connection, as the client after Connect and as the server after Accept.
-    bool SSLEnable() const { return sslEnable_; }
-    void SSLEnable(bool value) { sslEnable_ = value; }
+    bool SSLEnable() const;
+    void SSLEnable(bool value);
 
     // Of the last TLS Connect: the cipher's name, and the distinguished names (RFC 2253, ASCII) of the
     // peer's certificate, "" when it sent none.
-    String SSLCipher() const { return sslCipher_; }
-    void SSLCipher(StringView value) { sslCipher_ = value; }
-    String SSLSubject() const { return sslSubject_; }
-    void SSLSubject(StringView value) { sslSubject_ = value; }
-    String SSLIssuer() const { return sslIssuer_; }
-    void SSLIssuer(StringView value) { sslIssuer_ = value; }
+    String SSLCipher() const;
+    void SSLCipher(StringView value);
+    String SSLSubject() const;
+    void SSLSubject(StringView value);
+    String SSLIssuer() const;
+    void SSLIssuer(StringView value);
 
     // File names (text) of the PEM certificate chain and private key that Accept presents.
-    String SSLServerCertificate() const { return sslServerCertificate_; }
-    void SSLServerCertificate(StringView value) { sslServerCertificate_ = value; }
-    String SSLServerKey() const { return sslServerKey_; }
-    void SSLServerKey(StringView value) { sslServerKey_ = value; }
+    String SSLServerCertificate() const;
+    void SSLServerCertificate(StringView value);
+    String SSLServerKey() const;
+    void SSLServerKey(StringView value);
 
     // OpenSSL's verification result for the peer of the last TLS Connect, known when Connect returns: 0 is
     // trusted, 10 expired, 18 self-signed, 20 of an unknown issuer, 62 for another name, 64 for another
     // address. While it is not known yet, 1. It is never enforced: an application that does not want to go
     // on disconnects.
-    std::int32_t SSLTrusted() const { return sslTrusted_; }
-    void SSLTrusted(std::int32_t value) { sslTrusted_ = value; }
+    std::int32_t SSLTrusted() const;
+    void SSLTrusted(std::int32_t value);
 
     // File name (text) of the PEM certificates that are trusted. Without it, or when it cannot be read,
     // nothing is trusted; the system's certificates are not read by themselves.
-    String SSLCAFile() const { return sslCAFile_; }
-    void SSLCAFile(StringView value) { sslCAFile_ = value; }
+    String SSLCAFile() const;
+    void SSLCAFile(StringView value);
 
     // Milliseconds, 10 at least, until an attempt to connect, or a TLS handshake, is given up. Default 5000.
-    std::int32_t TimeOut() const { return timeOut_; }
-    void TimeOut(std::int32_t value) { timeOut_ = value; }
+    std::int32_t TimeOut() const;
+    void TimeOut(std::int32_t value);
 
     // The hidden window that receives the notifications, and its previous procedure; 0 where there is none.
-    std::intptr_t WindowProcOld() const { return window_.previousProcedure; }
-    void WindowProcOld(std::intptr_t value) { window_.previousProcedure = value; }
-    std::intptr_t WindowHandle() const { return window_.handle; }
-    void WindowHandle(std::intptr_t value) { window_.handle = value; }
+    std::intptr_t WindowProcOld() const;
+    void WindowProcOld(std::intptr_t value);
+    std::intptr_t WindowHandle() const;
+    void WindowHandle(std::intptr_t value);
 
-    // The secure channel (see SecureChannel.h), 0 for a plain connection.
-    std::int32_t SSLHandle() const { return sslHandle_; }
-    void SSLHandle(std::int32_t value) { sslHandle_ = value; }
+    // The secure channel, 0 for a plain connection.
+    std::int32_t SSLHandle() const;
+    void SSLHandle(std::int32_t value);
 
     // SHA-256 of the peer's certificate, 64 hexadecimal digits in lower case, after ConnectTo, and after its
     // refusal too.
-    String SSLFingerprint() const { return sslFingerprint_; }
+    String SSLFingerprint() const;
 
     // The fingerprint of the one certificate that ConnectTo accepts, whatever else speaks for it or against
     // it: hexadecimal digits in either case, with or without colons. "" leaves it to the verification.
-    String SSLPin() const { return sslPin_; }
-    void SSLPin(StringView value) { sslPin_ = value; }
+    String SSLPin() const;
+    void SSLPin(StringView value);
 
     // Starts connecting to RemoteHost:RemotePort, after closing what was open before. OnConnect or OnError
     // tells how it ended. With SSLEnable, all of it happens before Connect returns, TimeOut milliseconds at
@@ -182,82 +182,11 @@ public:
     String MyName() const;
 
 private:
-    friend class SocketTable;
-
-    // Tells whether anything was disconnected or connected since it was made.
-    class Moment;
-
-    void OnReadable();
-    void OnWritable();
-    void OnAcceptable();
-    void OnConnectResult(std::int32_t error);
-    void OnPeerClosed();
-    void OnConnectTimer();
-
-    void Connected(SocketId socket) override;
-    void NotConnected(std::int32_t number, StringView description) override;
-    void BeginHandshake();
-    void ContinueHandshake();
-    void JudgePeer();
-    void TakeOver();
-
-    void Open();
-    std::int32_t OpenSocket(bool reuseAddress);
-    void ConnectPlain(Address peer);
-    void ConnectSecure(Address peer);
-    bool ConnectAndWait(Address peer);
-    bool AcceptSecure();
-    void Watch(std::int32_t events);
-    void CompleteConnection();
-    void DescribeChannel();
-    void ReadPeer();
-    void Fail(std::int32_t number);
-    void Fail(std::int32_t number, StringView description);
-    void Release();
-
-    Transfer ReceiveSome(char* buffer, std::size_t capacity);
-    Transfer SendSome(std::string_view bytes);
-    std::size_t SendNow(std::string_view bytes);
-    void Flush();
-    bool IsShort(Transfer received) const;
-    void OnNothingReceived(std::int32_t error);
-    void Deliver(std::string_view bytes);
-    void DeliverLines(StringView peer);
-
-    template <class... Parameters, class... Arguments>
-    void Raise(void (SocketEvents::*event)(Parameters...), const Arguments&... arguments);
-
-    Environment& environment_;
-    std::shared_ptr<SocketTable> table_;
-    std::weak_ptr<SocketEvents> sink_;
-    Connector connector_;
-    String expectedName_;           // of the certificate
-    bool handshaking_ = false;      // in the loop
-    std::uint64_t generation_ = 0;  // advanced whenever a connection begins or ends
-    bool closedRaised_ = false;
-    bool windowOpen_ = false;
-    HiddenWindow window_;
-    ByteQueue unsent_;
-    LineBuffer lines_;
-
-    sockType state_ = sockClosed;
-    std::int32_t handle_ = 0;
-    std::int32_t localPort_ = 0;
-    String remoteHost_;
-    std::int32_t remotePort_ = 0;
-    String lineSeparator_;
-    bool sslEnable_ = false;
-    String sslCipher_;
-    String sslSubject_;
-    String sslIssuer_;
-    String sslServerCertificate_;
-    String sslServerKey_;
-    std::int32_t sslTrusted_ = 0;
-    String sslCAFile_;
-    String sslFingerprint_;
-    String sslPin_;
-    std::int32_t timeOut_ = 5000;
-    std::int32_t sslHandle_ = 0;
+    std::shared_ptr<SocketCore> core_;
 };
+
+// Accepts the connection that waits at the listening socket `listener`, for cSocketSSL::Accept. 0 when none
+// waits, or it could not be accepted.
+QUORIX_API std::int32_t AcceptConnection(std::int32_t listener);
 
 }  // namespace quorix

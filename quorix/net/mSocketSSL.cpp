@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "quorix/base/WireText.h"
-#include "quorix/net/cSocketSSL.h"
+#include "quorix/net/SocketCore.h"
 
 namespace quorix {
 
@@ -87,7 +87,7 @@ std::optional<std::uint32_t> ResolveHost(Environment& environment, StringView ho
     return found == kNoAddress ? std::nullopt : found;
 }
 
-SocketId AcceptConnection(SocketId listener) { return Environment::Current().Accept(listener).id; }
+std::int32_t AcceptConnection(std::int32_t listener) { return Environment::Current().Accept(listener).id; }
 
 std::shared_ptr<SocketTable> SocketTable::OfThisThread() {
     thread_local std::weak_ptr<SocketTable> table;
@@ -96,14 +96,14 @@ std::shared_ptr<SocketTable> SocketTable::OfThisThread() {
     return current;
 }
 
-void SocketTable::Insert(SocketId handle, cSocketSSL& socket) { sockets_[handle] = &socket; }
+void SocketTable::Insert(SocketId handle, SocketCore& socket) { sockets_[handle] = &socket; }
 
-void SocketTable::Remove(SocketId handle, const cSocketSSL& socket) {
+void SocketTable::Remove(SocketId handle, const SocketCore& socket) {
     auto found = sockets_.find(handle);
     if (found != sockets_.end() && found->second == &socket) sockets_.erase(found);
 }
 
-std::shared_ptr<cSocketSSL> SocketTable::Find(SocketId handle) const {
+std::shared_ptr<SocketCore> SocketTable::Find(SocketId handle) const {
     auto found = sockets_.find(handle);
     return found != sockets_.end() ? found->second->weak_from_this().lock() : nullptr;
 }

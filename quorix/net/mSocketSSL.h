@@ -11,7 +11,7 @@
 
 namespace quorix {
 
-class cSocketSSL;
+class SocketCore;
 
 // The English text of a socket error number, "" for a number that is not listed.
 StringView SocketErrorText(std::int32_t number);
@@ -32,27 +32,23 @@ constexpr std::int32_t kProxyRefused = 102;
 // up. None when there is no such host, and for the broadcast address.
 std::optional<std::uint32_t> ResolveHost(Environment& environment, StringView host);
 
-// Accepts the connection that waits at the listening socket `listener`, for cSocketSSL::Accept. 0 when none
-// waits, or it could not be accepted.
-SocketId AcceptConnection(SocketId listener);
-
 // The live sockets of a thread, by handle. Each socket shares the ownership of the table, so that the table
 // outlives the thread's last socket. A notification for a handle that no socket owns is dropped.
 class SocketTable final : public SocketSink {
 public:
     static std::shared_ptr<SocketTable> OfThisThread();
 
-    void Insert(SocketId handle, cSocketSSL& socket);
-    void Remove(SocketId handle, const cSocketSSL& socket);
+    void Insert(SocketId handle, SocketCore& socket);
+    void Remove(SocketId handle, const SocketCore& socket);
 
     // These keep the socket alive until they return.
     void OnSocketEvent(SocketId handle, std::int32_t event, std::int32_t error) override;
     void OnSocketTimer(SocketId handle) override;
 
 private:
-    std::shared_ptr<cSocketSSL> Find(SocketId handle) const;
+    std::shared_ptr<SocketCore> Find(SocketId handle) const;
 
-    std::unordered_map<SocketId, cSocketSSL*> sockets_;
+    std::unordered_map<SocketId, SocketCore*> sockets_;
 };
 
 }  // namespace quorix

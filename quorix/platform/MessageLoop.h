@@ -1,21 +1,22 @@
-// The thread's message loop, for an application that has none of its own.
-//
-// On Linux this is the thread's default GLib main context, on Windows the thread's message queue: an
-// application that already runs a GLib, GTK or Qt loop, or pumps messages, needs nothing of this.
+/// \file
+/// The thread's message loop, for an application that has none of its own.
+///
+/// On Linux this is the thread's default GLib main context, on Windows the thread's message queue: an
+/// application that already runs a GLib, GTK or Qt loop, or pumps messages, needs nothing of this.
 #pragma once
 
-#include "quorix/platform/Environment.h"
+#include "quorix/base/Export.h"
 
 namespace quorix {
 
-class MessageLoop {
+class QUORIX_API MessageLoop {
 public:
-    // Delivers events until Quit is called, from inside one of them.
-    static void Run() { Environment::Current().Run(); }
-    static void Quit() { Environment::Current().Quit(); }
+    /// Delivers events until Quit is called, from inside one of them.
+    static void Run();
+    static void Quit();
 
-    // Delivers what is pending and returns.
-    static void DoEvents() { Environment::Current().DoEvents(); }
+    /// Delivers what is pending and returns.
+    static void DoEvents();
 };
 
 }  // namespace quorix

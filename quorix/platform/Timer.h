@@ -1,36 +1,36 @@
-// A timer that belongs to one object and ends with it.
+/// \file
+/// A timer that belongs to one object and ends with it.
+///
+/// Threads: it ticks in the message loop of the thread that started it.
 #pragma once
 
-#include <utility>
+#include <cstdint>
+#include <functional>
 
-#include "quorix/platform/Environment.h"
+#include "quorix/base/Export.h"
 
 namespace quorix {
 
-class Timer {
+class Environment;
+
+class QUORIX_API Timer {
 public:
     Timer() = default;
     ~Timer() { Stop(); }
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
 
-    // Calls `tick` every `milliseconds` from now on, in place of what was started before. The tick may stop
-    // or restart its timer, and end the timer's owner.
-    void Start(std::int32_t milliseconds, TimerTick tick) {
-        Stop();
-        environment_ = &Environment::Current();
-        id_ = environment_->SetTimer(milliseconds, std::move(tick));
-    }
+    /// Calls `tick` every `milliseconds` (10 at least) from now on, in place of what was started before. The
+    /// tick may stop or restart its timer, and end the timer's owner.
+    void Start(std::int32_t milliseconds, std::function<void()> tick);
 
-    void Stop() {
-        if (id_ != 0) environment_->KillTimer(std::exchange(id_, 0));
-    }
+    void Stop();
 
     bool IsRunning() const { return id_ != 0; }
 
 private:
     Environment* environment_ = nullptr;
-    TimerId id_ = 0;
+    std::int32_t id_ = 0;
 };
 
 }  // namespace quorix

@@ -1,10 +1,13 @@
 #include "quorix/services/GroupChats.h"
+#include "quorix/base/CollectionElements.h"
 
 #include "quorix/base/Jid.h"
 #include "quorix/link/StanzaText.h"
 #include "quorix/services/PositionWhere.h"
 
 namespace quorix {
+
+template class Collection<std::shared_ptr<cGroupChat>>;
 
 namespace {
 

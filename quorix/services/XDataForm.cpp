@@ -1,6 +1,10 @@
 #include "quorix/services/XDataForm.h"
+#include "quorix/base/CollectionElements.h"
 
 namespace quorix {
+
+template class Collection<std::shared_ptr<cXDataOption>>;
+template class Collection<std::shared_ptr<cXDataField>>;
 
 namespace {
 

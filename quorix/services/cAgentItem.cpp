@@ -1,4 +1,5 @@
 #include "quorix/services/cAgentItem.h"
+#include "quorix/base/CollectionElements.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,10 @@
 #include "quorix/xml/XmlName.h"
 
 namespace quorix {
+
+template class Collection<std::shared_ptr<cAgentItem>>;
+template class Collection<std::shared_ptr<cAgentField>>;
+template class Collection<std::shared_ptr<cAgentAttrib>>;
 
 namespace {
 

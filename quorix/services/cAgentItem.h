@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 #include "quorix/services/cSearchFields.h"
 #include "quorix/services/cXData.h"
@@ -24,7 +25,7 @@ class cAgentItem;
 
 /// One value of the agent's registration form. Its agent is what the application sets; it is held, so an
 /// agent that a field of its own points back to lives until one of the two lets go.
-class cAgentField {
+class QUORIX_API cAgentField {
 public:
     String Name() const { return name_; }
     void Name(StringView value) { name_ = value; }
@@ -41,7 +42,7 @@ private:
     std::shared_ptr<quorix::cAgentItem> agent_;
 };
 
-class cAgentAttrib {
+class QUORIX_API cAgentAttrib {
 public:
     String Name() const { return name_; }
     void Name(StringView value) { name_ = value; }
@@ -54,7 +55,7 @@ private:
     String value_;
 };
 
-class cAgentItem {
+class QUORIX_API cAgentItem {
 public:
     using FieldList = Collection<std::shared_ptr<cAgentField>>;
     using AttribList = Collection<std::shared_ptr<cAgentAttrib>>;

@@ -2,12 +2,13 @@
 /// One entry of a browsed room (jabber:iq:browse): somebody in it, or something that it offers.
 #pragma once
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
 
 /// Wire text, as received. SubType is the entry's "type", or its "category" when it has no type.
-class cBrowseItem {
+class QUORIX_API cBrowseItem {
 public:
     String JID() const { return jid_; }
     void JID(StringView value) { jid_ = value; }

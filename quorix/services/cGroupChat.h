@@ -5,6 +5,7 @@
 /// Threads: like the session that it is used with.
 #pragma once
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
@@ -17,7 +18,7 @@ enum eServerType : std::int32_t {
 /// Nothing is validated. JID is `room@server`, of which ChatRoom and Server are the parts; RoomName is for
 /// display; NickName is the local user's name in the room. Password is stored for the application's use
 /// alone: no request carries it.
-class cGroupChat {
+class QUORIX_API cGroupChat {
 public:
     eServerType ServerType() const { return serverType_; }
     void ServerType(eServerType value) { serverType_ = value; }

@@ -8,12 +8,13 @@
 #include <memory>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
 
 /// One pair. Nothing is validated; FieldName becomes an element name when the form is sent.
-class cSearchField {
+class QUORIX_API cSearchField {
 public:
     cSearchField() = default;
     cSearchField(StringView name, StringView data) : name_(name), data_(data) {}
@@ -30,7 +31,7 @@ private:
 };
 
 /// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
-class cSearchFields {
+class QUORIX_API cSearchFields {
 public:
     using Items = Collection<std::shared_ptr<cSearchField>>;
 

@@ -7,12 +7,13 @@
 
 #include <memory>
 
+#include "quorix/base/Export.h"
 #include "quorix/services/cSearchFields.h"
 
 namespace quorix {
 
 /// One hit: the JID found, and what the service says about it.
-class cSearchResult {
+class QUORIX_API cSearchResult {
 public:
     cSearchResult() = default;
     explicit cSearchResult(StringView item) : item_(item) {}
@@ -29,7 +30,7 @@ private:
 };
 
 /// Positions count from 1. Errors: 9 for a position outside, 5 for an unknown key.
-class cSearchResults {
+class QUORIX_API cSearchResults {
 public:
     using Items = Collection<std::shared_ptr<cSearchResult>>;
 

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
@@ -14,7 +15,7 @@ class cSession;
 
 /// 32 properties of text, each stored and returned unchanged: `String Name() const` and
 /// `void Name(StringView)`. MiddleName and HomeExtAddress are read from replies and never published.
-class cVcard {
+class QUORIX_API cVcard {
 public:
 // The table in VCard.cpp takes the address of each pair.
 #define QUORIX_PROPERTY(Name)                        \

@@ -8,12 +8,13 @@
 #include <memory>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 namespace quorix {
 
 /// One choice of a list field.
-class cXDataOption {
+class QUORIX_API cXDataOption {
 public:
     String Label() const { return label_; }
     void Label(StringView value) { label_ = value; }
@@ -28,7 +29,7 @@ private:
 
 /// One field. FieldType is the protocol's word ("text-single", "list-single", ...); of several values the
 /// first one counts. All are wire text, as received.
-class cXDataField {
+class QUORIX_API cXDataField {
 public:
     bool Required() const { return required_; }
     void Required(bool value) { required_ = value; }
@@ -57,7 +58,7 @@ private:
     Collection<std::shared_ptr<cXDataOption>> options_;
 };
 
-class cXData {
+class QUORIX_API cXData {
 public:
     String Title() const { return title_; }
     void Title(StringView value) { title_ = value; }

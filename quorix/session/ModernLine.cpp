@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "quorix/base/WireText.h"
+#include "quorix/net/Connector.h"
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/session/SessionCore.h"
 

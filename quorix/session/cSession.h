@@ -7,16 +7,18 @@
 // Ownership: made by Create and shared with the application. Dropping the last reference ends the session
 // without a word to the server; Disconnect says good-bye. Records given out by events may be kept. The
 // session owns its sinks: a sink that holds its session in a shared_ptr keeps both alive for ever, and no
-// leak checker shows it. A sink holds a weak_ptr. Threads: a session, its records and its timers belong to
-// the thread that created it. Errors: an AutomationError for an impossible argument, and in KV_Modern 10057
-// for whatever is to be sent while not connected. Network and protocol failures are events. Text: in
-// KV_Modern every value of the session and its records is text, and where a comment tells text from wire text
-// (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the stanza.
+// leak checker shows it. A sink holds a reference or a weak_ptr. Threads: a session, its records and its
+// timers belong to the thread that created it. Errors: an AutomationError for an impossible argument, and in
+// KV_Modern 10057 for whatever is to be sent while not connected. Network and protocol failures are events.
+// Text: in KV_Modern every value of the session and its records is text, and where a comment tells text from
+// wire text (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the
+// stanza.
 #pragma once
 
 #include <memory>
 
 #include "quorix/base/Enumerations.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 #include "quorix/im/PresenceTable.h"
 #include "quorix/im/RosterTable.h"
@@ -30,12 +32,13 @@
 #include "quorix/services/cSearchResults.h"
 #include "quorix/services/cVcard.h"
 #include "quorix/services/cXData.h"
+#include "quorix/xml/cXML_Node.h"
 
 namespace quorix {
 
 class SessionCore;
 
-class cSession final {
+class QUORIX_API cSession final {
 public:
     static std::shared_ptr<cSession> Create();
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "quorix/base/String.h"
+#include "quorix/xml/ParsedXml.h"
 
 namespace quorix {
 

@@ -62,6 +62,8 @@ public:
     // The next node in document order below `top`; empty at its end.
     ParsedNode Following(const ParsedNode& top) const;
 
+    std::uint32_t Index() const { return index_; }  // by which it can be made again from its tree
+
     // As they stand in the tree, in UTF-8. An instruction has its target as its name, other leaves have no
     // name.
     std::string_view RawName() const;

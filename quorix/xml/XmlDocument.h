@@ -10,19 +10,23 @@
 #include <memory>
 #include <vector>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
-#include "quorix/xml/ParsedXml.h"
 #include "quorix/xml/XmlNode.h"
 
 namespace quorix {
 
+class ParsedNode;
+class ParsedXml;
+using ParsedXmlPtr = std::shared_ptr<const ParsedXml>;
+
 struct XmlTree;
-struct XmlTreeRelease {
+struct QUORIX_API XmlTreeRelease {
     void operator()(XmlTree* tree) const;
 };
 using XmlTreePtr = std::unique_ptr<XmlTree, XmlTreeRelease>;
 
-class XmlDocument {
+class QUORIX_API XmlDocument {
 public:
     static std::shared_ptr<XmlDocument> Create();
 

@@ -15,13 +15,14 @@
 #include <utility>
 #include <vector>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 
 struct _xmlNode;  // NOLINT(bugprone-reserved-identifier): the parser library's own name
 
 namespace quorix {
 
-class XmlNode {
+class QUORIX_API XmlNode {
 public:
     XmlNode() = default;
     XmlNode(const XmlNode& other);

@@ -15,6 +15,7 @@
 
 #include "quorix/base/String.h"
 #include "quorix/xml/AttributeIndex.h"
+#include "quorix/xml/ParsedXml.h"
 #include "quorix/xml/XmlDocument.h"
 
 namespace quorix {

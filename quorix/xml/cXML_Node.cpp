@@ -1,12 +1,16 @@
 #include "quorix/xml/cXML_Node.h"
+#include "quorix/base/CollectionElements.h"
 
 #include <limits>
 
 #include "quorix/base/AutomationError.h"
 #include "quorix/base/Number.h"
+#include "quorix/xml/AskRoot.h"
 #include "quorix/xml/Finding.h"
 
 namespace quorix {
+
+template class Collection<std::shared_ptr<cXML_Node>>;
 
 namespace {
 
@@ -32,10 +36,11 @@ cXML_Node::cXML_Node() : cXML_Node(XmlDocument::Create()) {}
 cXML_Node::cXML_Node(std::shared_ptr<XmlDocument> document) : document_(std::move(document)) {}
 cXML_Node::cXML_Node(ParsedXmlPtr arrived) : arrived_(std::move(arrived)) {}
 cXML_Node::cXML_Node(ParsedXmlPtr arrived, const ParsedNode& node)
-    : arrived_(std::move(arrived)), node_(node) {}
+    : arrived_(std::move(arrived)), part_(node ? node.Index() : kWhole) {}
 
 const std::shared_ptr<XmlDocument>& cXML_Node::Document() const {
-    if (!document_) document_ = node_ ? XmlDocument::From(node_) : XmlDocument::From(*arrived_);
+    if (!document_)
+        document_ = part_ == kWhole ? XmlDocument::From(*arrived_) : XmlDocument::From(ArrivedRoot());
     return document_;
 }
 
@@ -44,8 +49,12 @@ cXML_Node::Nodes cXML_Node::Top() const {
     return root ? Nodes{root} : Nodes{};
 }
 
+ParsedNode cXML_Node::ArrivedRoot() const {
+    return part_ == kWhole ? arrived_->Root() : ParsedNode(arrived_.get(), part_);
+}
+
 String cXML_Node::GetNamespace() const {
-    return AskRoot([](const auto& root) { return root.Name(); });
+    return AskRoot(*this, [](const auto& root) { return root.Name(); });
 }
 
 XmlNode cXML_Node::getNode(StringView xpath) const { return Document()->SelectSingle(xpath); }
@@ -59,14 +68,14 @@ std::shared_ptr<Collection<std::shared_ptr<cXML_Node>>> cXML_Node::getNodes(Stri
 }
 
 bool cXML_Node::TagExists(StringView tag) const {
-    return AskRoot([&](const auto& root) { return bool(FindTagBelow(root, tag)); });
+    return AskRoot(*this, [&](const auto& root) { return bool(FindTagBelow(root, tag)); });
 }
 bool cXML_Node::TagExists(StringView tag, const Nodes& nodes) const { return bool(TagIn(nodes, tag)); }
 bool cXML_Node::FindTag(StringView tag) const { return TagExists(tag); }
 bool cXML_Node::FindTag(StringView tag, const Nodes& nodes) const { return TagExists(tag, nodes); }
 
 String cXML_Node::GetTag(StringView tag) const {
-    return AskRoot([&](const auto& root) { return FindTagBelow(root, tag).Text(); });
+    return AskRoot(*this, [&](const auto& root) { return FindTagBelow(root, tag).Text(); });
 }
 String cXML_Node::GetTag(StringView tag, const Nodes& nodes) const { return TagIn(nodes, tag).Text(); }
 
@@ -91,14 +100,14 @@ bool cXML_Node::GetTagYesNo(StringView tag) const {
 }
 
 String cXML_Node::GetAttrib(StringView attribute) const {
-    return AskRoot([&](const auto& root) { return FindBearer(root, attribute).Attribute(attribute); });
+    return AskRoot(*this, [&](const auto& root) { return FindBearer(root, attribute).Attribute(attribute); });
 }
 String cXML_Node::GetAttrib(StringView attribute, const Nodes& nodes) const {
     return BearerIn(nodes, attribute).Attribute(attribute);
 }
 
 bool cXML_Node::FindAttrib(StringView attribute) const {
-    return AskRoot([&](const auto& root) { return bool(FindBearer(root, attribute)); });
+    return AskRoot(*this, [&](const auto& root) { return bool(FindBearer(root, attribute)); });
 }
 bool cXML_Node::FindAttrib(StringView attribute, const Nodes& nodes) const {
     return bool(BearerIn(nodes, attribute));
@@ -135,7 +144,7 @@ void cXML_Node::LoadXML_FromFile(StringView fileName) { Document()->LoadFile(fil
 
 String cXML_Node::xml() const {
     if (document_) return document_->Xml();
-    return node_ ? node_.Xml() : arrived_->Xml();
+    return part_ == kWhole ? arrived_->Xml() : ArrivedRoot().Xml();
 }
 void cXML_Node::xml(StringView text) { Document()->Load(text); }
 

@@ -7,16 +7,18 @@
 /// Threads: as XmlDocument.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "quorix/base/Collection.h"
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 #include "quorix/xml/XmlDocument.h"
 
 namespace quorix {
 
-class cXML_Node {
+class QUORIX_API cXML_Node {
 public:
     cXML_Node();
     explicit cXML_Node(std::shared_ptr<XmlDocument> document);
@@ -87,19 +89,18 @@ public:
     XmlNode Root() const { return Document()->Root(); }
     const std::shared_ptr<XmlDocument>& Document() const;
 
-    /// Asks `read` about the root element, a ParsedNode as long as nothing has asked for the document, else
-    /// an XmlNode. Both have the same words for reading.
-    template <class Read>
-    auto AskRoot(Read read) const {
-        return document_ ? read(document_->Root()) : read(ArrivedRoot());
-    }
-
 private:
     Nodes Top() const;
-    ParsedNode ArrivedRoot() const { return node_ ? node_ : arrived_->Root(); }
+
+    // See AskRoot.h.
+    template <class Read>
+    friend auto AskRoot(const cXML_Node& node, Read read);
+    ParsedNode ArrivedRoot() const;
+
+    static constexpr std::uint32_t kWhole = UINT32_MAX;
 
     ParsedXmlPtr arrived_;
-    ParsedNode node_;
+    std::uint32_t part_ = kWhole;  // the node in what has arrived
     mutable std::shared_ptr<XmlDocument> document_;
 };
 

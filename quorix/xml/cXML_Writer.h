@@ -9,12 +9,13 @@
 
 #include <memory>
 
+#include "quorix/base/Export.h"
 #include "quorix/base/String.h"
 #include "quorix/xml/XmlDocument.h"
 
 namespace quorix {
 
-class cXML_Writer {
+class QUORIX_API cXML_Writer {
 public:
     /// Appends the current element to `parent`, or to the root element when that is empty, and returns it.
     /// Error 91 without a current element or a parent, 5 when the parent stands inside the current element.

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 
+#include "quorix/platform/Environment.h"
 #include "quorix/platform/MessageLoop.h"
 
 namespace quorix::real {

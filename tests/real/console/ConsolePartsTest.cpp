@@ -1,5 +1,5 @@
-// The parts of the console that guard: what is shown of a stranger's text, what is masked of the traffic,
-// what is taken for a command's parameters.
+// The parts of the console that guard: what is shown of a stranger's text, and what is taken
+// for a command's parameters.
 #include <gmock/gmock.h>
 
 #ifdef QUORIX_CONSOLE
@@ -7,7 +7,6 @@
 #include "apps/console/Clean.h"
 #include "apps/console/Command.h"
 #include "apps/console/Event.h"
-#include "apps/console/Mask.h"
 #include "apps/console/Parameters.h"
 #include "apps/console/Proxy.h"
 #include "apps/console/Wrap.h"
@@ -40,28 +39,6 @@ TEST(ConsoleParts, IndentEveryLineButTheFirst) {
     EXPECT_EQ(Wrap("ann: word wörd 漢字漢字", 12, 4), "ann: word\n    wörd\n    漢字漢字");
     EXPECT_EQ(Wrap("0123456789", 6, 2), "012345\n  6789");
     EXPECT_EQ(Wrap("filled up                 ! forged", 10, 2).find("\n!"), std::string::npos);
-}
-
-TEST(ConsoleParts, MaskEverySecretOfTheTraffic) {
-    const struct {
-        StringView xml, shown;
-    } cases[] = {
-        {u"<password>a</password>", u"<password>***</password>"},
-        {u"<q:PassWord x='>'>a<b/>c</q:PassWord>d", u"<q:PassWord x='>'>***</q:PassWord>d"},
-        {u"<digest>1</digest><hash>2</hash><key>3</key><token>4</token>",
-         u"<digest>***</digest><hash>***</hash><key>***</key><token>***</token>"},
-        {u"<password>a</password>b</password>", u"<password>***</password>"},
-        {u"<password>never closed", u"<password>***"},
-        {u"<x password=\"a\" n='1'/>", u"<x password=\"***\" n='1'/>"},
-        {u"<field type='text-private' var='n'><value>a</value></field><field "
-         u"var='m'><value>b</value></field>",
-         u"<field type='text-private' var='n'>***</field><field var='m'><value>b</value></field>"},
-        {u"<field var='muc#roomconfig_roomsecret'><value>a</value></field>",
-         u"<field var='muc#roomconfig_roomsecret'>***</field>"},
-        {u"<auth mechanism='PLAIN'>a</auth>", u"<auth mechanism='PLAIN'>***</auth>"},
-        {u"<username/><password/><body>1 < 2 <", u"<username/><password/><body>1 < 2 <"},
-    };
-    for (const auto& [xml, shown] : cases) EXPECT_EQ(Utf8FromText(MaskSecrets(xml)), Utf8FromText(shown));
 }
 
 TEST(ConsoleParts, TakeRightParametersOnly) {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "quorix/base/Collection.h"
+#include "quorix/base/CollectionElements.h"
 #include "quorix/base/Jid.h"
 #include "quorix/base/Number.h"
 #include "quorix/base/WireText.h"

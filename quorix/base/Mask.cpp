@@ -1,9 +1,9 @@
-#include "apps/console/Mask.h"
+#include "quorix/base/Mask.h"
 
 #include <algorithm>
 #include <vector>
 
-namespace quorix::console {
+namespace quorix {
 
 namespace {
 
@@ -114,4 +114,4 @@ String MaskSecrets(StringView xml) {
     return result;
 }
 
-}  // namespace quorix::console
+}  // namespace quorix

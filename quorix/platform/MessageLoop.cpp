@@ -1,0 +1,11 @@
+#include "quorix/platform/MessageLoop.h"
+
+#include "quorix/platform/Environment.h"
+
+namespace quorix {
+
+void MessageLoop::Run() { Environment::Current().Run(); }
+void MessageLoop::Quit() { Environment::Current().Quit(); }
+void MessageLoop::DoEvents() { Environment::Current().DoEvents(); }
+
+}  // namespace quorix
