@@ -95,7 +95,7 @@ public:
     eAuthType AuthType() const;
     void AuthType(eAuthType value);
 
-    // `username`@`ServerAddress`, without the resource.
+    // The account's address: `username`, "@" and `ServerAddress`, without a resource.
     String MyJid() const;
 
     // -- The user's own presence: stored here, sent by SendMyPresence --
