@@ -4,6 +4,7 @@
 // ReconnectInterval seconds, then ever more slowly. It does not come back from a refusal, an untrusted certificate,
 // or another login with the same resource: these end the program with 1.
 #include "examples/Example.h"
+#include "quorix/base/Mask.h"
 
 using namespace example;
 
@@ -39,6 +40,10 @@ public:
         isLoggedIn_ = false;
         Say({u"disconnected"});
     }
+
+    // The traffic holds passwords and what is as good as one; a log does not.
+    void OnIncomingXML(StringView xml) override { Say({u"<< ", MaskSecrets(xml)}); }
+    void OnOutgoingXML(StringView xml) override { Say({u">> ", MaskSecrets(xml)}); }
 
 private:
     static constexpr std::int16_t kTimeout = 408;

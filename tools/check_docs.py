@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""check_docs.py COMPILER...: checks the hand-written pages: lines, links, and that every C++ fragment compiles.
+"""check_docs.py COMPILER...: checks the hand-written pages: lines, links, and that every C++ fragment compiles; and
+which headers are documented.
 
 A fragment with an #include is a file of its own. One that begins with a declaration stands in a namespace, any other in
 a function that knows a few names. COMPILER is the command that compiles one file, flags included.
@@ -51,6 +52,16 @@ def faults_of_links(page, text):
             yield f"{page}: {target} has no {anchor}"
 
 
+def faults_of_headers():
+    """What the reference shows is what is installed: public headers open with three slashes, and no others."""
+    build = (ROOT / "quorix/CMakeLists.txt").read_text(encoding="utf-8")
+    listed = re.search(r"set\(public_headers(.*?)\)", build, re.DOTALL)
+    public = {ROOT / "quorix" / name for name in listed[1].split()}
+    for header in sorted(ROOT.glob("quorix/**/*.h")):
+        if header.read_text(encoding="utf-8").startswith("///") != (header in public):
+            yield f"{header.relative_to(ROOT)}: {'public' if header in public else 'internal'}, and opens otherwise"
+
+
 def wrapped(name, fragment, code):
     if DECLARATION.match(fragment):
         return f"namespace {name} {{\n{code}}}\n"
@@ -80,7 +91,7 @@ def compiles(compiler, unit):
 
 
 def main(compiler):
-    faults = []
+    faults = [*faults_of_headers()]
     for page in pages():
         text = page.read_text(encoding="utf-8")
         faults += [*faults_of_lines(page.relative_to(ROOT), text), *faults_of_links(page, text)]

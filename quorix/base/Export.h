@@ -1,4 +1,5 @@
-// What the shared library shows. Everything else is hidden.
+/// \file
+/// What the shared library shows. Everything else is hidden.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,4 +1,5 @@
-// A text that is kept by the thousands: a pointer, and one block of exactly its size.
+/// \class quorix::FittedText
+/// A text that is kept by the thousands: a pointer, and one block of exactly its size.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace quorix {
 class FittedText {
 public:
     FittedText() = default;
-    // Of up to 4294967295 units; std::length_error beyond.
+    /// Of up to 4294967295 units; std::length_error beyond.
     explicit FittedText(StringView text) {
         if (text.empty()) return;
         if (text.size() > UINT32_MAX) throw std::length_error("FittedText");

@@ -1,4 +1,5 @@
-// The two halves of a Jabber identifier `user@host/resource`, cut at its first "/".
+/// \file
+/// The two halves of a Jabber identifier `user@host/resource`, cut at its first "/".
 #pragma once
 
 #include "quorix/base/Export.h"
@@ -6,10 +7,10 @@
 
 namespace quorix {
 
-// The text before the first "/", the whole text when there is none.
+/// The text before the first "/", the whole text when there is none.
 QUORIX_API String RemoveResource(StringView jid);
 
-// The text after the first "/", empty when there is none.
+/// The text after the first "/", empty when there is none.
 QUORIX_API String GetResource(StringView jid);
 
 }  // namespace quorix

@@ -1,5 +1,6 @@
-// A collection of shared records that finds them by their fields without a walk. It finds what a walk would
-// find, also after the application has changed a record or the collection.
+/// \class quorix::RecordTable
+/// A collection of shared records that finds them by their fields without a walk. It finds what a walk would
+/// find, also after the application has changed a record or the collection.
 #pragma once
 
 #include <memory>
@@ -9,9 +10,9 @@
 
 namespace quorix {
 
-// `Index` holds what is needed to find a record: Learn(sequence, record) and Forget(sequence, record), which
-// change nothing when memory runs out; a record that was not learnt may be forgotten. A null that the
-// application has added is never found. See RecordIndex.h for what it consists of.
+/// `Index` holds what is needed to find a record: Learn(sequence, record) and Forget(sequence, record), which
+/// change nothing when memory runs out; a record that was not learnt may be forgotten. A null that the
+/// application has added is never found. See RecordIndex.h for what it consists of.
 template <class Record, class Index>
 class RecordTable : public Collection<std::shared_ptr<Record>>, private RecordWatcher {
 public:

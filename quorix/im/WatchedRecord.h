@@ -1,4 +1,5 @@
-// A record that tells the tables that it stands in of each change of a field that they find it by.
+/// \file
+/// A record that tells the tables that it stands in of each change of a field that they find it by.
 #pragma once
 
 #include <forward_list>
@@ -8,7 +9,7 @@
 
 namespace quorix {
 
-// What a record tells the tables that it stands in, around each change of a field that they find it by.
+/// What a record tells the tables that it stands in, around each change of a field that they find it by.
 class RecordWatcher {
 public:
     virtual void Forget(Sequence sequence) = 0;
@@ -18,7 +19,7 @@ protected:
     ~RecordWatcher() = default;
 };
 
-// The base of such a record. A record may stand in several tables, and in one several times.
+/// The base of such a record. A record may stand in several tables, and in one several times.
 class WatchedRecord {
 public:
     WatchedRecord() = default;

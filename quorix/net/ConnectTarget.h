@@ -1,4 +1,5 @@
-// Where to connect.
+/// \class quorix::ConnectTarget
+/// Where to connect.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +11,11 @@
 namespace quorix {
 
 struct QUORIX_API ConnectTarget {
-    String host;  // a name or a literal address (text)
+    String host;  ///< a name or a literal address (text)
     std::uint16_t port = 0;
 
-    // When set: the service (of `host` as its domain) whose SRV records say where to connect. Where there are
-    // none, host and port do.
+    /// When set: the service (of `host` as its domain) whose SRV records say where to connect. Where there
+    /// are none, host and port do.
     std::string service = {};
 };
 

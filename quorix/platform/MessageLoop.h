@@ -1,4 +1,4 @@
-/// \file
+/// \class quorix::MessageLoop
 /// The thread's message loop, for an application that has none of its own.
 ///
 /// On Linux this is the thread's default GLib main context, on Windows the thread's message queue: an

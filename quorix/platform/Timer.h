@@ -1,4 +1,4 @@
-/// \file
+/// \class quorix::Timer
 /// A timer that belongs to one object and ends with it.
 ///
 /// Threads: it ticks in the message loop of the thread that started it.

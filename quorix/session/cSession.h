@@ -1,18 +1,20 @@
-// One account's connection to a Jabber server: the object that an application creates first.
-//
-// Set ServerAddress, Port, username, Password and Resource, Advise a SessionEvents, call Connect, and run the
-// thread's message loop: everything the server sends arrives as events. The session speaks the
-// `jabber:client` stream (RFC 3920's predecessor) and logs in by jabber:iq:auth (XEP-0078); it knows no SASL.
-//
-// Ownership: made by Create and shared with the application. Dropping the last reference ends the session
-// without a word to the server; Disconnect says good-bye. Records given out by events may be kept. The
-// session owns its sinks: a sink that holds its session in a shared_ptr keeps both alive for ever, and no
-// leak checker shows it. A sink holds a reference or a weak_ptr. Threads: a session, its records and its
-// timers belong to the thread that created it. Errors: an AutomationError for an impossible argument, and in
-// KV_Modern 10057 for whatever is to be sent while not connected. Network and protocol failures are events.
-// Text: in KV_Modern every value of the session and its records is text, and where a comment tells text from
-// wire text (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the
-// stanza.
+/// \class quorix::cSession
+/// One account's connection to a Jabber server: the object that an application creates first.
+///
+/// Set ServerAddress, Port, username, Password and Resource, Advise a SessionEvents, call Connect, and run
+/// the thread's message loop: everything the server sends arrives as events. The session speaks the
+/// `jabber:client` stream (RFC 3920's predecessor) and logs in by jabber:iq:auth (XEP-0078); it knows no
+/// SASL.
+///
+/// Ownership: made by Create and shared with the application. Dropping the last reference ends the session
+/// without a word to the server; Disconnect says good-bye. Records given out by events may be kept. The
+/// session owns its sinks: a sink that holds its session in a shared_ptr keeps both alive for ever, and no
+/// leak checker shows it. A sink holds a reference or a weak_ptr. Threads: a session, its records and its
+/// timers belong to the thread that created it. Errors: an AutomationError for an impossible argument, and in
+/// KV_Modern 10057 for whatever is to be sent while not connected. Network and protocol failures are events.
+/// Text: in KV_Modern every value of the session and its records is text, and where a comment tells text from
+/// wire text (see WireText.h) it speaks of KV_Classic. A value that is sent never leaves its place in the
+/// stanza.
 #pragma once
 
 #include <memory>
@@ -42,60 +44,60 @@ class QUORIX_API cSession final {
 public:
     static std::shared_ptr<cSession> Create();
 
-    // Sinks are kept until Unadvise. Both may be called inside an event.
+    /// Sinks are kept until Unadvise. Both may be called inside an event.
     void Advise(std::shared_ptr<SessionEvents> sink);
     void Unadvise(const std::shared_ptr<SessionEvents>& sink);
 
-    // KV_Classic at first. Error 5 unless the socket is closed, 6 for a value that is no mode.
+    /// KV_Classic at first. Error 5 unless the socket is closed, 6 for a value that is no mode.
     eMode Mode() const;
     void Mode(eMode value);
 
     // -- Account and server --
 
-    // Host name of the server, and the domain that every request to the server is addressed to.
+    /// Host name of the server, and the domain that every request to the server is addressed to.
     String ServerAddress() const;
     void ServerAddress(StringView value);
 
-    // The name before the "@". In KV_Classic it is wire text and goes out as it is, unescaped.
+    /// The name before the "@". In KV_Classic it is wire text and goes out as it is, unescaped.
     String username() const;
     void username(StringView value);
 
     String Password() const;
     void Password(StringView value);
 
-    // Servers refuse an empty resource.
+    /// Servers refuse an empty resource.
     String Resource() const;
     void Resource(StringView value);
 
-    // A signed 16-bit property whose unsigned value goes to the wire. No default.
+    /// A signed 16-bit property whose unsigned value goes to the wire. No default.
     std::int16_t Port() const;
     void Port(std::int16_t value);
 
-    // In KV_Modern: the host to connect to in place of ServerAddress (text), "" for none. With neither this
-    // nor Port set, the domain's SRV records say where the server is; else Port 0 counts as 5222. Every
-    // address, IPv6 or IPv4, is tried in turn.
+    /// In KV_Modern: the host to connect to in place of ServerAddress (text), "" for none. With neither this
+    /// nor Port set, the domain's SRV records say where the server is; else Port 0 counts as 5222. Every
+    /// address, IPv6 or IPv4, is tried in turn.
     String ConnectHost() const;
     void ConnectHost(StringView value);
 
-    // In KV_Modern: seconds from Connect, and from each attempt to connect again, until the login must have
-    // succeeded: then OnError 408, and the session ends and reconnects as configured. 0 is no limit, 30 the
-    // default. Error 6 for a negative value.
+    /// In KV_Modern: seconds from Connect, and from each attempt to connect again, until the login must have
+    /// succeeded: then OnError 408, and the session ends and reconnects as configured. 0 is no limit, 30 the
+    /// default. Error 6 for a negative value.
     std::int32_t LoginTimeout() const;
     void LoginTimeout(std::int32_t value);
 
-    // In KV_Modern: bytes that the stream's header, or one stanza, may have; 0 is no limit, 10 MiB the
-    // default. More is an OnError, and the session ends. Error 6 for a negative value.
+    /// In KV_Modern: bytes that the stream's header, or one stanza, may have; 0 is no limit, 10 MiB the
+    /// default. More is an OnError, and the session ends. Error 6 for a negative value.
     std::int32_t MaxStanzaSize() const;
     void MaxStanzaSize(std::int32_t value);
 
-    // Runs the whole connection over TLS from its first byte. Copied to the socket at each Connect.
+    /// Runs the whole connection over TLS from its first byte. Copied to the socket at each Connect.
     bool UseSSL() const;
     void UseSSL(bool value);
 
     eAuthType AuthType() const;
     void AuthType(eAuthType value);
 
-    // The account's address: `username`, "@" and `ServerAddress`, without a resource.
+    /// The account's address: `username`, "@" and `ServerAddress`, without a resource.
     String MyJid() const;
 
     // -- The user's own presence: stored here, sent by SendMyPresence --
@@ -107,25 +109,25 @@ public:
     String Status() const;
     void Status(StringView value);
     eShowType ShowType() const;
-    // Kept in 16 bits: error 6 for what does not fit.
+    /// Kept in 16 bits: error 6 for what does not fit.
     void ShowType(eShowType value);
 
     // -- Keeping the line --
 
-    // White space sent every KeepAliveInterval units of 64 seconds. Setting the interval to 0 also switches
-    // KeepAlive off; an interval of 0 or less is never armed. Both take effect at the next login. In
-    // KV_Modern a server that has been silent for one interval is asked something, and after another one the
-    // session ends with OnError 408.
+    /// White space sent every KeepAliveInterval units of 64 seconds. Setting the interval to 0 also switches
+    /// KeepAlive off; an interval of 0 or less is never armed. Both take effect at the next login. In
+    /// KV_Modern a server that has been silent for one interval is asked something, and after another one the
+    /// session ends with OnError 408.
     bool KeepAlive() const;
     void KeepAlive(bool value);
     std::int16_t KeepAliveInterval() const;
     void KeepAliveInterval(std::int16_t value);
 
-    // After a loss (not after Disconnect): connect again every ReconnectInterval seconds. A loss and the
-    // attempt that follows it count as two against ReconnectAttempts. A negative interval is never armed.
-    // In KV_Modern also after a first attempt that failed; each wait is twice the one before, up to 16
-    // intervals, and up to a quarter shorter or longer; each attempt counts one, a login resets the count,
-    // and OnError 408 tells that the last one has failed.
+    /// After a loss (not after Disconnect): connect again every ReconnectInterval seconds. A loss and the
+    /// attempt that follows it count as two against ReconnectAttempts. A negative interval is never armed.
+    /// In KV_Modern also after a first attempt that failed; each wait is twice the one before, up to 16
+    /// intervals, and up to a quarter shorter or longer; each attempt counts one, a login resets the count,
+    /// and OnError 408 tells that the last one has failed.
     bool Reconnect() const;
     void Reconnect(bool value);
     std::int16_t ReconnectAttempts() const;
@@ -133,8 +135,8 @@ public:
     std::int16_t ReconnectInterval() const;
     void ReconnectInterval(std::int16_t value);
 
-    // In KV_Modern: seconds until the next attempt to connect again, rounded up; 0 when none is waited for,
-    // and still inside the events of the loss or failure before it.
+    /// In KV_Modern: seconds until the next attempt to connect again, rounded up; 0 when none is waited for,
+    /// and still inside the events of the loss or failure before it.
     std::int32_t ReconnectDelay() const;
 
     // -- Proxy --
@@ -153,7 +155,7 @@ public:
     void ProxyType(eProxyType value);
     String ProxyHostname() const;
     void ProxyHostname(StringView value);
-    // 0 to 65535: error 6 for anything else.
+    /// 0 to 65535: error 6 for anything else.
     std::int32_t ProxyPort() const;
     void ProxyPort(std::int32_t value);
     String ProxyUsername() const;
@@ -163,67 +165,67 @@ public:
     eProxy_Authentication ProxyAuthentication() const;
     void ProxyAuthentication(eProxy_Authentication value);
 
-    // Error 13 when it is read before it was ever set.
+    /// Error 13 when it is read before it was ever set.
     bool ProxyUseRemoteDNS() const;
     void ProxyUseRemoteDNS(bool value);
 
     // -- State --
 
-    // The stream id, and what the server offered for the login.
+    /// The stream id, and what the server offered for the login.
     String SessionID() const;
     bool digest() const;
     std::int32_t Sequence() const;
     String Token() const;
 
-    // True from the login's success until the connection ends.
+    /// True from the login's success until the connection ends.
     bool Active() const;
-    // The connection is up, logged in or not.
+    /// The connection is up, logged in or not.
     bool IsConnected() const;
     String LocalIP() const;
 
-    // The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
-    // SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. In KV_Classic TLS connects before Connect
-    // returns, so an application judges the certificate there, and Disconnects when it does not trust it: no
-    // password has been sent by then. In KV_Modern what is not trusted, or is not the SSLPin, ends the
-    // session with OnSocketError 101 before anything was sent. Its events are the session's alone.
+    /// The connection itself, for its TimeOut and what TLS needs and tells: SSLCAFile before Connect;
+    /// SSLTrusted, SSLCipher, SSLSubject and SSLIssuer after it. In KV_Classic TLS connects before Connect
+    /// returns, so an application judges the certificate there, and Disconnects when it does not trust it: no
+    /// password has been sent by then. In KV_Modern what is not trusted, or is not the SSLPin, ends the
+    /// session with OnSocketError 101 before anything was sent. Its events are the session's alone.
     const std::shared_ptr<cSocketSSL>& Socket() const;
 
     // -- Connection --
 
-    // Opens the connection, after closing one that is open. With `bNewUser` the account is created first
-    // (jabber:iq:register), then the session logs in with it.
+    /// Opens the connection, after closing one that is open. With `bNewUser` the account is created first
+    /// (jabber:iq:register), then the session logs in with it.
     void Connect(bool bNewUser = false);
 
-    // Says good-bye and closes; no reconnection follows.
+    /// Says good-bye and closes; no reconnection follows.
     void Disconnect();
 
-    // Sends XML as it is: wire text in KV_Classic, text in KV_Modern. Part of every sender. While the socket
-    // is not connected, what is sent is dropped in silence in KV_Classic; KV_Modern raises error 10057.
+    /// Sends XML as it is: wire text in KV_Classic, text in KV_Modern. Part of every sender. While the socket
+    /// is not connected, what is sent is dropped in silence in KV_Classic; KV_Modern raises error 10057.
     void SendXML(StringView xml);
 
-    // "KV_1", "KV_2", ... The current id is the last one given out.
+    /// "KV_1", "KV_2", ... The current id is the last one given out.
     String GetNextID();
     String GetCurrentID() const;
 
-    // Text to wire text without escaping; wire text to text, entities resolved. See modUTF_8.h for the
-    // limits.
+    /// Text to wire text without escaping; wire text to text, entities resolved. See modUTF_8.h for the
+    /// limits.
     String Convert2UTF8(StringView sIn) const;
     String Convert2Unicode(StringView sIn) const;
 
     // -- Presence (RFC 3921) --
 
-    // The presences known, one record for each address and resource. Never null.
+    /// The presences known, one record for each address and resource. Never null.
     PresenceTable& Presence();
 
-    // Sends Status, ShowType and Priority to everybody who may see them.
+    /// Sends Status, ShowType and Priority to everybody who may see them.
     void SendMyPresence();
 
-    // Sends a presence or a subscription request or answer to `jid` (wire text in KV_Classic; "" is
-    // everybody). `status` is text. In KV_Classic it delivers what is pending on the
-    // message loop before it returns.
+    /// Sends a presence or a subscription request or answer to `jid` (wire text in KV_Classic; "" is
+    /// everybody). `status` is text. In KV_Classic it delivers what is pending on the
+    /// message loop before it returns.
     void SendPresence(StringView jid, eSubType subType, StringView status);
 
-    // See PresenceTable::FindPresence for the three manners of finding, and the cursor they share.
+    /// See PresenceTable::FindPresence for the three manners of finding, and the cursor they share.
     std::int32_t FindPresence(StringView jid, StringView resource, bool primary);
 
     String RemoveResource(StringView jid) const;
@@ -234,41 +236,41 @@ public:
     RosterTable& Roster();
     void FetchRoster();
 
-    // A contact to fill and Add. It enters the table when the server reports it, not here.
+    /// A contact to fill and Add. It enters the table when the server reports it, not here.
     std::shared_ptr<cRosterItem> CreateRosterItem();
     std::int16_t FindRosterItem(StringView jid) const;
-    // Raises OnReceiveRosterItem for each contact in a message. Error 91 for null.
+    /// Raises OnReceiveRosterItem for each contact in a message. Error 91 for null.
     void ParseReceiveRoster(const NodePtr& message);
 
     // -- Messages --
 
-    // A message to fill and send. `toJid` is wire text, `body` and `subject` are text.
+    /// A message to fill and send. `toJid` is wire text, `body` and `subject` are text.
     std::shared_ptr<cMessage> CreateMessage(StringView toJid, eMsgType type, StringView body,
                                             StringView subject);
 
-    // Tells `jid` what became of its message `id`: typing, displayed, delivered (jabber:x:event, XEP-0022).
+    /// Tells `jid` what became of its message `id`: typing, displayed, delivered (jabber:x:event, XEP-0022).
     void SendEvent(StringView jid, eEvent event, StringView id, bool cancel = false);
 
     // -- The account (jabber:iq:register, XEP-0077) --
 
-    // OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the new password go out
-    // unescaped. In KV_Modern error 5 without TLS, unless AuthType is KV_PlainAuth.
+    /// OnChangedPassword follows. Password stays as it is. In KV_Classic the name and the new password go out
+    /// unescaped. In KV_Modern error 5 without TLS, unless AuthType is KV_PlainAuth.
     void ChangePassword(StringView NewPassword);
-    // OnAccountRemoved follows.
+    /// OnAccountRemoved follows.
     void RemoveAccount();
 
     // -- Agents (jabber:iq:agents) --
 
-    // What FetchAgents has brought, keyed by name.
+    /// What FetchAgents has brought, keyed by name.
     Collection<std::shared_ptr<cAgentItem>>& Agents();
     void FetchAgents();
     std::int16_t FindAgent(StringView JID) const;
-    // Asks an agent for its registration form under the id `ID`. The reply fills the agent's Fields.
+    /// Asks an agent for its registration form under the id `ID`. The reply fills the agent's Fields.
     void GetAgentRegister(StringView JID, StringView ID);
 
     // -- Searching (jabber:iq:search, XEP-0055): requests are the agents' --
 
-    // None is ever null. Fields and results are emptied when the connection ends.
+    /// None is ever null. Fields and results are emptied when the connection ends.
     const std::shared_ptr<cSearchFields>& SearchFields() const;
     const std::shared_ptr<cSearchResults>& Searchresults() const;
     const std::shared_ptr<cXData>& SearchXData() const;
@@ -276,17 +278,17 @@ public:
     // -- Business cards (vcard-temp, XEP-0054) --
 
     void SendVCardRequest(StringView JID);
-    // Publishes the card as the user's own, whole. Nothing happens without one.
+    /// Publishes the card as the user's own, whole. Nothing happens without one.
     void UpdateVcard(const std::shared_ptr<cVcard>& vcard);
 
     // -- Rooms (jabber:iq:browse, jabber:iq:conference) --
 
-    // The rooms joined; FindGroupChat gives positions in it, by the exact JID.
+    /// The rooms joined; FindGroupChat gives positions in it, by the exact JID.
     Collection<std::shared_ptr<cGroupChat>>& Rooms();
     std::int32_t FindGroupChat(StringView JID) const;
     void BrowseChatServer(StringView JID, StringView ID);
     void BrowseChatRoom(StringView JID, StringView ID);
-    // Joins or leaves. Error 91 without a room.
+    /// Joins or leaves. Error 91 without a room.
     void SendGroupChatRequest(const std::shared_ptr<cGroupChat>& groupChat, bool available);
     void SendGroupChatPresence(StringView groupJID, eShowType showType, StringView status);
     void ChangeGCNickName(const std::shared_ptr<cGroupChat>& groupChat, StringView sNickname);
@@ -297,24 +299,24 @@ public:
     void SendVersionRequest(StringView JID);
     void SendTimeRequest(StringView JID);
     void SendLastSeenRequest(StringView JID);
-    // The answers carry a fresh id. In KV_Classic all values are wire text.
+    /// The answers carry a fresh id. In KV_Classic all values are wire text.
     void SendVersionResponse(StringView JID, StringView name, StringView version, StringView os);
     void SendTimeResponse(StringView JID, StringView utc, StringView timeZone, StringView display);
     void SendGetLastResponse(StringView JID, StringView seconds);
 
     // -- Private storage (jabber:iq:private, XEP-0049) and file offers (jabber:iq:oob, XEP-0066) --
 
-    // Error 5 for a namespace without ":".
+    /// Error 5 for a namespace without ":".
     void StorePrivateData(StringView nameSpace, StringView data);
-    // Sends nothing, always "". Ask with SendXML; the answer comes with OnIQ.
+    /// Sends nothing, always "". Ask with SendXML; the answer comes with OnIQ.
     String getPrivateData(StringView nameSpace);
     void SendOOBRequest(StringView JID, StringView description, StringView url);
     void SendOOBComplete(StringView JID);
 
     // -- What a JID is --
 
-    // `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
-    // contact (without the resource, ASCII case aside), else unknown.
+    /// `jid` is wire text. A joined room (exactly this JID, as text or as wire text), else an agent, else a
+    /// contact (without the resource, ASCII case aside), else unknown.
     eItemType FindItemType(StringView jid);
 
     cSession(const cSession&) = delete;
