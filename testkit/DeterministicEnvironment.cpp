@@ -260,7 +260,10 @@ std::int32_t DeterministicEnvironment::WaitUntil(const std::function<bool()>& re
 }
 
 std::int32_t DeterministicEnvironment::WaitReadable(SocketId id, std::int32_t milliseconds) {
-    auto ready = [&] { return !Inbound(At(id)).chunks.empty() || Inbound(At(id)).ended; };
+    auto ready = [&] {
+        Socket& socket = At(id);
+        return socket.connected && (!Inbound(socket).chunks.empty() || Inbound(socket).ended);
+    };
     return WaitUntil(ready, milliseconds);
 }
 

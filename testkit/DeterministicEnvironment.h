@@ -192,7 +192,11 @@ private:
     };
 
     std::int32_t FailureOf(Call call);
-    Socket& At(SocketId socket) { return sockets_.at(socket); }
+    // Behind a handle that nobody made there is nothing. An application may name any.
+    Socket& At(SocketId socket) {
+        auto found = sockets_.find(socket);
+        return found != sockets_.end() ? found->second : foreign_ = Socket();
+    }
     Pipe& Inbound(Socket& socket);
     Pipe& Outbound(Socket& socket);
     SocketId NewId() { return nextId_++; }
@@ -214,6 +218,7 @@ private:
     Use use_{*this};
     std::int64_t now_ = 1000;
     std::map<SocketId, Socket> sockets_;
+    Socket foreign_;
     std::deque<Notification> queue_;
     TimerQueue timers_;
     std::map<SocketId, TimerId> socketTimers_;

@@ -17,6 +17,7 @@ FOLDERS = {
     "tests": {"quorix", "testkit", "apps"},
     "bench": {"quorix", "testkit", "tests"},
     "fuzz": {"quorix", "testkit", "apps"},
+    "python": {"quorix"},
 }
 # What depends on the mode is a rule; who asks for the mode has missed one.
 MODE = re.compile(r"\bKV_(Classic|Modern)\b|\bMode\(\) *[!=]=|[!=]= *[\w.>-]*\bMode\(\)")

@@ -193,6 +193,10 @@ public:
     virtual void Run() = 0;       // delivers until Quit
     virtual void Quit() = 0;
 
+    // See MessageLoop. -1 where a loop cannot wait for a descriptor.
+    virtual int Descriptor() { return -1; }
+    virtual void Dispatch() { DoEvents(); }
+
     virtual void CriticalMessage(StringView text, StringView title) = 0;
 };
 

@@ -17,6 +17,14 @@ public:
 
     /// Delivers what is pending and returns.
     static void DoEvents();
+
+    /// For a loop that waits for descriptors (poll, asyncio, libuv, asio): this one of the thread's is
+    /// readable when there is something to do, and Dispatch does it. It stays the library's own; it is not to
+    /// be read or closed. Once asked for, it stands for everything on the thread's main context. -1 on
+    /// Windows, where a loop delivers messages anyway.
+    static int Descriptor();
+    /// Delivers some of what is pending and returns; the descriptor stays readable while there is more.
+    static void Dispatch();
 };
 
 }  // namespace quorix

@@ -101,7 +101,7 @@ PosixEnvironment::PosixEnvironment()
         g_main_context_push_thread_default(context_);
     }
     static GSourceFuncs functions = {nullptr, nullptr, OnTimers, nullptr, nullptr, nullptr};
-    poll_ = std::make_unique<SocketPoll>(context_);
+    poll_ = std::make_unique<SocketPoll>(context_, [this] { NeedsATurn(); });
     timerSource_ = g_source_new(&functions, sizeof(TimerSource));
     reinterpret_cast<TimerSource*>(timerSource_)->environment = this;
     g_source_set_can_recurse(timerSource_, TRUE);
@@ -113,6 +113,7 @@ PosixEnvironment::~PosixEnvironment() {
     g_source_unref(timerSource_);
     sockets_.clear();
     poll_.reset();
+    hosted_.reset();
     if (ownsContext_) g_main_context_pop_thread_default(context_);
     g_main_context_unref(context_);
 }
@@ -317,6 +318,7 @@ std::int64_t PosixEnvironment::Milliseconds() { return Now(); }
 void PosixEnvironment::DoEvents() {
     for (int round = 0; round < kRoundsOfDoEvents && g_main_context_iteration(context_, FALSE); ++round) {
     }
+    NeedsATurn();
 }
 
 // A Quit that comes before the loop runs (from an event inside Connect, say) counts for the next one.
@@ -327,6 +329,21 @@ void PosixEnvironment::Run() {
 }
 
 void PosixEnvironment::Quit() { quit_ = true; }
+
+int PosixEnvironment::Descriptor() {
+    if (!hosted_) hosted_ = std::make_unique<HostedLoop>(context_);
+    return hosted_->Descriptor();
+}
+
+void PosixEnvironment::Dispatch() {
+    Descriptor();
+    hosted_->Dispatch();
+}
+
+// The context tells of its timers by itself; of sockets it knows when it asks.
+void PosixEnvironment::NeedsATurn() {
+    if (hosted_) hosted_->Changed();
+}
 
 void PosixEnvironment::CriticalMessage(StringView, StringView) {}
 

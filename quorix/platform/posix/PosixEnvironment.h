@@ -11,6 +11,7 @@
 
 #include "quorix/platform/Environment.h"
 #include "quorix/platform/TimerQueue.h"
+#include "quorix/platform/posix/HostedLoop.h"
 #include "quorix/platform/posix/Resolver.h"
 #include "quorix/platform/posix/SocketPoll.h"
 #include "quorix/platform/posix/SocketWatch.h"
@@ -70,6 +71,8 @@ public:
     void DoEvents() override;
     void Run() override;
     void Quit() override;
+    int Descriptor() override;
+    void Dispatch() override;
     void CriticalMessage(StringView text, StringView title) override;
 
 private:
@@ -81,10 +84,12 @@ private:
     void RestListener(SocketId listener);
     void RunDueTimers();
     void UpdateTimerSource();
+    void NeedsATurn();
 
     GMainContext* context_;
     bool ownsContext_;
     Resolver resolver_;
+    std::unique_ptr<HostedLoop> hosted_;  // once somebody has asked for the descriptor
     std::unique_ptr<SocketPoll> poll_;
     std::unordered_map<SocketId, std::shared_ptr<SocketWatch>> sockets_;
     GSource* timerSource_;

@@ -22,7 +22,8 @@ struct SocketPoll::Source {
     SocketPoll* poll;
 };
 
-SocketPoll::SocketPoll(GMainContext* context) : epoll_(epoll_create1(EPOLL_CLOEXEC)) {
+SocketPoll::SocketPoll(GMainContext* context, std::function<void()> touched)
+    : onTouched_(std::move(touched)), epoll_(epoll_create1(EPOLL_CLOEXEC)) {
     static GSourceFuncs functions = {OnPrepare, OnCheck, OnDispatch, nullptr, nullptr, nullptr};
     source_ = g_source_new(&functions, sizeof(Source));
     reinterpret_cast<Source*>(source_)->poll = this;
@@ -69,7 +70,9 @@ bool SocketPoll::Includes(const GPollFD& wakeUp) {
 }
 
 void SocketPoll::Touch(SocketWatch& watch) {
-    if (!std::exchange(watch.isTouched_, true)) touched_.push_back(watch.weak_from_this());
+    if (std::exchange(watch.isTouched_, true)) return;
+    touched_.push_back(watch.weak_from_this());
+    onTouched_();
 }
 
 // A descriptor that was closed behind our back has left the set by itself.

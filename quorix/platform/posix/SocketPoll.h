@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -22,7 +23,8 @@ inline constexpr std::int64_t kLongestTurn = 10000;
 
 class SocketPoll {
 public:
-    explicit SocketPoll(GMainContext* context);
+    // Calls `touched` when a socket is touched that was not.
+    SocketPoll(GMainContext* context, std::function<void()> touched);
     ~SocketPoll();
     SocketPoll(const SocketPoll&) = delete;
     SocketPoll& operator=(const SocketPoll&) = delete;
@@ -60,6 +62,7 @@ private:
     gint Gather(gint milliseconds, GPollFD* wakeUp);
     void DeliverForATurn();
 
+    std::function<void()> onTouched_;
     int epoll_;
     int wakeUp_ = -1;  // the context's, once it is in the set; its data are null
     GSource* source_;

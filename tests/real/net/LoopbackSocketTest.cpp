@@ -1,5 +1,6 @@
 // The socket on the system's own sockets and message loop.
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 
@@ -41,6 +42,38 @@ protected:
     std::shared_ptr<SocketRecorder> server = SocketRecorder::Create();
     std::shared_ptr<SocketRecorder> client = SocketRecorder::Create();
 };
+
+// Readable within that time, in milliseconds.
+bool HasWork(int milliseconds) {
+    pollfd loop = {MessageLoop::Descriptor(), POLLIN, 0};
+    return poll(&loop, 1, milliseconds) == 1;
+}
+
+template <class Done>
+bool HostUntil(Done done) {
+    while (!done()) {
+        if (!HasWork(5000)) return false;
+        MessageLoop::Dispatch();
+    }
+    return true;
+}
+
+TEST_F(Loopback, RunsInALoopThatWaitsForOneDescriptorAndSleepsThereWhenIdle) {
+    client->socket->Connect();
+    ASSERT_TRUE(HostUntil([&] { return client->log.size() >= 2 && !server->log.empty(); }));
+    client->socket->SendData(u"question");
+    server->on["data"] = [&] { server->socket->SendData(u"answer"); };
+    ASSERT_TRUE(HostUntil([&] { return client->received == "answer"; }));
+
+    int ticks = 0;
+    Environment& environment = Environment::Current();
+    const TimerId timer = environment.SetTimer(30, [&] { ++ticks; });
+    ASSERT_TRUE(HostUntil([&] { return ticks == 2; }));
+    environment.KillTimer(timer);
+    int turns = 0;
+    while (HasWork(50) && ++turns < 10) MessageLoop::Dispatch();
+    EXPECT_LT(turns, 10) << "nothing is left to do";
+}
 
 TEST_F(Loopback, CarriesBytesBothWaysAlsoForAPumpInsideAHandlerAndCloses) {
     Establish();

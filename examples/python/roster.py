@@ -1,0 +1,28 @@
+#!/usr/bin/python3
+"""Adds a contact, if one is named, and prints all there are. roster.py HOST PORT USER PASSWORD [JID NICKNAME]"""
+import asyncio
+import sys
+
+import quorix
+
+
+async def main(host: str, port: str, user: str, password: str, jid: str = "", nickname: str = "") -> None:
+    session = quorix.cSession(ServerAddress=host, Port=int(port), username=user, Password=password, Resource="roster")
+    complete = asyncio.Event()
+    session.on("OnRosterEnd", complete.set)
+    await session.login()
+    if jid:
+        contact = session.CreateRosterItem()
+        contact.JID, contact.NickName = jid, nickname
+        contact.AddGroup("Friends")
+        contact.Add()
+        await complete.wait()  # the server's own word that it is there
+        complete.clear()
+    session.FetchRoster()
+    await asyncio.wait_for(complete.wait(), timeout=30)
+    for contact in session.Roster:
+        print(contact.JID, contact.NickName, contact.Subscription.name, *contact.Groups)
+    session.Disconnect()
+
+
+asyncio.run(main(*sys.argv[1:]))

@@ -1,0 +1,59 @@
+// Python's objects, counted; and its errors on their way through C++.
+#pragma once
+
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <utility>
+
+namespace quorix::python {
+
+// Python's own error indicator is set.
+struct ErrorIsSet {};
+
+// Owns one reference.
+class Reference {
+public:
+    Reference() = default;
+    ~Reference() { Py_XDECREF(object_); }
+    Reference(Reference&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    Reference& operator=(Reference other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+    Reference(const Reference& other) : object_(Py_XNewRef(other.object_)) {}
+
+    static Reference Borrow(PyObject* object) { return Reference(Py_XNewRef(object)); }
+    // What a call of Python's returned as new. Throws ErrorIsSet for null.
+    static Reference Steal(PyObject* made) {
+        if (made == nullptr) throw ErrorIsSet();
+        return Reference(made);
+    }
+
+    PyObject* Get() const { return object_; }
+    PyObject* Release() { return std::exchange(object_, nullptr); }
+    explicit operator bool() const { return object_ != nullptr; }
+
+private:
+    explicit Reference(PyObject* object) : object_(object) {}
+
+    PyObject* object_ = nullptr;
+};
+
+inline void Check(int result) {
+    if (result < 0) throw ErrorIsSet();
+}
+
+// Holds the interpreter's lock, whoever had it.
+class Lock {
+public:
+    Lock() : state_(PyGILState_Ensure()) {}
+    ~Lock() { PyGILState_Release(state_); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    PyGILState_STATE state_;
+};
+
+}  // namespace quorix::python
