@@ -58,7 +58,6 @@ try_packages() {
     inside quorix-console --version
     inside sh -euc '
         cp -r /usr/share/doc/libquorix-dev/examples /tmp/examples
-        gunzip -q /tmp/examples/*.gz 2>/dev/null || true
         cmake -S /tmp/examples -B /tmp/examples-built >/dev/null && cmake --build /tmp/examples-built
         cmake -S /consumer -B /tmp/consumer >/dev/null && cmake --build /tmp/consumer && /tmp/consumer/consumer
         g++ -std=c++20 /consumer/consumer.cpp -o /tmp/by-pkg-config $(pkg-config --cflags --libs quorix)
