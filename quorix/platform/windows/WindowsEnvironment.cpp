@@ -116,7 +116,7 @@ void CALLBACK OnTick(HWND, UINT, UINT_PTR timer, DWORD) {
     }
 }
 
-void Dispatch(const MSG& message) {
+void Handle(const MSG& message) {
     TranslateMessage(&message);
     DispatchMessageW(&message);
 }
@@ -261,13 +261,13 @@ public:
                 PostQuitMessage(static_cast<int>(message.wParam));
                 return;
             }
-            Dispatch(message);
+            Handle(message);
         }
     }
 
     void Run() override {
         MSG message;
-        while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
+        while (GetMessageW(&message, nullptr, 0, 0) > 0) Handle(message);
     }
 
     void Quit() override { PostQuitMessage(0); }
