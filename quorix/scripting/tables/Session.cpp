@@ -126,9 +126,10 @@ const ClassTable& TableOf<cSession>() {
 
 template <>
 const ClassTable& TableOf<cAuth>() {
-    using T = cAuth;
-    static const auto table =
-        Class<T>("cAuth").Creatable().Method("SetSession", &SetSession<T>).Method("SendAuth", &T::SendAuth);
+    static const auto table = Class<cAuth>("cAuth")
+                                  .Creatable()
+                                  .Method("SetSession", &SetSession<cAuth>)
+                                  .Method("SendAuth", &cAuth::SendAuth);
     return table;
 }
 
