@@ -60,6 +60,17 @@ protected:
         for (const Object& object : objects) values.emplace_back(object);
     }
 
+    // Objects that were put into one another let go again.
+    ~EveryMember() override {
+        for (const Object& object : objects) {
+            for (const Member& member : object.table->Members()) {
+                const bool holds =
+                    member.parameters.size() == 1 && member.parameters[0].type.kind == Kind::Object;
+                if (holds) Refusal(member, object, {Nothing()}, 0);
+            }
+        }
+    }
+
     void CallWithEachIn(const Object& object, const Member& member, std::size_t place) {
         Values arguments;
         for (const Parameter& parameter : member.parameters) arguments.push_back(Harmless(parameter, values));
