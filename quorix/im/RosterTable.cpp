@@ -88,7 +88,8 @@ RosterIndex::Key::Key(const Entry& entry)
 
 bool RosterIndex::Order::operator()(const Key& left, const Key& right) const {
     if (left.hash != right.hash) return left.hash < right.hash;
-    if (std::weak_ordering order = CompareIgnoringCase(left.jid, right.jid); order != 0) return order < 0;
+    const std::weak_ordering order = CompareIgnoringCase(left.jid, right.jid);
+    if (std::is_neq(order)) return std::is_lt(order);
     return std::pair(left.jid, left.sequence) < std::pair(right.jid, right.sequence);
 }
 
