@@ -33,7 +33,7 @@ using Run = std::unique_ptr<xmlXPathParserContext, EndRun>;
 using Result = std::unique_ptr<xmlXPathObject, With<xmlXPathFreeObject>>;
 
 // The library takes an expression without brackets for a pattern, which finds nothing when memory runs out.
-std::string AsNoPattern(std::string xpath) {
+std::string AsNoPattern(const std::string& xpath) {
     return xpath.find_first_of("()[]@") == std::string::npos ? "(" + xpath + ")" : xpath;
 }
 

@@ -30,6 +30,7 @@ void GetPrivateData(T& session, StringView nameSpace) { session.getPrivateData(n
 }  // namespace
 
 template <>
+// A list, one line for each member: NOLINTNEXTLINE(readability-function-size)
 const ClassTable& TableOf<cSession>() {
     static const auto table =
         Class<T>("cSession")
