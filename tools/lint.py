@@ -76,7 +76,7 @@ class Batch:
         unit.write_text("".join(f'#include "{path}"  // NOLINT(bugprone-suspicious-include)\n' for path in self.paths))
         checks = f"--config-file={configurations(self.paths[0])[0]}"
         # The build is GCC's, which knows warnings that clang does not.
-        command = ["clang-tidy", "--quiet", checks, unit, "--", *self.common, "-Wno-unknown-warning-option"]
+        command = ["clang-tidy", "--quiet", checks, unit, "--", "-I.", *self.common, "-Wno-unknown-warning-option"]
         run = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True)
         unit.unlink()
         return run.returncode == 0, run.stdout + (run.stderr if run.returncode != 0 else "")

@@ -42,7 +42,7 @@ public:
 
 private:
     // The system's look-ups have numbers above 0.
-    LookUpId Later(std::function<void()> answer) {
+    LookUpId Later(const std::function<void()>& answer) {
         auto timer = std::make_shared<TimerId>();
         *timer = SetTimer(0, [this, timer, answer] {
             KillTimer(*timer);
