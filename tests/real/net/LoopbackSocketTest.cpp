@@ -138,7 +138,7 @@ TEST_F(Loopback, WhatNobodyServesCostsNoTime) {
     EXPECT_EQ(std::count(listener->log.begin(), listener->log.end(), "request"), 2);
 }
 
-#ifndef __SANITIZE_ADDRESS__  // the sanitizers need descriptors themselves
+#ifndef QUORIX_SANITIZED  // the sanitizers need descriptors themselves
 TEST_F(Loopback, AListenerOutOfDescriptorsRestsAndThenTakesTheConnection) {
     rlimit usual{};
     getrlimit(RLIMIT_NOFILE, &usual);

@@ -11,7 +11,7 @@ class Scripted {
 public:
     explicit Scripted(const char* className) : object_(TableNamed(className).MakeObject()) {}
 
-    Value Do(const char* name, Values arguments = {}) const {
+    Value Do(const char* name, const Values& arguments = {}) const {
         return Ask(name, MemberKind::Method, arguments);
     }
     void Put(const char* name, Value value) const { Ask(name, MemberKind::Put, {std::move(value)}); }

@@ -1,6 +1,8 @@
 // The face of the tables that all other faces stand on, over the deterministic environment.
 #pragma once
 
+#include <cmath>
+
 #include "testkit/DeterministicEnvironment.h"
 #include "tests/transcripts/runner/Face.h"
 
@@ -17,7 +19,7 @@ public:
 
     void Say(const std::string& bytes) override { env_.Peer().Say(bytes); }
     std::string Heard() override;
-    void Wait(double seconds) override { env_.Advance(static_cast<std::int64_t>(seconds * 1000 + 0.5)); }
+    void Wait(double seconds) override { env_.Advance(std::llround(seconds * 1000)); }
     void Settle() override { env_.DoEvents(); }
     bool Until(const std::function<bool()>& done) override;
     std::int16_t Port() const override { return 5222; }
