@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the source tarball and the Debian packages in build/package, and tries them in a bare system: installs them,
-# builds the examples and a project against them, runs the console, and removes everything again.
+# Makes the source tarball, the Debian packages and a wheel in build/package, and tries them in a bare system: installs
+# them, builds the examples and a project against them, runs the console, and removes everything again.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -12,7 +12,8 @@ name=quorix-$version
 out=$root/build/package
 bare=$out/bare
 maintainer=${DEBFULLNAME:-$(git log -1 --format=%cn)}" <"${DEBEMAIL:-$(git log -1 --format=%ce)}">"
-packages=(libquorix1 libquorix-dev quorix-console)
+use_module='import quorix; assert quorix.cSession(username="romeo").Mode == quorix.KV_Modern'
+packages=(libquorix1 libquorix-dev quorix-console python3-quorix)
 
 step() { printf '\n== %s (%d s)\n' "$1" "$SECONDS"; }
 
@@ -38,6 +39,32 @@ make_packages() {
         { tail -n 40 "$out/build.log" >&2; return 1; }
 }
 
+# The module as the package has it, for a virtual environment on a system with the same libraries.
+make_wheel() {
+    local folder=$out/wheel information=$out/wheel/quorix-$version.dist-info
+    mkdir -p "$information"
+    cp -r "$out/$name/debian/python3-quorix/usr/lib/python3/dist-packages/quorix" "$folder"
+    rm -rf "$folder/quorix/__pycache__"
+    printf 'Wheel-Version: 1.0\nGenerator: quorix\nRoot-Is-Purelib: false\nTag: %s\n' \
+        "$(/usr/bin/python3 -c 'import sys, sysconfig
+tag = f"cp{sys.version_info.major}{sys.version_info.minor}"
+print(tag, tag, sysconfig.get_platform().replace("-", "_"), sep="-")')" >"$information/WHEEL"
+    printf 'Metadata-Version: 2.1\nName: quorix\nVersion: %s\nSummary: Jabber client library\nRequires-Python: >=3.11\n' \
+        "$version" >"$information/METADATA"
+    cp LICENSE "$information"
+    /usr/bin/python3 -m wheel pack -d "$out" "$folder" >/dev/null
+    rm -rf "$folder"
+}
+
+# The wheel is tried as it is unpacked, beside no other module of this name.
+try_wheel() {
+    local folder
+    folder=$(mktemp -d)
+    /usr/bin/python3 -m wheel unpack -d "$folder" "$out"/*.whl >/dev/null
+    PYTHONPATH=$folder/quorix-$version /usr/bin/python3 -P -c "$use_module"
+    rm -rf "$folder"
+}
+
 # The changelog is of the package's first version, which answers no wish in Debian's list.
 inspect() { lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs "$out"/*.changes; }
 
@@ -56,6 +83,7 @@ try_packages() {
     inside apt-get install -y -qq --no-install-recommends g++ cmake make pkg-config >/dev/null
     inside sh -c 'apt-get install -y -qq --no-install-recommends /packages/*.deb' >/dev/null
     inside quorix-console --version
+    inside python3 -P -c "$use_module"
     inside sh -euc '
         cp -r /usr/share/doc/libquorix-dev/examples /tmp/examples
         cmake -S /tmp/examples -B /tmp/examples-built >/dev/null && cmake --build /tmp/examples-built
@@ -78,6 +106,9 @@ step "Source tarball"
 make_tarball
 step "Packages"
 make_packages
+step "Wheel"
+make_wheel
+try_wheel
 step "What lintian says"
 inspect
 step "A bare system"
@@ -88,4 +119,4 @@ step "Removed"
 remove_packages
 as_root rm -rf "$bare"
 step "Done"
-ls "$out"/*.tar.gz "$out"/*.deb
+ls "$out"/*.tar.gz "$out"/*.deb "$out"/*.whl
