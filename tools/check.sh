@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 cat <<'TEXT'
 Checks format, includes and lint, runs the tests, the torture and the fuzz corpora with sanitizers, and counts the
-instructions of the main paths. On two processors this takes up to 20 minutes from nothing, 5 when little has changed.
+instructions of the main paths. From nothing, the linter and the build with sanitizers take most of the time.
 TEXT
 need build console test check fuzz bench
 need_servers servers
