@@ -70,6 +70,7 @@ bool SocketPoll::Includes(const GPollFD& wakeUp) {
 }
 
 void SocketPoll::Touch(SocketWatch& watch) {
+    if (&watch == delivering_) return;  // it is asked when all is delivered
     if (std::exchange(watch.isTouched_, true)) return;
     touched_.push_back(watch.weak_from_this());
     onTouched_();
@@ -110,12 +111,17 @@ gboolean SocketPoll::OnDispatch(GSource* source, GSourceFunc, gpointer) {
 bool SocketPoll::HasNews() const { return g_source_query_unix_fd(source_, polled_) != 0; }
 
 void SocketPoll::AskTouched() {
+    if (delivering_ != nullptr) Ask(*delivering_);  // a pump nested in a handler of its events
     for (const std::weak_ptr<SocketWatch>& touched : std::exchange(touched_, {})) {
         std::shared_ptr<SocketWatch> watch = touched.lock();
         if (watch == nullptr) continue;
         watch->isTouched_ = false;
-        if (watch->Settle()) Enqueue(*watch);
+        Ask(*watch);
     }
+}
+
+void SocketPoll::Ask(SocketWatch& watch) {
+    if (watch.IsSelected() && watch.Settle()) Enqueue(watch);
 }
 
 void SocketPoll::Enqueue(SocketWatch& watch) {
@@ -138,13 +144,20 @@ gint SocketPoll::Gather(gint milliseconds, GPollFD* wakeUp) {
 
 // What is left when the turn is over stays due. A pump nested in a handler goes on with it.
 void SocketPoll::DeliverForATurn() {
-    std::int64_t end = g_get_monotonic_time() + kLongestTurn;
+    std::int64_t end = due_.size() > 1 ? g_get_monotonic_time() + kLongestTurn : 0;
     while (!due_.empty()) {
         std::shared_ptr<SocketWatch> watch = due_.front().lock();
         due_.pop_front();
-        if (watch != nullptr) watch->Dispatch();
-        if (g_get_monotonic_time() >= end) return;
+        if (watch != nullptr) Deliver(*watch);
+        if (!due_.empty() && g_get_monotonic_time() >= end) return;
     }
+}
+
+void SocketPoll::Deliver(SocketWatch& watch) {
+    SocketWatch* outer = std::exchange(delivering_, &watch);
+    watch.Dispatch();
+    delivering_ = outer;
+    Ask(watch);
 }
 
 }  // namespace quorix

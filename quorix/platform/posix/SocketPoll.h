@@ -56,17 +56,20 @@ private:
     static gint Poll(GPollFD* descriptors, guint count, gint milliseconds);
 
     void AskTouched();
+    void Ask(SocketWatch& watch);
     void Enqueue(SocketWatch& watch);
     bool HasNews() const;
     bool Includes(const GPollFD& wakeUp);
     gint Gather(gint milliseconds, GPollFD* wakeUp);
     void DeliverForATurn();
+    void Deliver(SocketWatch& watch);
 
     std::function<void()> onTouched_;
     int epoll_;
     int wakeUp_ = -1;  // the context's, once it is in the set; its data are null
     GSource* source_;
     gpointer polled_;
+    SocketWatch* delivering_ = nullptr;
     std::vector<std::weak_ptr<SocketWatch>> touched_;
     std::deque<std::weak_ptr<SocketWatch>> due_;
 };
