@@ -4,6 +4,7 @@
 
 #include "quorix/base/WireText.h"
 #include "quorix/session/StreamReader.h"
+#include "quorix/xml/XmlLimits.h"
 
 namespace quorix {
 
@@ -45,6 +46,7 @@ public:
             if (ended_) return {};
             StreamParser::Event event = parser_.Next();
             if (event == StreamParser::Event::Malformed) return Fail(u"XML not well-formed");
+            if (parser_.Depth() > kMaxOpenElements) return Fail(u"A stanza is nested too deeply");
             if (IsTooBig()) return Fail(u"A stanza is longer than MaxStanzaSize");
             switch (event) {
                 case StreamParser::Event::Opened: return TakeHeader();

@@ -58,6 +58,9 @@ public:
     // begins.
     ParsedXmlPtr TakeRest();
 
+    // Elements below the root that are open.
+    std::size_t Depth() const { return builder_.Depth(); }
+
     // The size of what has begun below the root and has not ended, or of the root's start tag; white space
     // beside elements does not count. After Element, that of the element.
     std::size_t PendingBytes() const;

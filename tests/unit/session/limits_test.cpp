@@ -18,6 +18,16 @@ TEST_F(LoggedIn, SurvivesANestingBombAndNamesThatAreNone) {
     EXPECT_EQ(Raised(names + "</message>"), Lines{"OnMessage x"});
 }
 
+TEST_F(SessionTest, EndsWhereNestingOnlyCostsMemoryInTheModernMode) {
+    session->Mode(KV_Modern);
+    session->Reconnect(false);
+    LogIn();
+    const Lines tooDeep{"OnError s 0 A stanza is nested too deeply", "OnDisConnected"};
+    std::string bomb;
+    for (int i = 0; i < 110000; ++i) bomb += "<a>";
+    EXPECT_EQ(Raised(bomb), tooDeep);
+}
+
 TEST_F(LoggedIn, TakesAnAttributeOfTwelveMegabytes) {
     Say("<a b='" + std::string(12 << 20, 'x') + "'/>");
     ASSERT_EQ(events->incoming.size(), 1U);
