@@ -4,9 +4,11 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/time.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
+#include <list>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -24,7 +26,7 @@ constexpr std::string_view kQuery =
 
 class Socket {
 public:
-    Socket() : number_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+    explicit Socket(int family = AF_INET) : number_(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
     ~Socket() { close(number_); }
     Socket(const Socket&) = delete;
     Socket& operator=(const Socket&) = delete;
@@ -50,6 +52,20 @@ bool Binds(int port) {
     return bind(probe.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
+// For as long as this process lives, since a server's port is free while the server is down: by a name in no
+// folder, which one process at a time can have.
+bool Reserves(int port) {
+    static std::list<Socket> held;
+    sockaddr_un name{AF_UNIX, {}};
+    ("quorix port " + std::to_string(port)).copy(name.sun_path + 1, sizeof name.sun_path - 1);
+    if (bind(held.emplace_back(AF_UNIX).Number(), reinterpret_cast<const sockaddr*>(&name), sizeof name) ==
+        0) {
+        return true;
+    }
+    held.pop_back();
+    return false;
+}
+
 bool Connects(const Socket& socket, int port) {
     const sockaddr_in address = Address(port);
     return connect(socket.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
@@ -68,11 +84,11 @@ bool HasIp6() {
 }
 
 int FreePort() {
-    // Where a process begins depends on its number, so that two test runs at a time seldom meet.
+    // Where a process begins depends on its number, so that it seldom gets what another has just left.
     static int next = static_cast<int>(getpid()) % kPorts;
     for (int tries = 0; tries < kPorts; ++tries) {
         const int port = kFirstPort + next++ % kPorts;
-        if (Binds(port)) return port;
+        if (Reserves(port) && Binds(port)) return port;
     }
     throw std::runtime_error("No free port");
 }

@@ -3,8 +3,8 @@
 
 namespace quorix::real {
 
-// A port that nobody listens on, never given out before by this process, and below the range that the
-// system takes for outgoing connections: it stays free while its server is down.
+// A port that nobody listens on, given to no other process as long as this one lives, and below the range
+// that the system takes for outgoing connections: it stays free while its server is down.
 int FreePort();
 
 // Whether this machine has ::1.
