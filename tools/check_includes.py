@@ -13,7 +13,7 @@ STRANGERS = {("im", "services"), ("services", "im")}
 FOLDERS = {
     "testkit": {"quorix"},
     "apps": {"quorix", "testkit"},
-    "examples": {"quorix"},
+    "examples": {"quorix", "testkit"},
     "tests": {"quorix", "testkit", "apps"},
     "bench": {"quorix", "testkit", "tests"},
     "fuzz": {"quorix", "testkit", "apps"},

@@ -9,7 +9,7 @@
 #include "quorix/net/cSocketSSL.h"
 #include "quorix/net/mSocketSSL.h"
 #include "quorix/scripting/SessionEventTable.h"
-#include "tests/transcripts/runner/Runner.h"
+#include "testkit/transcripts/Runner.h"
 #include "tests/windows/support/Component.h"
 #include "tests/windows/support/Sink.h"
 
@@ -81,19 +81,24 @@ void Require(const Answer& answer, const std::string& member) {
 
 std::wstring Widened(const std::string& name) { return {name.begin(), name.end()}; }
 
+// There is no other time than the clock's here, of which there is little, and no other network than the
+// system's.
+bool IsForAutomation(const Scenario& scenario) {
+    return !scenario.Has("native") &&
+           std::none_of(scenario.steps.begin(), scenario.steps.end(), [](const Step& step) {
+               const bool takesLong = step.text.starts_with("after ") && std::stod(step.text.substr(6)) > 1;
+               return takesLong || step.text.starts_with("network");
+           });
+}
+
 class ComFace : public Face {
 public:
     ComFace() { server_->Start(); }
 
-    // There is no other time than the clock's here, of which there is little, and no other network than the
-    // system's.
-    bool Plays(const Scenario& scenario) const override {
-        const auto isForNative = [](const Step& step) {
-            const bool takesLong = step.text.starts_with("after ") && std::stod(step.text.substr(6)) > 1;
-            return takesLong || step.text.starts_with("network");
-        };
-        return !scenario.Has("native") &&
-               std::none_of(scenario.steps.begin(), scenario.steps.end(), isForNative);
+    std::map<std::string, Value> Start(EventHandler onEvent) override {
+        const Value session = Create("cSession");
+        Listen(std::get<Object>(session), onEvent);
+        return {{"session", session}, {"port", server_->port}};
     }
 
     Value Create(const std::string& className) override {
@@ -112,7 +117,20 @@ public:
         Require(LateOf(object).Try(DISPATCH_PROPERTYPUT, Widened(member).c_str(), {ToVariant(value)}),
                 member);
     }
-    void Listen(const Object& session, EventHandler onEvent) override {
+
+    void Say(const std::string& bytes) override { server_->connection->SendData(WireFromBytes(bytes)); }
+    std::string Heard() override { return std::exchange(server_->heard, {}); }
+    Value Control(const std::string& what, const Values& /*arguments*/) override {
+        if (what != "server.Close") throw std::runtime_error("nothing is called " + what);
+        server_->connection->Disconnect();
+        return {};
+    }
+    void Wait(double seconds) override { PumpFor(static_cast<ULONGLONG>(seconds * 1000)); }
+    void Settle() override {}
+    bool Until(const std::function<bool()>& done) override { return PumpUntil(done); }
+
+private:
+    void Listen(const Object& session, const EventHandler& onEvent) {
         DWORD cookie = 0;  // the sink leaves with the session, and does not keep it
         if (FAILED(ConnectionPointOf(LateOf(session))->Advise(sink_.Get(), &cookie))) {
             throw std::runtime_error("cannot connect a sink");
@@ -129,19 +147,6 @@ public:
         }
     }
 
-    void Say(const std::string& bytes) override { server_->connection->SendData(WireFromBytes(bytes)); }
-    std::string Heard() override { return std::exchange(server_->heard, {}); }
-    Value Control(const std::string& what, const Values& /*arguments*/) override {
-        if (what != "server.Close") throw std::runtime_error("nothing is called " + what);
-        server_->connection->Disconnect();
-        return {};
-    }
-    void Wait(double seconds) override { PumpFor(static_cast<ULONGLONG>(seconds * 1000)); }
-    void Settle() override {}
-    bool Until(const std::function<bool()>& done) override { return PumpUntil(done); }
-    std::int16_t Port() const override { return server_->port; }
-
-private:
     std::shared_ptr<Server> server_ = std::make_shared<Server>();
     ComPtr<Sink> sink_ = quorix::automation::Adopt(new Sink);
 };
@@ -151,16 +156,16 @@ class Transcript : public ::testing::TestWithParam<std::filesystem::path> {};
 // Up to the first that fails: each of them may take long to do so.
 TEST_P(Transcript, HappensAsItIsWritten) {
     for (const Scenario& scenario : ReadTranscript(GetParam())) {
+        if (!IsForAutomation(scenario)) continue;
         {
             ComFace face;
-            if (!face.Plays(scenario)) continue;
             ASSERT_EQ(Runner(face, scenario).Play(), "") << scenario.title;
         }
         ASSERT_TRUE(Component::IsUnused()) << scenario.title << " has left an object behind";
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Automation, Transcript, ::testing::ValuesIn(TranscriptFiles()),
+INSTANTIATE_TEST_SUITE_P(Automation, Transcript, ::testing::ValuesIn(TranscriptsIn(QUORIX_TRANSCRIPTS)),
                          [](const auto& file) { return file.param.stem().string(); });
 
 }  // namespace

@@ -1,58 +1,55 @@
 // Whatever value an application or a stranger gives, what goes out is what would go out with any other value.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <span>
 
 #include "quorix/base/WireText.h"
 #include "quorix/base/XmlText.h"
 #include "quorix/xml/XmlDocument.h"
-#include "tests/transcripts/runner/Runner.h"
-#include "tests/unit/transcripts/NativeFace.h"
+#include "testkit/Senders.h"
+#include "testkit/transcripts/NativeFace.h"
+#include "testkit/transcripts/Runner.h"
+#include "tests/unit/ErrorOf.h"
 
 namespace quorix::transcripts {
 namespace {
 
-using Lines = std::vector<std::string>;
-
-// Steps of an application. Each question mark stands for a value: one is tried, the others are harmless.
-const Lines kSenders = {
-    "m := session.CreateMessage(?, 1, ?, ?) .ID:=? .FromJid:=? .Thread:=? .TextRtf:=? .SendMessage",
-    "m := session.CreateMessage(?, 1, \"\", \"\") .AddCC(?) .AddBCC(?) .SendMessage",
-    "item := new cRosterItem .JID:=? .NickName:=?; "
-    "m := session.CreateMessage(\"\", 1, \"\", \"\") .AddRoster(item) .SendMessage",
-    "session.SendEvent(?, 2, ?)",
-    "session .Status:=? .SendMyPresence",
-    "session.SendPresence(?, 2, ?)",
-    "item := session.CreateRosterItem .JID:=? .NickName:=? .AddGroup(?) .Add",
-    "item := session.CreateRosterItem .JID:=? .NickName:=? .Update",
-    "session.GetAgentRegister(?, ?)",
-    "session.SendVCardRequest(?)",
-    "card := new cVcard .FullName:=? .BusinessExtAddress:=?; session.UpdateVcard(card)",
-    "session.BrowseChatServer(?, ?)",
-    "session.BrowseChatRoom(?, ?)",
-    "room := new cGroupChat .JID:=? .NickName:=?; session.SendGroupChatRequest(room, True)",
-    "room := new cGroupChat .JID:=? .NickName:=?; session.SendGroupChatRequest(room, False)",
-    "room := new cGroupChat .JID:=?; session.ChangeGCNickName(room, ?)",
-    "session.SendGroupChatPresence(?, 2, ?)",
-    "session.SendGCInvite10(?, ?)",
-    "session.SendVersionRequest(?)",
-    "session.SendTimeRequest(?)",
-    "session.SendLastSeenRequest(?)",
-    "session.SendVersionResponse(?, ?, ?, ?)",
-    "session.SendTimeResponse(?, ?, ?, ?)",
-    "session.SendGetLastResponse(?, ?)",
-    "session.StorePrivateData(a?, \"<d/>\")",  // the value behind a name and a colon
-    "session.SendOOBRequest(?, ?, ?)",
-    "session.SendOOBComplete(?)",
-    "fields := session.SearchFields .Add(\"nick\", a?); session.Agents.Item(\"A\").Search",
-    "agent := session.Agents.Item(\"A\") .AddField(\"nick\", ?) .Update",
-    "session .ServerAddress:=? .FetchAgents .RemoveAccount .SendOOBComplete(\"j\")",
-    "session.Resource := ?; m := session.CreateMessage(\"a\", 1, \"b\", \"\") .SendMessage",
-};
+using testkit::kSenders;
+using testkit::Sender;
 
 // In the classic mode these are sent as they are.
-const Lines kOwnSenders = {"session.ChangePassword(?)", "session .username:=? .ChangePassword(\"p\")"};
+const std::vector<Sender> kOwnSenders = {
+    {"password", [](cSession& s, const testkit::Values& v) { s.ChangePassword(v()); }},
+    {"user", [](cSession& s, const testkit::Values& v) { s.username(v()), s.ChangePassword(u"p"); }},
+};
+
+const std::string kLoggingIn = "application.Send; server: <stream:stream id='s1'>";
+const std::vector<Sender> kLogins = {
+    {"login",
+     [](cSession& s, const testkit::Values& v) { s.ServerAddress(v()), s.Resource(v()), s.Connect(); }},
+    {"digest login",
+     [](cSession& s, const testkit::Values& v) {
+         s.AuthType(KV_DigestAuth);
+         s.ServerAddress(v()), s.Connect();
+     }},
+};
+const std::vector<Sender> kOwnLogins = {
+    {"login", [](cSession& s, const testkit::Values& v) { s.username(v()), s.Password(v()), s.Connect(); }},
+    {"digest login",
+     [](cSession& s, const testkit::Values& v) {
+         s.AuthType(KV_DigestAuth);
+         s.username(v()), s.Connect();
+     }},
+};
+
+const std::string kBecomingAUser =
+    kLoggingIn +
+    "; server: <iq type='result'><query xmlns='jabber:iq:register'><key>?</key></query></iq>; OnIQ";
+const Sender kNewUser = {
+    "new user", [](cSession& s, const testkit::Values& v) { s.ServerAddress(v()), s.Connect(true); }};
+const Sender kOwnNewUser = {"new user", [](cSession& s, const testkit::Values& v) {
+                                s.username(v()), s.Password(v()), s.Connect(true);
+                            }};
 
 // What a stranger says, and how an application answers that hands back whatever it is told.
 const std::string kReply =
@@ -61,7 +58,7 @@ const std::string kReply =
 const std::string kJoin = "; session.SendGroupChatRequest($1, True); OnIQ";
 const std::string kAdd = "OnReceiveRosterItem; $1 .SetSession(session) .Add";
 const std::string kUpdate = "OnRosterBegin; OnRosterItem; $1.Update; OnRosterEnd; OnIQ";
-const Lines kAnswers = {
+const std::vector<std::string> kAnswers = {
     "server: <message from='a@b/r' id='?'><body>?</body><subject>?</subject><thread>?</thread></message>; " +
         kReply,
     "server: <message from='a@b/?'><body>b</body></message>; " + kReply,
@@ -99,19 +96,6 @@ const Lines kAnswers = {
     "session.GetAgentRegister(agent.JID, \"i\"); OnAgentEnd; OnIQ",
 };
 
-const std::string kNewForm =
-    "server: <iq type='result'><query xmlns='jabber:iq:register'><key>?</key></query></iq>; OnIQ";
-const Lines kLogins = {
-    "session .AuthType:=KV_DigestAuth .ServerAddress:=? .Connect(False); server: <stream:stream id='s1'>",
-    "session .ServerAddress:=? .Resource:=? .Connect(False); server: <stream:stream id='s1'>",
-    "session .ServerAddress:=? .Connect(True); server: <stream:stream id='s1'>; " + kNewForm,
-};
-const Lines kOwnLogins = {
-    "session .AuthType:=KV_DigestAuth .username:=? .Connect(False); server: <stream:stream id='s1'>",
-    "session .username:=? .Password:=? .Connect(False); server: <stream:stream id='s1'>",
-    "session .username:=? .Password:=? .Connect(True); server: <stream:stream id='s1'>; " + kNewForm,
-};
-
 // The names of all elements and attributes in `xml`, "" when it is not well-formed.
 String ShapeOf(const XmlNode& element) {
     String shape = u"<" + element.Name();
@@ -135,30 +119,67 @@ struct Sent {
     String content;
 };
 
-class AnyValue : public ::testing::TestWithParam<std::string> {
+class AnyValue : public ::testing::TestWithParam<eMode> {
 protected:
-    bool IsClassic() const { return GetParam() == "KV_Classic"; }
+    bool IsClassic() const { return GetParam() == KV_Classic; }
 
-    // Each of the values in each of the places.
-    void Try(const std::string& beginning, const Lines& allSteps, std::span<const String> values) {
-        for (const std::string& steps : allSteps) {
-            const auto places = std::count(steps.begin(), steps.end(), '?');
-            for (int place = 0; place < places; ++place) {
-                SCOPED_TRACE(steps + " " + std::to_string(place));
-                const String shape = Play(beginning, steps, u"y", place).shape;
-                for (const String& value : values)
-                    ExpectInPlace(Play(beginning, steps, value, place), shape, value);
-            }
+    // Each of the values in each place: each question mark of the steps stands for one, and `sender` asks for
+    // more.
+    void Try(const std::string& steps, std::span<const String> values, const Sender& sender = {}) {
+        SCOPED_TRACE(sender.name != nullptr ? sender.name : steps);
+        for (int place = 0, places = 1; place < places; ++place) {
+            const String shape = Play(steps, sender, u"y", place).shape;
+            places = asked_;
+            for (const String& value : values) ExpectInPlace(Play(steps, sender, value, place), shape, value);
         }
     }
+    void TryEach(const std::vector<Sender>& senders, const std::string& steps,
+                 std::span<const String> values) {
+        for (const Sender& sender : senders) Try(steps, values, sender);
+    }
 
-    // Where nobody listens: refused in the modern mode, silence in the classic one.
-    void ExpectRefused(const std::string& steps) {
-        Scenario scenario = ReadBeginning("gone with an agent", GetParam());
-        AddSteps(scenario, steps, {}, -1);
-        if (!IsClassic()) scenario.steps.back().text += " fails with 10057";
-        NativeFace face;
-        EXPECT_EQ(Played(face, scenario, {}), "") << steps;
+    // What goes out when `value` stands in that place, and harmless values in the others.
+    Sent Play(const std::string& steps, const Sender& sender, const String& value, int place) {
+        asked_ = 0;
+        const auto next = [&] { return asked_++ == place ? value : String(u"x"); };
+        Scenario scenario{"", {}, {{"", 2, "whatever goes out"}}};
+        bool isHandled = false;
+        for (const std::string& step : SplitOutside(steps, "; ")) {
+            const bool isEvent = step.starts_with("On");
+            isHandled = isHandled || isEvent;
+            scenario.steps.push_back({step, isHandled && !isEvent ? 4U : 2U, Filled(step, next)});
+        }
+        NativeFace face([&](Stage& stage) {
+            auto session = Session(stage.Network(), !steps.starts_with(kLoggingIn));
+            stage.Add("session", session);
+            stage.Add("application.Send",
+                      [&, session](const auto&) { return sender.send(*session, next), String(); });
+            return session;
+        });
+        EXPECT_EQ(Runner(face, scenario).Play(), "");
+        return Read(face.Heard());
+    }
+
+    // Logged in with the agent "A", or not yet connected.
+    static std::shared_ptr<cSession> Session(testkit::DeterministicEnvironment& network, bool isLoggedIn) {
+        auto session = cSession::Create();
+        session->Mode(GetParam());
+        session->ServerAddress(u"s");
+        session->username(u"u");
+        session->Password(u"p");
+        session->Resource(u"r");
+        session->AuthType(KV_PlainAuth);  // so that a password may go out
+        if (!isLoggedIn) return session;
+        session->Connect();
+        network.DoEvents();
+        for (const char* said : {"<stream:stream id='s1'>", "<iq type='result' id='kv_login'/>",
+                                 "<iq type='result' id='fullagents'><query xmlns='jabber:iq:agents'>"
+                                 "<agent jid='a'><name>A</name></agent></query></iq>"}) {
+            network.Peer().Say(said);
+            network.DoEvents();
+        }
+        network.Peer().TakeHeard();
+        return session;
     }
 
 private:
@@ -169,48 +190,14 @@ private:
         EXPECT_TRUE(isThere || IsClassic()) << what << " is not what was given";
     }
 
-    // What goes out when `value` stands at that place.
-    Sent Play(const std::string& beginning, const std::string& steps, const String& value, int place) {
-        Scenario scenario = ReadBeginning(beginning, GetParam());
-        scenario.steps.push_back(
-            {"", 2, "session.AuthType := KV_PlainAuth"});  // so that a password may go out
-        scenario.steps.push_back({"", 2, "whatever goes out"});
-        AddSteps(scenario, steps, value, place);
-        NativeFace face;
-        EXPECT_EQ(Played(face, scenario, value), "");
-        return Read(face.Heard());
-    }
-
-    static std::string Played(NativeFace& face, const Scenario& scenario, const String& value) {
-        Runner runner(face, scenario);
-        runner.Let("v", value);
-        runner.Let("av", u"a:" + value);
-        runner.Let("x", String(u"x"));
-        runner.Let("ax", String(u"a:x"));
-        return runner.Play();
-    }
-
-    static void AddSteps(Scenario& scenario, const std::string& steps, const String& value, int place) {
-        bool isHandled = false;
-        for (const std::string& step : SplitOutside(steps, "; ")) {
-            const bool isEvent = step.starts_with("On");
-            isHandled = isHandled || isEvent;
-            scenario.steps.push_back({step, isHandled && !isEvent ? 4U : 2U, Filled(step, value, place)});
+    // The value itself in what a stranger says.
+    template <class Next>
+    static std::string Filled(const std::string& step, Next next) {
+        String filled;
+        for (char16_t c : TextFromUtf8(step)) {
+            c == u'?' ? AppendEscaped(filled, next(), Place::SingleQuotes) : filled.push_back(c);
         }
-    }
-
-    // Names for values that an application gives, the value itself in what a stranger says.
-    static std::string Filled(const std::string& step, const String& value, int& place) {
-        const bool isSaid = step.starts_with("server: ");
-        String escaped;
-        AppendEscaped(escaped, value, Place::SingleQuotes);
-        std::string filled;
-        for (char c : step) {
-            const bool isTried = c == '?' && place-- == 0;
-            if (c != '?') filled += c;
-            if (c == '?') filled += isSaid ? (isTried ? Utf8FromText(escaped) : "x") : isTried ? "v" : "x";
-        }
-        return filled;
+        return Utf8FromText(filled);
     }
 
     Sent Read(const std::string& bytes) const {
@@ -220,6 +207,8 @@ private:
         if (!document->Load(Concat({u"<sent>", text, u"</sent>"}))) return {};
         return {ShapeOf(document->Root()), ContentOf(document->Root())};
     }
+
+    int asked_ = 0;
 };
 
 const String kHostile[] = {
@@ -244,21 +233,33 @@ const String kUnspeakable[] = {
 };
 
 TEST_P(AnyValue, StaysInItsPlaceAndInTheModernModeArrivesAsItWasGiven) {
-    Try("logged in with an agent", kSenders, kHostile);
-    Try("logged in with an agent", kSenders, kUnspeakable);
-    Try("logged in with an agent", kAnswers, kHostile);
-    Try("settings", kLogins, kHostile);
+    TryEach(kSenders, "application.Send", kHostile);
+    TryEach(kSenders, "application.Send", kUnspeakable);
+    TryEach(kLogins, kLoggingIn, kHostile);
+    Try(kBecomingAUser, kHostile, kNewUser);
+    for (const std::string& answer : kAnswers) Try(answer, kHostile);
     if (IsClassic()) return;
-    Try("logged in", kOwnSenders, kHostile);
-    Try("settings", kOwnLogins, kHostile);
+    TryEach(kOwnSenders, "application.Send", kHostile);
+    TryEach(kOwnLogins, kLoggingIn, kHostile);
+    Try(kBecomingAUser, kHostile, kOwnNewUser);
 }
 
 TEST_P(AnyValue, GoesNowhereWithoutAConnectionAndIsRefusedInTheModernMode) {
-    for (const std::string& steps : kSenders) ExpectRefused(steps);
-    if (!IsClassic()) ExpectRefused("session.SendXML(?)"), ExpectRefused("session.FetchRoster");
+    testkit::DeterministicEnvironment network;
+    auto session = Session(network, true);
+    session->Disconnect();
+    network.Peer().TakeHeard();
+    auto refusal = [&](auto send) { return ErrorOf([&] { send(*session, [] { return String(u"x"); }); }); };
+    for (const Sender& sender : kSenders)
+        EXPECT_EQ(refusal(sender.send), IsClassic() ? 0 : 10057) << sender.name;
+    if (!IsClassic()) {
+        EXPECT_EQ(refusal([](cSession& s, const auto& v) { s.SendXML(v()); }), 10057);
+        EXPECT_EQ(refusal([](cSession& s, const auto&) { s.FetchRoster(); }), 10057);
+    }
+    EXPECT_EQ(network.Peer().Heard(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Modes, AnyValue, ::testing::Values("KV_Classic", "KV_Modern"));
+INSTANTIATE_TEST_SUITE_P(Modes, AnyValue, ::testing::Values(KV_Classic, KV_Modern));
 
 }  // namespace
 }  // namespace quorix::transcripts

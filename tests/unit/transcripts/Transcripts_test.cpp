@@ -1,20 +1,20 @@
 // Every transcript, natively.
 #include <gmock/gmock.h>
 
-#include "tests/transcripts/runner/Runner.h"
-#include "tests/unit/transcripts/NativeFace.h"
+#include "testkit/transcripts/NativeFace.h"
+#include "testkit/transcripts/Runner.h"
 
 namespace quorix::transcripts {
 namespace {
 
+std::shared_ptr<void> BeginASession(Stage& stage) {
+    stage.Add("session", cSession::Create());
+    return nullptr;
+}
+
 class Natively : public ::testing::TestWithParam<std::filesystem::path> {};
 
-TEST_P(Natively, HappensAsItIsWritten) {
-    for (const Scenario& scenario : ReadTranscript(GetParam())) {
-        NativeFace face;
-        EXPECT_EQ(Runner(face, scenario).Play(), "") << scenario.title;
-    }
-}
+TEST_P(Natively, HappensAsItIsWritten) { EXPECT_EQ(Play(GetParam(), BeginASession), ""); }
 
 struct Fault {
     std::vector<std::string> steps;  // behind the connection
@@ -43,12 +43,12 @@ TEST(Transcripts, AreNotPlayedThroughWhereSomethingElseHappens) {
         Scenario scenario;
         scenario.steps = {{"", 2, "session .ServerAddress:=\"s\" .Port:=port .Connect(False)"}};
         for (const std::string& step : fault.steps) scenario.steps.push_back({"", 2, step});
-        NativeFace face;
+        NativeFace face(BeginASession);
         EXPECT_THAT(Runner(face, scenario).Play(), ::testing::HasSubstr(": " + fault.failure));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Transcript, Natively, ::testing::ValuesIn(TranscriptFiles()),
+INSTANTIATE_TEST_SUITE_P(Transcript, Natively, ::testing::ValuesIn(TranscriptsIn(QUORIX_TRANSCRIPTS)),
                          [](const auto& file) { return file.param.stem().string(); });
 
 }  // namespace

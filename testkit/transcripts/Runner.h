@@ -1,18 +1,14 @@
 // Plays one scenario on one face.
 #pragma once
 
-#include <map>
-
-#include "tests/transcripts/runner/Face.h"
+#include "testkit/transcripts/Face.h"
+#include "testkit/transcripts/Scenario.h"
 
 namespace quorix::transcripts {
 
 class Runner {
 public:
     Runner(Face& face, const Scenario& scenario) : face_(face), steps_(scenario.steps) {}
-
-    // A name that steps may use.
-    void Let(const std::string& name, const Value& value) { names_[name] = value; }
 
     // What went wrong and where, or "".
     std::string Play();
@@ -42,6 +38,7 @@ private:
     Value ValueOf(const std::string& text);
     Values ValuesOf(const std::string& list);
     Value Base(const std::string& name);
+    bool IsControl(const std::vector<std::string>& parts) const;
     Named NameOf(const std::string& text);
     Value Read(const Named& named);
     void Assign(const std::string& target, const Value& value);

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 
 #include "quorix/scripting/ClassTable.h"
-#include "tests/transcripts/runner/Scenario.h"
 
 namespace quorix::transcripts {
 
@@ -18,28 +18,25 @@ class Face {
 public:
     virtual ~Face() = default;
 
-    // Whether this face can play the scenario.
-    virtual bool Plays(const Scenario& scenario) const = 0;
+    // What steps may name from the beginning. The events of the sessions among it go to `onEvent`.
+    virtual std::map<std::string, Value> Start(EventHandler onEvent) = 0;
 
     // These throw AutomationError.
     virtual Value Create(const std::string& className) = 0;
     virtual Value Call(const Object& object, const std::string& member, const Values& arguments) = 0;
     virtual void Put(const Object& object, const std::string& member, const Value& value) = 0;
-    virtual void Listen(const Object& session, EventHandler onEvent) = 0;
+    // "server.Close" and the like: what belongs to no object.
+    virtual Value Control(const std::string& what, const Values& arguments) = 0;
 
     // The newest connection says `bytes`; what all of them have heard since the last call.
     virtual void Say(const std::string& bytes) = 0;
     virtual std::string Heard() = 0;
 
-    // "server.Close" and the like.
-    virtual Value Control(const std::string& what, const Values& arguments) = 0;
     virtual void Wait(double seconds) = 0;
     // Behind each step of the scenario itself, as opposed to what its handlers do.
     virtual void Settle() = 0;
-
     // Lets happen what is due until `done`; false when it took too long.
     virtual bool Until(const std::function<bool()>& done) = 0;
-    virtual std::int16_t Port() const = 0;
 };
 
 }  // namespace quorix::transcripts

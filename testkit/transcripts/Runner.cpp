@@ -1,9 +1,10 @@
-#include "tests/transcripts/runner/Runner.h"
+#include "testkit/transcripts/Runner.h"
 
 #include <stdexcept>
 
 #include "quorix/base/WireText.h"
 #include "quorix/session/cSession.h"
+#include "testkit/transcripts/NativeFace.h"
 
 namespace quorix::transcripts {
 namespace {
@@ -68,10 +69,7 @@ bool Equal(const Value& a, const Value& b) {
 
 std::string Runner::Play() {
     try {
-        names_["session"] = face_.Create("cSession");
-        names_["port"] = face_.Port();
-        face_.Listen(std::get<Object>(names_["session"]),
-                     [this](const auto& event, const auto& arguments) { OnEvent(event, arguments); });
+        names_ = face_.Start([this](const auto& event, const auto& arguments) { OnEvent(event, arguments); });
         PlayFrom(0);
         ExpectSilence();
     } catch (const std::exception& error) {
@@ -225,10 +223,16 @@ Value Runner::Base(const std::string& name) {
     return static_cast<std::int32_t>(std::stoi(name));
 }
 
+// A member of what nobody has named.
+bool Runner::IsControl(const std::vector<std::string>& parts) const {
+    return parts.size() > 1 && parts.front().find_first_of("\" ") == std::string::npos &&
+           names_.count(parts.front()) == 0;
+}
+
 Runner::Named Runner::NameOf(const std::string& text) {
     const std::vector<std::string> parts = SplitOutside(text, ".");
     Named named;
-    const bool isControl = parts.front() == "server" || parts.front() == "network";
+    const bool isControl = IsControl(parts);
     if (!isControl) named.owner = Base(parts.front());
     for (std::size_t i = 1; i < parts.size(); ++i) {
         if (i > 1) named.owner = Read(named);
@@ -257,6 +261,16 @@ void Runner::Assign(const std::string& target, const Value& value) {
     } else {
         face_.Put(std::get<Object>(named.owner), named.member, value);
     }
+}
+
+std::string Play(const std::filesystem::path& file, const Begin& begin) {
+    std::string failures;
+    for (const Scenario& scenario : ReadTranscript(file)) {
+        NativeFace face(begin);
+        const std::string failure = Runner(face, scenario).Play();
+        if (!failure.empty()) failures += scenario.title + ": " + failure + "\n";
+    }
+    return failures;
 }
 
 }  // namespace quorix::transcripts

@@ -1,4 +1,4 @@
-#include "tests/unit/transcripts/NativeFace.h"
+#include "testkit/transcripts/NativeFace.h"
 
 #include <algorithm>
 #include <map>
@@ -40,6 +40,15 @@ private:
 
 std::string Bytes(const Value& value) { return Utf8FromText(std::get<String>(value)); }
 
+std::vector<String> TextsOf(const Values& arguments) {
+    std::vector<String> texts;
+    for (const Value& value : arguments) {
+        const auto* text = std::get_if<String>(&value);
+        texts.push_back(text != nullptr ? *text : ToString(scripting::Int32Of(value)));
+    }
+    return texts;
+}
+
 std::vector<Address> AddressesOf(const Values& arguments) {
     std::vector<Address> addresses;
     for (std::size_t i = 1; i < arguments.size(); ++i) {
@@ -52,6 +61,20 @@ std::vector<Address> AddressesOf(const Values& arguments) {
 }
 
 }  // namespace
+
+void NativeFace::Add(const std::string& name, const std::shared_ptr<cSession>& session) {
+    const Value value = scripting::ToValue(session);
+    names_[name] = value;
+    const Object& object = std::get<Object>(value);
+    connections_.push_back(object.table->Listen(object.instance, std::make_shared<Ear>(onEvent_)));
+}
+
+std::map<std::string, Value> NativeFace::Start(EventHandler onEvent) {
+    onEvent_ = std::move(onEvent);
+    names_["port"] = std::int16_t(5222);
+    application_ = begin_(*this);
+    return std::move(names_);  // a step may let go of a session
+}
 
 Value NativeFace::Create(const std::string& className) {
     for (const ClassTable* table : scripting::Classes()) {
@@ -74,10 +97,6 @@ void NativeFace::Put(const Object& object, const std::string& member, const Valu
     scripting::Call(*found, object.instance, {value});
 }
 
-void NativeFace::Listen(const Object& session, EventHandler onEvent) {
-    connection_ = session.table->Listen(session.instance, std::make_shared<Ear>(std::move(onEvent)));
-}
-
 std::string NativeFace::Heard() {
     std::string heard;
     for (std::size_t i = deaf_; i < env_.PeerCount(); ++i) heard += env_.Peer(i).TakeHeard();
@@ -91,6 +110,8 @@ bool NativeFace::Until(const std::function<bool()>& done) {
 }
 
 Value NativeFace::Control(const std::string& what, const Values& arguments) {
+    if (const auto action = actions_.find(what); action != actions_.end())
+        return action->second(TextsOf(arguments));
     const auto text = [&](std::size_t i) { return Bytes(arguments.at(i)); };
     const auto number = [&](std::size_t i) { return scripting::Int32Of(arguments.at(i)); };
     const std::map<std::string, std::function<Value()>> controls = {
@@ -123,7 +144,9 @@ Value NativeFace::Control(const std::string& what, const Values& arguments) {
              return Value(Concat({AddressText(address), u" ", ToString(address.port)}));
          }},
     };
-    return controls.at(what)();
+    const auto control = controls.find(what);
+    if (control == controls.end()) throw std::runtime_error("nothing is called " + what);
+    return control->second();
 }
 
 }  // namespace quorix::transcripts

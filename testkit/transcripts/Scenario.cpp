@@ -1,4 +1,4 @@
-#include "tests/transcripts/runner/Scenario.h"
+#include "testkit/transcripts/Scenario.h"
 
 #include <algorithm>
 #include <fstream>
@@ -11,6 +11,7 @@ namespace {
 using Steps = std::vector<Step>;
 
 constexpr std::size_t kIndentation = 2;
+constexpr const char* kBeginnings = "beginnings.transcript";
 
 std::size_t FindAnywhere(const std::string& text, const std::string& token, std::size_t from) {
     return text.find(token, from);
@@ -70,6 +71,7 @@ std::string TakeTags(std::string title, std::vector<std::string>& tags) {
 class Reader {
 public:
     explicit Reader(const std::filesystem::path& beginnings) {
+        if (!std::filesystem::exists(beginnings)) return;
         for (Steps& paragraph : ParagraphsOf(beginnings)) {
             const std::string name = paragraph.front().text;
             paragraph.erase(paragraph.begin());
@@ -124,15 +126,18 @@ private:
             if (beginnings_.count(tag) != 0) scenario.steps = beginnings_.at(tag);
         }
         for (const Step& step : Expanded(steps)) scenario.steps.push_back(step);
-        const bool both = scenario.Has("both modes");
-        for (const char* mode : {"KV_Classic", "KV_Modern"}) {
-            const bool isModern = mode == std::string("KV_Modern");
-            if (!both && isModern != scenario.Has("modern")) continue;
-            Scenario made = scenario;
-            made.steps.insert(made.steps.begin(), {made.title, 0, std::string("session.Mode := ") + mode});
-            if (both) made.title += isModern ? " (modern)" : " (classic)";
-            all.push_back(std::move(made));
+        if (scenario.Has("both modes")) {
+            all.push_back(InMode(scenario, "KV_Classic"));
+            all.push_back(InMode(scenario, "KV_Modern"));
+        } else {
+            all.push_back(scenario.Has("modern") ? InMode(scenario, "KV_Modern") : scenario);
         }
+    }
+
+    static Scenario InMode(Scenario scenario, const std::string& mode) {
+        scenario.title += " [" + mode + "]";
+        scenario.steps.insert(scenario.steps.begin(), {scenario.title, 0, "session.Mode := " + mode});
+        return scenario;
     }
 
     static Steps Filled(Steps steps, const std::vector<std::string>& names, const Step& row) {
@@ -164,10 +169,6 @@ private:
     std::map<std::string, Steps> beginnings_;
 };
 
-std::filesystem::path Beginnings() {
-    return std::filesystem::path(QUORIX_TRANSCRIPTS) / "beginnings.transcript";
-}
-
 }  // namespace
 
 bool Scenario::Has(const std::string& tag) const {
@@ -190,24 +191,17 @@ std::vector<std::string> SplitOutside(const std::string& text, const std::string
     return Split(text, separator, FindOutside);
 }
 
-std::vector<std::filesystem::path> TranscriptFiles() {
+std::vector<std::filesystem::path> TranscriptsIn(const std::filesystem::path& folder) {
     std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(QUORIX_TRANSCRIPTS)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         const std::filesystem::path& file = entry.path();
-        if (file.extension() == ".transcript" && file.stem() != "beginnings") files.push_back(file);
+        if (file.extension() == ".transcript" && file.filename() != kBeginnings) files.push_back(file);
     }
     return files;
 }
 
-Scenario ReadBeginning(const std::string& beginning, const std::string& mode) {
-    Scenario scenario;
-    scenario.steps =
-        Reader(Beginnings()).Expanded({{"", 0, "session.Mode := " + mode}, {"", kIndentation, beginning}});
-    return scenario;
-}
-
 std::vector<Scenario> ReadTranscript(const std::filesystem::path& file) {
-    return Reader(Beginnings()).Read(file);
+    return Reader(file.parent_path() / kBeginnings).Read(file);
 }
 
 }  // namespace quorix::transcripts

@@ -1,4 +1,4 @@
-// Scenarios read from transcript files; tests/transcripts/README.md describes the format.
+// Scenarios read from transcript files; docs/transcripts.md describes the format.
 #pragma once
 
 #include <filesystem>
@@ -21,14 +21,12 @@ struct Scenario {
     bool Has(const std::string& tag) const;
 };
 
-std::vector<std::filesystem::path> TranscriptFiles();
+// Those of a folder, without its beginnings.
+std::vector<std::filesystem::path> TranscriptsIn(const std::filesystem::path& folder);
 
 // The scenarios of a file, one for each of its cases and modes, with their beginnings, which stand in
 // beginnings.transcript beside it. Throws std::runtime_error for what it cannot read.
 std::vector<Scenario> ReadTranscript(const std::filesystem::path& file);
-
-// One that begins like this, in this mode.
-Scenario ReadBeginning(const std::string& beginning, const std::string& mode);
 
 // Where `token` stands in `text` from `from` on, outside of quotes and parentheses; npos when it does not.
 std::size_t FindOutside(const std::string& text, const std::string& token, std::size_t from = 0);
