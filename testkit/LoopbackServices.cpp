@@ -55,6 +55,7 @@ const LoopbackServices::Route LoopbackServices::kRoutes[] = {
     {u"jabber:iq:private", u"set", u"", &LoopbackServices::StorePrivate},
     {u"jabber:iq:private", u"get", u"", &LoopbackServices::Private},
     {u"jabber:iq:browse", u"get", kConference, &LoopbackServices::Rooms},
+    {u"jabber:iq:browse", u"get", kCrowd, &LoopbackServices::ManyRooms},
     {u"jabber:iq:browse", u"get", kRoom, &LoopbackServices::Occupants},
     {u"jabber:iq:conference", u"get", kRoom, &LoopbackServices::RoomFacts},
     {u"jabber:iq:conference", u"set", kRoom, &LoopbackServices::Accepted},
@@ -145,6 +146,14 @@ String LoopbackServices::Rooms(const Stanza& /*query*/, StringView /*user*/) {
     return Concat({u"<conference xmlns='jabber:iq:browse' jid='", kConference,
                    u"' name='Rooms'><item xmlns='jabber:iq:browse' category='conference' type='public' jid='",
                    kRoom, u"' name='The Lobby'/></conference>"});
+}
+
+String LoopbackServices::ManyRooms(const Stanza& /*query*/, StringView /*user*/) {
+    String rooms;
+    for (int number = 1; number <= 5000; ++number) {
+        rooms += Concat({u"<item jid='r", ToString(number), u"@", kCrowd, u"' name='Room'/>"});
+    }
+    return Concat({u"<conference xmlns='jabber:iq:browse'>", rooms, u"</conference>"});
 }
 
 String LoopbackServices::Occupants(const Stanza& /*query*/, StringView /*user*/) {

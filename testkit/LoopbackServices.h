@@ -15,6 +15,7 @@ public:
     static constexpr StringView kDirectory = u"users.localhost";
     static constexpr StringView kGateway = u"gateway.localhost";
     static constexpr StringView kConference = u"conference.localhost";
+    static constexpr StringView kCrowd = u"crowd.localhost";  // another, with thousands of rooms
     static constexpr StringView kRoom = u"lobby@conference.localhost";
     static constexpr StringView kOccupant = u"Echo";
 
@@ -45,6 +46,7 @@ private:
     String StorePrivate(const Stanza& query, StringView user);
     String Private(const Stanza& query, StringView user);
     String Rooms(const Stanza& query, StringView user);
+    String ManyRooms(const Stanza& query, StringView user);
     String Occupants(const Stanza& query, StringView user);
     String RoomFacts(const Stanza& query, StringView user);
     String Version(const Stanza& query, StringView user);

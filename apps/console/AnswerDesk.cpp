@@ -41,7 +41,10 @@ void AnswerDesk::OnVersionResult(StringView FromJid, StringView AppName, StringV
 }
 
 void AnswerDesk::OnTimeResult(StringView FromJid, StringView UTC, StringView Local_DateTime) {
-    Show("time", {{"from", Text(FromJid)}, {"local", Text(Local_DateTime)}, {"utc", Text(UTC)}});
+    const String local = Text(Local_DateTime);
+    const String utc = Text(UTC);
+    const String both = local.empty() ? Concat({utc, u" UTC"}) : Concat({local, u" (", utc, u" UTC)"});
+    Show("time", {{"from", Text(FromJid)}, {"_both", both}, {"local", local}, {"utc", utc}});
 }
 
 void AnswerDesk::OnLastSeenResult(const NodePtr& /*XMLElement*/, StringView FromJid, std::int32_t Seconds) {

@@ -2,23 +2,28 @@
 
 #include <fmt/format.h>
 #include <glib.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "apps/console/Parameters.h"
 #include "apps/console/Password.h"
 #include "apps/console/Reference.h"
+#include "apps/console/Wrap.h"
 #include "quorix/base/Jid.h"
 #include "quorix/base/WireText.h"
 
 namespace quorix::console {
 
 namespace {
+
+constexpr int kHelpColumn = 30;  // where CLI11 begins its explanations
 
 // "USER@SERVER/RESOURCE" fills what is not given by itself. With an address, --server is only where to
 // connect.
@@ -70,15 +75,27 @@ void ReadText(Options& options) {
     options.text.assign(std::istreambuf_iterator<char>(std::cin), {});
 }
 
+// 0 when it is no terminal.
+int ColumnsOf(int descriptor) {
+    winsize size{};
+    return ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+void PrintHelp(const std::string& help) {
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) {
+        fmt::print("{}\n", Wrap(line, ColumnsOf(STDOUT_FILENO), kHelpColumn));
+    }
+}
+
 void WarnOfPassword(const CLI::App& app, int argc, char** argv) {
     const auto isPassword = [](std::string_view word) {
         return word == "--password" || word.starts_with("--password=");
     };
-    const bool isGiven = std::any_of(argv, argv + argc, isPassword);
-    if (isGiven && isatty(STDERR_FILENO) != 0) {
-        fmt::print(stderr, "{}: a password on the command line can be seen by others on this machine.\n",
-                   app.get_name());
-    }
+    if (std::none_of(argv, argv + argc, isPassword) || isatty(STDERR_FILENO) == 0) return;
+    const std::string text =
+        app.get_name() + ": a password on the command line can be seen by others on this machine.";
+    fmt::print(stderr, "{}\n", Wrap(text, ColumnsOf(STDERR_FILENO), 4));
 }
 
 }  // namespace
@@ -93,6 +110,9 @@ CommandLineResult ReadCommandLine(int argc, char** argv) {
     app.add_option("--reference", reference, "prints markdown, bash or zsh")->group("");
     try {
         app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        PrintHelp(app.help());
+        return {};
     } catch (const CLI::ParseError& error) {
         return {{}, app.exit(error) == 0 ? ExitCode::success : ExitCode::usage};
     }

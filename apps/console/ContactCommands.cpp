@@ -1,7 +1,6 @@
 #include "apps/console/Command.h"
 #include "apps/console/Console.h"
 #include "apps/console/Text.h"
-#include "quorix/base/Number.h"
 
 namespace quorix::console {
 

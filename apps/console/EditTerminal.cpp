@@ -25,7 +25,8 @@ namespace {
 
 constexpr int kHistoryLines = 1000;
 constexpr std::int64_t kLongHidden = 200'000;  // microseconds of a long list without prompt and status
-constexpr unsigned kRest = 200;                // milliseconds without another change of the terminal's size
+constexpr unsigned kRest = 300;  // milliseconds without another change of the terminal's size; tmux tells of
+                                 // a second one after 250
 
 void Write(const std::string& utf8) {
     const std::string text = ToLocale(utf8);
@@ -55,9 +56,10 @@ EditTerminal::EditTerminal(Handlers handlers, std::string historyFile)
 }
 
 EditTerminal::~EditTerminal() {
+    if (resting_ != 0) g_source_remove(resting_);
+    if (resting_ != 0) Settle();
     Hide();
     if (showing_ != 0) g_source_remove(showing_);
-    if (resting_ != 0) g_source_remove(resting_);
     g_source_remove(resized_);
     std::fflush(stdout);
     rl_callback_handler_remove();
@@ -153,6 +155,10 @@ void EditTerminal::Remember(const std::string& line) {
 // -- Output --
 
 void EditTerminal::Print(const std::string& text) {
+    if (resting_ != 0) {
+        held_ += text + "\n";
+        return;
+    }
     Hide();
     Write(text + "\n");
     std::fflush(stdout);
@@ -191,27 +197,35 @@ void EditTerminal::Status(const std::string& status) {
     ShowSoon();
 }
 
-// While it is dragged, a terminal breaks its lines anew at each step: what is on it is drawn again when it
-// rests.
+// While it is dragged, a terminal breaks its lines anew at each step, and tells late: nothing is drawn until
+// it rests.
 void EditTerminal::Resized() {
     auto rests = [](gpointer self) -> gboolean {
         static_cast<EditTerminal*>(self)->Settle();
-        static_cast<EditTerminal*>(self)->ShowSoon();
         return G_SOURCE_REMOVE;
     };
-    if (resting_ != 0) g_source_remove(resting_);
+    if (resting_ != 0) {
+        g_source_remove(resting_);
+    } else {
+        inputWidth_ = InputWidth();
+    }
     resting_ = g_timeout_add(kRest, rests, this);
+    rl_reset_screen_size();
 }
 
-// One that has become narrower has broken status and input into more lines.
-void EditTerminal::Settle() {
-    if (resting_ == 0) return;
-    g_source_remove(std::exchange(resting_, 0U));
-    rl_reset_screen_size();
-    const int columns = std::max(Columns(), 1);
+// Up to the cursor.
+int EditTerminal::InputWidth() const {
     const std::string input(rl_line_buffer, static_cast<std::size_t>(rl_point));
-    const int inputWidth = Width(answer_ ? question_ : prompt_) + (secret_ ? 0 : Width(FromLocale(input)));
-    if (std::exchange(shown_, false)) Erase(Lines(statusWidth_, columns) + inputWidth / columns);
+    return Width(answer_ ? question_ : prompt_) + (secret_ ? 0 : Width(FromLocale(input)));
+}
+
+// A terminal that has become narrower has broken status and input into more lines.
+void EditTerminal::Settle() {
+    resting_ = 0;
+    const int columns = std::max(Columns(), 1);
+    if (std::exchange(shown_, false)) Erase(Lines(statusWidth_, columns) + inputWidth_ / columns);
+    Write(std::exchange(held_, ""));
+    ShowSoon();
 }
 
 // Everything from `lines` above the cursor's on.
@@ -224,7 +238,7 @@ void EditTerminal::Erase(int lines) {
 
 // Takes prompt and status off the screen and leaves the cursor where the status began.
 void EditTerminal::Hide() {
-    Settle();
+    if (resting_ != 0) return;
     if (!std::exchange(shown_, false)) return;
     rl_clear_visible_line();
     std::fflush(rl_outstream);
@@ -233,8 +247,7 @@ void EditTerminal::Hide() {
 
 void EditTerminal::Show() {
     if (showing_ != 0) g_source_remove(std::exchange(showing_, 0U));
-    Settle();
-    if (std::exchange(shown_, true)) return;
+    if (resting_ != 0 || std::exchange(shown_, true)) return;
     const std::string status = HasCapability("cuu1") && !answer_ ? Cut(status_, Columns() - 1) : "";
     statusWidth_ = Width(status);
     if (statusWidth_ > 0) {
@@ -261,10 +274,10 @@ void EditTerminal::ShowSoon() {
     showing_ = g_idle_add_full(G_PRIORITY_HIGH_IDLE, show, this, nullptr);
 }
 
-// readline draws after each key, also while the prompt is hidden. A secret is edited like any line; only the
-// drawing is told that the line is empty.
+// readline draws after each key, also while the prompt is hidden or rests. A secret is edited like any line;
+// only the drawing is told that the line is empty.
 void EditTerminal::OnRedisplay() {
-    if (!current->shown_) return;
+    if (!current->shown_ || current->resting_ != 0) return;
     if (!current->secret_) return rl_redisplay();
     const int end = std::exchange(rl_end, 0);
     const int point = std::exchange(rl_point, 0);

@@ -35,6 +35,7 @@ private:
     void Hide();
     void Erase(int lines);
     void Resized();
+    int InputWidth() const;
     void Settle();
     void Show();
     void ShowSoon();
@@ -56,10 +57,12 @@ private:
     bool secret_ = false;
     bool shown_ = false;    // prompt and status are on the screen
     int statusWidth_ = 0;   // as it was drawn
+    int inputWidth_ = 0;    // the same, when the terminal's size began to change
     unsigned showing_ = 0;  // the source that will show them
     std::int64_t hiddenSince_ = 0;
     unsigned resized_ = 0;
     unsigned resting_ = 0;  // the source that will take the new size
+    std::string held_;      // printed until then
 
     inline static EditTerminal* current = nullptr;
 };

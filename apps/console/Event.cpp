@@ -28,7 +28,8 @@ constexpr EventForm kForms[] = {
     {"usage", error, "! {text}", "a command that cannot be carried out as typed"},
     {"notice", notice, "{text}", "the program's own words"},
     {"echo", echo, "> {text}", "a command as typed, without its secrets"},
-    {"help", list, "{usage}{help}", "one command"},
+    {"help-group", list, "{name}:", "a group of commands follows"},
+    {"help", list, "{usage} {help}", "one command"},
     {"chat", list, "{number} {jid}{_unread}{_current}", "an open chat and how many messages wait in it"},
     // Messages
     {"message", data, "{from}: {text}{_more}", "somebody wrote; type is chat, groupchat, normal or headline"},
@@ -47,7 +48,7 @@ constexpr EventForm kForms[] = {
     {"subscription-accepted", data, "* {jid} lets you see when it is there {text}",
      "your request was granted"},
     {"subscription-denied", data, "* {jid} does not let you see when it is there {text}", "... or refused"},
-    {"contact", data, "{_mark} {name} <{jid}> {show}{_groups}{_sight}",
+    {"contact", list, "{_mark} {name} <{jid}> {show}{_groups}{_sight}",
      "a contact of the list, or a change of it"},
     {"contacts", notice, "Contacts: {count} (/roster lists them).", "the list has arrived"},
     {"contact-received", data, "* {from} sends you a contact: /add {jid} {name}",
@@ -57,7 +58,7 @@ constexpr EventForm kForms[] = {
     {"password-changed", data, "Password changed.", "the server has taken the new password"},
     {"account-removed", data, "Account removed.", "the account is gone"},
     // Rooms
-    {"room", data, "room {jid} \"{name}\"{_private}", "a room of a server"},
+    {"room", list, "room {jid} \"{name}\"{_private}", "a room of a server"},
     {"no-rooms", data, "no rooms", "a server without rooms"},
     {"look", list, "in {jid}:", "who is in a room follows"},
     {"room-entry", list, "  {name} <{jid}>", "somebody or something in a room"},
@@ -76,7 +77,7 @@ constexpr EventForm kForms[] = {
     {"no-card", data, "{jid} has no card", "an empty business card"},
     // Questions and offers
     {"version", data, "{from} runs {name} {version} {os}", "the answer to /version"},
-    {"time", data, "time at {from}: {local} ({utc} UTC)", "the answer to /time"},
+    {"time", data, "time at {from}: {_both}", "the answer to /time"},
     {"last", data, "{from} has been idle for {seconds} s", "the answer to /last"},
     {"offer", data, "{from} offers {url} ({text})", "a file at an address"},
     {"offer-fetched", data, "{from} has fetched the offer", "your offer was taken"},

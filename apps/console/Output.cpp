@@ -34,6 +34,14 @@ std::string Composed(const EventForm& form, const Fields& fields) {
     return text;
 }
 
+// In two columns where there is room for them.
+std::string HelpOf(const Fields& fields, int columns) {
+    const bool isNarrow = columns > 0 && columns < 2 * kHelpColumn;
+    const std::string usage = Shown(fields[0]);
+    const std::string help = Shown(fields[1]);
+    return isNarrow ? usage + "\n" + help : fmt::format("{:<{}} {}", usage, kHelpColumn - 1, help);
+}
+
 // ASCII only, so that it is the same in every locale and no control character survives.
 std::string Json(const EventForm& form, const Fields& fields) {
     using nlohmann::ordered_json;
@@ -79,8 +87,10 @@ void Output::Show(std::string_view name, const Fields& fields) {
 
 void Output::ShowLine(const EventForm& form, const Fields& fields) {
     const std::string clock = style_.times && form.kind != EventKind::list ? Clock() : "";
-    const int indent = form.name == "help" ? kHelpColumn : kIndent;
-    const std::string composed = terminal_.Displayed(clock + Composed(form, fields));
+    const bool isHelp = form.name == "help";
+    const int indent = isHelp ? kHelpColumn : kIndent;
+    const std::string words = isHelp ? HelpOf(fields, terminal_.Columns()) : Composed(form, fields);
+    const std::string composed = terminal_.Displayed(clock + words);
     const std::string text = Wrap(composed, terminal_.Columns(), indent);
     const std::string line = style_.colors ? Painted(form, fields, text) : text;
     const bool isData = form.kind == EventKind::data || form.kind == EventKind::list;

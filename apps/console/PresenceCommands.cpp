@@ -1,7 +1,7 @@
 #include "apps/console/Command.h"
 #include "apps/console/Console.h"
 #include "apps/console/Text.h"
-#include "quorix/base/Number.h"
+#include "quorix/base/WireText.h"
 
 namespace quorix::console {
 
@@ -21,7 +21,7 @@ void Appear(Console& console, const Words& values) {
 }
 
 void Priority(Console& console, const Words& values) {
-    console.Session().Priority(WireInt16(values[0]));
+    console.Session().Priority(static_cast<std::int16_t>(std::stoi(Utf8FromText(values[0]))));
     console.Session().SendMyPresence();
 }
 

@@ -11,8 +11,6 @@ namespace quorix::console {
 
 namespace {
 
-constexpr std::size_t kUsageColumns = 30;
-
 bool IsMeant(const CommandGroup& group, const Command& command, const std::string& word) {
     const String wanted = TextFromUtf8(word);
     return word.empty() || command.name == word || command.name.substr(1) == word ||
@@ -23,11 +21,11 @@ void Help(Console& console, const Words& values) {
     const std::string word = Utf8FromText(values[0]);
     bool found = false;
     for (const CommandGroup& group : CommandGroups()) {
+        if (word.empty()) console.Show("help-group", {{"name", std::string(group.title)}});
         for (const Command& command : group.commands) {
             if (!IsMeant(group, command, word)) continue;
             found = true;
-            console.Show("help", {{"usage", fmt::format("{:<{}}", UsageOf(command) + " ", kUsageColumns)},
-                                  {"help", std::string(command.help)}});
+            console.Show("help", {{"usage", UsageOf(command)}, {"help", std::string(command.help)}});
         }
     }
     if (!found) console.Usage("There is no such command or group of commands.");

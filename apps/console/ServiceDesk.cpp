@@ -55,7 +55,15 @@ void ServiceDesk::OnAgentItem(const std::shared_ptr<cAgentItem>& Agent, const No
           {"gateway", Agent->IsTransport()}});
 }
 
-void ServiceDesk::OnAgentEnd() { Show("agents", {{"count", Session().Agents().Count()}}); }
+// A list that was refused ends too.
+void ServiceDesk::OnAgentEnd() {
+    if (!isRefused_) Show("agents", {{"count", Session().Agents().Count()}});
+}
+
+void ServiceDesk::OnIQError(const NodePtr& /*XMLElement*/, StringView /*FromJid*/,
+                            std::int16_t /*eErrorCode*/, StringView /*ErrorDescription*/) {
+    isRefused_ = true;
+}
 
 void ServiceDesk::OnGatewayInfo(const NodePtr& /*XMLElement*/, StringView Desc) {
     Show("gateway", {{"text", Text(Desc)}});
@@ -63,6 +71,7 @@ void ServiceDesk::OnGatewayInfo(const NodePtr& /*XMLElement*/, StringView Desc) 
 
 // Answers that have no event of their own are known by their id.
 void ServiceDesk::OnIQ(const NodePtr& XMLElement) {
+    isRefused_ = false;
     const XmlNode root = XMLElement->Root();
     const bool isAnswer = root.AttributeIs(u"type", u"result") || root.AttributeIs(u"type", u"error");
     const auto found = std::find_if(open_.begin(), open_.end(), [&](const Open& question) {

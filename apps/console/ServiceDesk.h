@@ -23,6 +23,8 @@ public:
     void OnVCardResult(const std::shared_ptr<cVcard>& Vcard, StringView FromJid,
                        const NodePtr& XMLElement) override;
     void OnIQ(const NodePtr& XMLElement) override;
+    void OnIQError(const NodePtr& XMLElement, StringView FromJid, std::int16_t eErrorCode,
+                   StringView ErrorDescription) override;
 
 private:
     // A question that has not been answered yet: for a form or, when it was submitted, for what came of that.
@@ -38,6 +40,7 @@ private:
     void ShowForm();
 
     std::vector<Open> open_;
+    bool isRefused_ = false;  // the answer at hand
 };
 
 // The lines of a business card that are shown and can be published.

@@ -1,6 +1,8 @@
 #include "apps/console/StanzaError.h"
 
-#include "quorix/base/Number.h"
+#include <charconv>
+
+#include "quorix/base/WireText.h"
 
 namespace quorix::console {
 
@@ -10,6 +12,14 @@ constexpr StringView kConditions = u"urn:ietf:params:xml:ns:xmpp-";
 
 bool IsCondition(const XmlNode& node) {
     return StartsWith(node.Attribute(u"xmlns"), kConditions) && !node.Is(u"text");
+}
+
+// 0 when there is none, or no number.
+std::int16_t CodeOf(const XmlNode& error) {
+    const std::string digits = Utf8FromText(error.Attribute(u"code"));
+    std::int16_t code = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), code);
+    return code;
 }
 
 // Older servers write the text into the error itself.
@@ -23,7 +33,7 @@ String TextOf(const XmlNode& error) {
 StanzaError StanzaError::Of(const XmlNode& stanza) {
     const XmlNode error = stanza.Is(u"stream:error") ? stanza : stanza.Child(u"error");
     StanzaError found;
-    found.code = WireInt16(error.Attribute(u"code"));
+    found.code = CodeOf(error);
     found.text = TextOf(error);
     for (XmlNode child = error.FirstElement(); child; child = child.NextElement()) {
         if (found.condition.empty() && IsCondition(child)) found.condition = child.Name();

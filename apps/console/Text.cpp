@@ -1,13 +1,20 @@
 #include "apps/console/Text.h"
 
 #include "quorix/base/WireText.h"
-#include "quorix/base/modUTF_8.h"
 
 namespace quorix::console {
 
 namespace {
 
 bool TakesWireText(const cSession& session) { return session.Mode() == KV_Classic; }
+
+String XmlEscaped(StringView text) {
+    constexpr std::pair<StringView, StringView> kEntities[] = {
+        {u"&", u"&amp;"}, {u"<", u"&lt;"}, {u">", u"&gt;"}, {u"\"", u"&quot;"}, {u"'", u"&apos;"}};
+    String xml(text);
+    for (const auto& [character, entity] : kEntities) xml = ReplaceAll(xml, character, entity);
+    return xml;
+}
 
 String Wire(StringView text) { return WireFromBytes(Utf8FromText(text)); }
 
@@ -18,10 +25,10 @@ String Encoded(const cSession& session, StringView text) {
 }
 
 String Inserted(const cSession& session, StringView text) {
-    return TakesWireText(session) ? Wire(XmlEscape(text)) : String(text);
+    return TakesWireText(session) ? Wire(XmlEscaped(text)) : String(text);
 }
 
-String InXml(const cSession& session, StringView text) { return RawXml(session, XmlEscape(text)); }
+String InXml(const cSession& session, StringView text) { return RawXml(session, XmlEscaped(text)); }
 
 String RawXml(const cSession& session, StringView xml) { return Encoded(session, xml); }
 

@@ -21,7 +21,7 @@
 namespace quorix {
 
 class SessionLink;
-class cAgentItem;
+class QUORIX_API cAgentItem;
 
 /// One value of the agent's registration form. Its agent is what the application sets; it is held, so an
 /// agent that a field of its own points back to lives until one of the two lets go.

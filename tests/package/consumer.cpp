@@ -20,6 +20,7 @@ int main() {
     session->ServerAddress(u"localhost");
     session->Port(1);
     session->Connect();
+    if (session->Roster().Count() + session->Agents().Count() + session->Rooms().Count() != 0) return 1;
     for (int round = 0; round < 1000 && !listener->heard; ++round) quorix::MessageLoop::DoEvents();
     return listener->heard ? 0 : 1;
 }

@@ -5,8 +5,6 @@
 #ifdef QUORIX_CONSOLE
 
 #include "apps/console/Clean.h"
-#include "apps/console/Command.h"
-#include "apps/console/Event.h"
 #include "apps/console/Parameters.h"
 #include "apps/console/Proxy.h"
 #include "apps/console/Wrap.h"
@@ -73,13 +71,6 @@ TEST(ConsoleParts, TakeRightParametersOnly) {
                 ::testing::ElementsAre(u"a@b", u"two  words"));
     EXPECT_TRUE(ParseLine("USER PASSWORD", u"ann").onlyPasswordMissing);
     EXPECT_FALSE(ParseLine("USER PASSWORD", u"").onlyPasswordMissing);
-}
-
-TEST(ConsoleParts, KnowEveryParameterOfEveryCommand) {
-    for (const CommandGroup& group : CommandGroups()) {
-        for (const Command& command : group.commands)
-            EXPECT_NO_THROW(ParametersOf(command.usage)) << command.name;
-    }
 }
 
 TEST(ConsoleParts, ReadAProxyAsTheAddressItIs) {

@@ -66,6 +66,11 @@ bool ConsoleScreen::Ended() const {
     return RunUntil([this] { return Terminal({"list-sessions"}).empty(); });
 }
 
+void ConsoleScreen::Record() const {
+    Terminal({"pipe-pane", "cat >" + (folder_.Path() / "recorded").string()});
+}
+std::string ConsoleScreen::Recorded() const { return folder_.Read("recorded"); }
+
 std::size_t ConsoleScreen::Count(const std::string& text) const {
     const std::string all = Text();
     std::size_t count = 0;

@@ -36,6 +36,9 @@ public:
     bool Ended() const;
     // What is on the screen, line by line, without blanks at the ends.
     std::string Text() const;
+    // From now on, what the program writes, as it writes it.
+    void Record() const;
+    std::string Recorded() const;
     // How many times `text` is there.
     std::size_t Count(const std::string& text) const;
     // The last line that holds anything.

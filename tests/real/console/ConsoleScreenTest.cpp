@@ -47,13 +47,16 @@ TEST_F(ConsoleOnATerminal, KeepsPromptAndStatusBelowWhatItPrints) {
         ASSERT_TRUE(screen.Shows("! There is no command /bogus"));
         EXPECT_THAT(screen.Text(), Not(HasSubstr("> /bogus>")));
         EXPECT_TRUE(RunUntil([&] { return screen.LastLine() == ">"; })) << screen.Text();
+        for (int columns : {33, 22, size.columns / 2 + 15}) {
+            screen.Type("/w");
+            screen.Resize({columns + 20, size.rows});
+            screen.Resize({columns, size.rows});
+            screen.Press("Enter");
+            RunUntil([] { return false; }, 1);  // until it rests
+            EXPECT_EQ(screen.Count("online, no"), 1U) << screen.Text();
+        }
         screen.Type("/msg half a line");
         ASSERT_TRUE(screen.Shows("> /msg half a line"));
-        for (int columns : {33, 39, size.columns / 2 + 15}) {
-            screen.Resize({columns, size.rows});
-            RunUntil([] { return false; }, 1);  // until it rests
-            EXPECT_EQ(screen.Count("online, no TLS"), 1U) << screen.Text();
-        }
         server->DropConnections();
         ASSERT_TRUE(screen.Shows("Disconnected: "));
         EXPECT_TRUE(screen.Shows("offline, next attempt in "));
@@ -77,6 +80,17 @@ TEST_F(ConsoleOnATerminal, IndentsWhatStrangersWriteInEveryLocale) {
         isAnswer = isAnswer || line.starts_with("echo@localhost:");
     }
     EXPECT_TRUE(isAnswer);
+}
+
+TEST_F(ConsoleOnATerminal, CountsTheEntriesOfALongListAndRingsAndColours) {
+    const ConsoleScreen screen({}, Login({"--bell", "--color", "always"}));
+    ASSERT_TRUE(screen.Shows("Logged in"));
+    screen.Enter("/rooms crowd.localhost");
+    ASSERT_TRUE(screen.Shows("room r5000@crowd.localhost") && screen.Shows("| /rooms: 5000 |"));
+    screen.Record();
+    screen.Enter("/msg echo@localhost hello");
+    ASSERT_TRUE(screen.Shows("You said: hello"));
+    EXPECT_THAT(screen.Recorded(), HasSubstr("echo@localhost\x1b[0m: You said: hello\r\n\a"));
 }
 
 TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
