@@ -32,6 +32,26 @@ struct EndRun {
 using Run = std::unique_ptr<xmlXPathParserContext, EndRun>;
 using Result = std::unique_ptr<xmlXPathObject, With<xmlXPathFreeObject>>;
 
+// What a query at `node` sets in the thread's context, which must not outlive it: the document may be gone
+// next, and the library keeps the text of an error.
+class At {
+public:
+    At(xmlXPathContext& context, xmlNode& node) : context_(context) {
+        context.doc = node.doc;
+        context.node = &node;
+    }
+    ~At() {
+        context_.doc = nullptr;
+        context_.node = nullptr;
+        xmlResetError(&context_.lastError);
+    }
+    At(const At&) = delete;
+    At& operator=(const At&) = delete;
+
+private:
+    xmlXPathContext& context_;
+};
+
 // The library takes an expression without brackets for a pattern, which finds nothing when memory runs out.
 std::string AsNoPattern(const std::string& xpath) {
     return xpath.find_first_of("()[]@") == std::string::npos ? "(" + xpath + ")" : xpath;
@@ -43,12 +63,9 @@ public:
     Result Evaluate(xmlNode* node, StringView xpath) {
         QuietParser quiet;
         const std::string written = AsNoPattern(WithNamesAsWritten(TreeText(xpath)));
+        const At at(*context_, *node);
         Run run = NewRun(written);
-        context_->doc = node->doc;
-        context_->node = node;
         xmlXPathEvalExpr(run.get());
-        context_->doc = nullptr;
-        context_->node = nullptr;
         Result result(run->error == XPATH_EXPRESSION_OK ? valuePop(run.get()) : nullptr);
         RequireMemory();
         return result;
@@ -60,7 +77,6 @@ private:
     // compiled before.
     Run NewRun(const std::string& xpath) {
         constexpr int kStack = 10;
-        xmlResetError(&context_->lastError);
         Run run(Required(xmlXPathNewParserContext(BAD_CAST xpath.c_str(), context_.get())));
         void* stack = Required(xmlMalloc(kStack * sizeof(xmlXPathObjectPtr)));
         run->valueTab = static_cast<xmlXPathObjectPtr*>(stack);

@@ -52,13 +52,13 @@ void SweepOnce(const Run& run) {
     EXPECT_LT(nth, kMost);
 }
 
-// Nothing is left and nothing is printed. What the libraries make once and keep, they make in the first
-// round.
-void Sweep(const Run& run) {
+// Nothing is printed, and nothing is left but `lost` blocks that a library is known to lose. What libraries
+// make once and keep, they make in the first round.
+void Sweep(const Run& run, std::ptrdiff_t lost = 0) {
     SweepOnce(run);
     std::ptrdiff_t before = LiveAllocations();
     SweepOnce(run);
-    EXPECT_EQ(LiveAllocations(), before);
+    EXPECT_LE(LiveAllocations(), before + lost);
     EXPECT_EQ(std::exchange(printed, 0), 0);
 }
 
@@ -86,18 +86,18 @@ TEST(MemoryRunsOut, InADocumentsLife) {
     });
 }
 
-// The library loses what it has found so far, a few blocks a query.
+// The library loses a set of nodes, two blocks, where there is no memory for what is to hold it.
 TEST(MemoryRunsOut, InAQuery) {
     auto document = XmlDocument::Create();
     document->Load(u"<r><b x='1'>eins</b><b>zwei</b><c x='1'/></r>");
-    SweepOnce([&] {
+    auto queries = [&] {
         std::string found;
         for (StringView xpath :
              {u"/r/b", u"//b | //c", u"//b[.='zwei' and not(@x)]", u"//b[@x=//c/@x][last()]"})
             found += std::to_string(document->Select(xpath).size());
         return found;
-    });
-    EXPECT_EQ(std::exchange(printed, 0), 0);
+    };
+    Sweep(queries, 28);
 }
 
 class MemoryRunsOutIn : public ::testing::TestWithParam<eMode> {};
