@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "quorix/platform/Environment.h"
+#include "python/module/ThreadEnvironment.h"
 
 namespace quorix::python {
 namespace {
@@ -16,14 +16,13 @@ void Empty(Body& body) {
 
 // Ends with its thread, before what the objects need of that.
 struct Tenancy {
-    Tenancy() {
-        Environment::Current();
-        own = home.get();
-    }
+    Tenancy() { own = home.get(); }
     ~Tenancy() { home->Close(); }
     Tenancy(const Tenancy&) = delete;
     Tenancy& operator=(const Tenancy&) = delete;
 
+    ThreadEnvironment environment;
+    Environment::Use use{environment};
     std::shared_ptr<Home> home = std::make_shared<Home>();
 };
 

@@ -60,6 +60,10 @@ Reference ArgumentsOf(const Wrapper& wrapper, const Event& event, const scriptin
     return made;
 }
 
+PyObject* CallHandler(PyObject* handler, PyObject* arguments) {
+    return OutlivingThreads([&] { return PyObject_CallObject(handler, arguments); });
+}
+
 // One that an earlier one took away is not called.
 void CallEach(const Reference& handlers, const Reference& arguments) {
     const Reference present = Reference::Steal(PyList_AsTuple(handlers.Get()));
@@ -67,7 +71,7 @@ void CallEach(const Reference& handlers, const Reference& arguments) {
         const Reference handler = Reference::Borrow(PyTuple_GET_ITEM(present.Get(), i));
         const int isThere = PySequence_Contains(handlers.Get(), handler.Get());
         if (isThere == 0) continue;
-        PyObject* result = isThere < 0 ? nullptr : PyObject_CallObject(handler.Get(), arguments.Get());
+        PyObject* result = isThere < 0 ? nullptr : CallHandler(handler.Get(), arguments.Get());
         if (result == nullptr) PyErr_WriteUnraisable(handler.Get());
         Py_XDECREF(result);
     }

@@ -19,12 +19,15 @@ using scripting::Type;
 
 thread_local bool quit = false;
 
-// Other threads of Python's run while this one waits. A signal ends the waiting, so that its handler runs.
+int LoopDescriptor() {
+    Home::Current();  // has the loop
+    return MessageLoop::Descriptor();
+}
+
+// A signal ends the waiting, so that its handler runs.
 void WaitForWork() {
-    pollfd loop = {MessageLoop::Descriptor(), POLLIN, 0};
-    Py_BEGIN_ALLOW_THREADS;
-    poll(&loop, 1, -1);
-    Py_END_ALLOW_THREADS;
+    pollfd loop = {LoopDescriptor(), POLLIN, 0};
+    Unlocked([&] { return poll(&loop, 1, -1); });
     Check(PyErr_CheckSignals());
 }
 
@@ -49,7 +52,7 @@ PyObject* Quit(PyObject*, PyObject*) {
     Py_RETURN_NONE;
 }
 
-PyObject* Descriptor(PyObject*, PyObject*) { return PyLong_FromLong(MessageLoop::Descriptor()); }
+PyObject* Descriptor(PyObject*, PyObject*) { return PyLong_FromLong(LoopDescriptor()); }
 
 PyObject* Dispatch(PyObject*, PyObject*) {
     return Guarded([] {

@@ -4,6 +4,9 @@
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
+#include <cxxabi.h>
+#include <unistd.h>
+
 #include <utility>
 
 namespace quorix::python {
@@ -44,10 +47,33 @@ inline void Check(int result) {
     if (result < 0) throw ErrorIsSet();
 }
 
+// An interpreter that ends also ends each thread that wants its lock meanwhile, by unwinding it. The
+// library's frames below `body` are no place for that, so the thread stays until the process is gone.
+template <class Body>
+auto OutlivingThreads(Body body) {
+    try {
+        return body();
+    } catch (const abi::__forced_unwind&) {
+        for (;;) pause();
+    }
+}
+
+// Lets other threads of Python's run during `wait`, which throws nothing.
+template <class Wait>
+auto Unlocked(Wait wait) {
+    if (Py_IsInitialized() == 0 || PyGILState_Check() == 0) return wait();
+    return OutlivingThreads([&] {
+        PyThreadState* state = PyEval_SaveThread();
+        auto result = wait();
+        PyEval_RestoreThread(state);
+        return result;
+    });
+}
+
 // Holds the interpreter's lock, whoever had it.
 class Lock {
 public:
-    Lock() : state_(PyGILState_Ensure()) {}
+    Lock() : state_(OutlivingThreads(PyGILState_Ensure)) {}
     ~Lock() { PyGILState_Release(state_); }
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;

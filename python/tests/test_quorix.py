@@ -6,6 +6,7 @@ import subprocess
 import sys
 import textwrap
 import threading
+import time
 import unittest
 import weakref
 
@@ -16,7 +17,11 @@ MESSAGE = b"<message from='juliet@s/balcony' type='chat'><body>O Romeo \xf0\x9f\
 
 
 def session_at(server, **properties):
-    return quorix.cSession(ServerAddress="127.0.0.1", Port=server.port - 65536 if server.port > 32767 else server.port,
+    return session_on(server.port, **properties)
+
+
+def session_on(port, **properties):
+    return quorix.cSession(ServerAddress="127.0.0.1", Port=port - 65536 if port > 32767 else port,
                            username="u", Password="p", Resource="r", Reconnect=False, **properties)
 
 
@@ -130,6 +135,26 @@ class Threads(unittest.TestCase):
         thread.join()
         self.assertRaises(RuntimeError, lambda: kept[0].Active)
         kept.clear()
+
+
+    def test_others_run_while_one_waits(self):
+        listener = socket.create_server(("127.0.0.1", 0))
+
+        def hang_up():
+            with listener, listener.accept()[0] as connection:
+                connection.recv(1)
+
+        session = session_on(listener.getsockname()[1], Mode=quorix.KV_Classic, UseSSL=True)
+        session.Socket.TimeOut = 60000
+        errors = []
+        session.on("OnSocketError", lambda node, text, number: errors.append(number))
+        other = threading.Thread(target=hang_up)
+        other.start()
+        began = time.monotonic()
+        session.Connect(False)  # shakes hands
+        other.join()
+        self.assertEqual(errors, [10053])
+        self.assertLess(time.monotonic() - began, 20)
 
 
 class Events(unittest.TestCase):
@@ -251,7 +276,7 @@ class Endings(unittest.TestCase):
 
     def test_the_interpreter_may_end_with_sessions_open(self):
         program = textwrap.dedent("""
-            import sys, threading
+            import sys, threading, time
             import quorix
             from server import Server
             from test_quorix import session_at
@@ -268,6 +293,21 @@ class Endings(unittest.TestCase):
                 threading.Event().wait()
             threading.Thread(target=other, daemon=True).start()
             while "kept" not in globals(): pass
+            def inside_an_event():
+                session = session_at(server)
+                def stay():
+                    inside.set()
+                    while True: time.sleep(0.001)
+                session.on("OnAuthorized", stay)
+                session.Connect(False)
+                quorix.run()
+            inside = threading.Event()
+            threading.Thread(target=inside_an_event, daemon=True).start()
+            threading.Thread(target=quorix.run, daemon=True).start()
+            inside.wait()
+            class Slow:
+                def __del__(self, sleep=time.sleep): sleep(0.1)
+            sys.path.append(Slow())
             sys.path.append(session)
             print("end")
         """)
