@@ -13,7 +13,7 @@ HEAD = '''\
 from asyncio import Future
 from collections.abc import AsyncIterator, Callable, Iterator
 from enum import IntEnum
-from typing import Any, Literal, overload
+from typing import Any, Literal, final, overload
 
 class AutomationError(Exception):
     """What an impossible call ends with. Its number tells which."""
@@ -116,7 +116,7 @@ def handlers(events):
     for name, list_, _ in events:
         handler = f"Callable[[{', '.join(event_arguments(name, list_))}], object]"
         yield f'    @overload\n    def on(self, event: Literal["{name}"], handler: {handler}) -> {handler}: ...\n'
-        yield (f'    @overload\n    def on(self, event: Literal["{name}"])'
+        yield (f'    @overload\n    def on(self, event: Literal["{name}"], handler: None = None)'
                f" -> Callable[[{handler}], {handler}]: ...\n")
 
 
@@ -135,7 +135,8 @@ def class_stub(name, help_, creatable, members, events):
     elif events:
         body += "    def _on(self, event: str, handler: Callable[..., object]) -> None: ...\n"
         body += "    def _off(self, event: str, handler: Callable[..., object]) -> None: ...\n"
-    return f'class {name}(Object):\n    """{help_}"""\n{body}'
+    final = "" if creatable else "@final\n"
+    return f'{final}class {name}(Object):\n    """{help_}"""\n{body}'
 
 
 def events_stub(events):

@@ -29,7 +29,7 @@ start = time.monotonic()
 try:
     version = asyncio.run(asyncio.wait_for(ask(*sys.argv[1:5]), seconds))
 except (quorix.SessionError, asyncio.TimeoutError) as error:
-    print("CRITICAL:", error or "no answer in time")
+    print("CRITICAL:", str(error) or "no answer in time")
     sys.exit(2)
 took = time.monotonic() - start
 slow = took > seconds / 2

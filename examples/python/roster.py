@@ -11,15 +11,15 @@ async def main(host: str, port: str, user: str, password: str, jid: str = "", ni
     complete = asyncio.Event()
     session.on("OnRosterEnd", complete.set)
     await session.login()
+    session.FetchRoster()
+    await asyncio.wait_for(complete.wait(), timeout=30)
     if jid:
+        complete.clear()
         contact = session.CreateRosterItem()
         contact.JID, contact.NickName = jid, nickname
         contact.AddGroup("Friends")
         contact.Add()
-        await complete.wait()  # the server's own word that it is there
-        complete.clear()
-    session.FetchRoster()
-    await asyncio.wait_for(complete.wait(), timeout=30)
+        await asyncio.wait_for(complete.wait(), timeout=30)  # the server's own word that it is there
     for contact in session.Roster:
         print(contact.JID, contact.NickName, contact.Subscription.name, *contact.Groups)
     session.Disconnect()

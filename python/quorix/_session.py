@@ -1,34 +1,37 @@
 """What a session is to Python besides its members: handlers, and coroutines."""
 import asyncio
+from inspect import Parameter, Signature
 
 from . import _quorix
 
-_EVENTS = {name: help for name, _, help in next(t for t in _quorix._tables() if t[0] == "cSession")[4]}
+_EVENTS = {name: rest for name, *rest in next(t for t in _quorix._tables() if t[0] == "cSession")[4]}
 
 
-def _nothing(name, help):
+def _nothing(name, parameters, help):
     def event(self, *arguments):
         pass
 
     event.__name__ = name
     event.__qualname__ = f"SessionEvents.{name}"
     event.__doc__ = help
+    event.__signature__ = Signature(
+        [Parameter(name, Parameter.POSITIONAL_OR_KEYWORD) for name in ("self", *(p[0] for p in parameters))])
     return event
 
 
 class SessionEvents:
     """What a session tells. Override the events to hear, and hand an object to Advise."""
 
-    for _name, _help in _EVENTS.items():
-        vars()[_name] = _nothing(_name, _help)
-    del _name, _help
+    for _name, _rest in _EVENTS.items():
+        vars()[_name] = _nothing(_name, *_rest)
+    del _name, _rest
 
 
 class SessionError(Exception):
     """A login that failed: a text, and the code of OnError or the number of OnSocketError."""
 
     def __init__(self, text, code=0):
-        super().__init__(text)
+        super().__init__(text or f"Error {code}")
         self.code = code
 
 

@@ -1,4 +1,7 @@
-"""Runs the examples beside a friend, on a real server. The argument is its port, where anybody may make an account."""
+"""test_examples.py PORT [AUTHTYPE]: runs the examples beside a friend, on a real server where anybody may make an account.
+
+Without another AuthType they log in by what the server offers.
+"""
 import asyncio
 import pathlib
 import sys
@@ -7,7 +10,7 @@ import unittest
 import quorix
 
 EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples" / "python"
-PORT = sys.argv.pop(1)
+PORT, AUTH_TYPE = sys.argv[1], (sys.argv[2:] or ["KV_AutoAuth"])[0]
 PATIENCE = 30
 
 
@@ -34,9 +37,19 @@ async def account(name):
     return session
 
 
+# Runs a program whose sessions have that AuthType.
+AUTHORIZED = """
+import functools, runpy, sys
+import quorix
+quorix.cSession = functools.partial(quorix.cSession, AuthType=quorix.eAuthType[sys.argv.pop(1)])
+del sys.argv[0]
+runpy.run_path(sys.argv[0], run_name="__main__")
+"""
+
+
 def start(program, user, *more):
     return asyncio.create_subprocess_exec(
-        sys.executable, EXAMPLES / program, "localhost", str(int(PORT) - (65536 if int(PORT) > 32767 else 0)), user,
+        sys.executable, "-P", "-c", AUTHORIZED, AUTH_TYPE, EXAMPLES / program, "localhost", str(int(PORT) - (65536 if int(PORT) > 32767 else 0)), user,
         "secret", *more, stdout=asyncio.subprocess.PIPE, stderr=asyncio.subprocess.STDOUT)
 
 
@@ -87,4 +100,4 @@ class Examples(unittest.IsolatedAsyncioTestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])

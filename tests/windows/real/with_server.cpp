@@ -1,4 +1,5 @@
-// with_server COMMAND [ARGUMENT...]: runs a command beside ejabberd on loopback, both on this system.
+// with_server [--ejabberd | --prosody | --jabberd2] COMMAND [ARGUMENT...]: runs a command beside that server,
+// or ejabberd, on loopback, both on this system.
 //
 // In the arguments @port@ is the server's port, @tls@ its port for TLS. The exit code is the command's.
 #include <spawn.h>
@@ -67,9 +68,19 @@ pid_t Spawn(std::vector<std::string>& command) {
     return pid;
 }
 
-int Run(std::vector<std::string> command) {
+// Takes the option that names it.
+ServerKind KindOf(std::vector<std::string>& command) {
+    for (ServerKind kind : {ServerKind::ejabberd, ServerKind::prosody, ServerKind::jabberd2}) {
+        if (command.front() != std::string("--") + Name(kind)) continue;
+        command.erase(command.begin());
+        return kind;
+    }
+    return ServerKind::ejabberd;
+}
+
+int Run(ServerKind kind, std::vector<std::string> command) {
     const TemporaryCertificate certificate;
-    const std::unique_ptr<RealServer> server = MakeServer(ServerKind::ejabberd, &certificate.Files());
+    const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
     server->Start();
     for (std::string& argument : command) {
         argument = Replaced(argument, "@port@", server->Port());
@@ -88,12 +99,14 @@ int main(int count, char** values) {
     using namespace quorix::real;
     if (count < 2) return 2;
     try {
-        const std::string missing = WhyMissing(ServerKind::ejabberd);
+        std::vector<std::string> command(values + 1, values + count);
+        const ServerKind kind = KindOf(command);
+        const std::string missing = WhyMissing(kind);
         if (!missing.empty()) {
             std::printf("skipped: %s\n", missing.c_str());
             return std::getenv("CI") != nullptr ? 1 : 77;
         }
-        return Run(std::vector<std::string>(values + 1, values + count));
+        return Run(kind, std::move(command));
     } catch (const std::exception& error) {
         std::printf("%s\n", error.what());
         return 1;
