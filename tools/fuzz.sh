@@ -46,7 +46,7 @@ coverage() {
     done
     llvm-profdata merge -sparse $folder/*.profraw -o $folder/all.profdata
     llvm-cov report "${objects[@]:1:1}" "${objects[@]:2}" -instr-profile=$folder/all.profdata \
-        -show-branch-summary=0 -show-region-summary=0 -ignore-filename-regex='/(testkit|fuzz|apps)/'
+        -show-branch-summary=0 -show-region-summary=0 -ignore-filename-regex='/(testkit|fuzz|apps/console)/[^/]*$'
 }
 
 "$@"
