@@ -1,5 +1,6 @@
 #!/bin/bash
-# Packs what somebody needs on Windows into build/quorix-VERSION-windows.zip, and tries it under Wine as unpacked.
+# Packs what somebody needs on Windows into build/quorix-VERSION-windows.zip, and into a program of the same name that
+# installs it; tries both under Wine.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
@@ -12,6 +13,7 @@ version=$(sed -n 's/^project(quorix VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 name=quorix-$version-windows
 kit=$root/build/kit/$name
 archive=$root/build/$name.zip
+setup=$root/build/$name.exe
 declare -A architectures=([32]=x86 [64]=amd64)
 
 with_windows_lines() { sed 's/$/\r/' "$1" >"$2"; }
@@ -53,13 +55,15 @@ add_texts() {
             with_windows_lines "packaging/windows/$file" "$kit/$file"
         done
     done
-    sed -i "s/@version@/$version/" "$kit/samples/application.manifest"
+    sed -i "s/@version@/$version/" "$kit/samples/application.manifest" "$kit/README.txt"
 }
 
 pack() {
     rm -f "$archive"
     (cd "$root/build/kit" && cmake -E tar cf "$archive" --format=zip "$name")
 }
+
+make_setup() { makensis -V2 -DVERSION="$version" -DKIT="$kit" -DOUT="$setup" packaging/windows/setup.nsi; }
 
 # -- Trying it --
 
@@ -81,6 +85,16 @@ try_registration() { # "user" or "machine", command that works while it is regis
     expect fails "$width bits: uninstalled" "$@"
 }
 
+# The program is a 32-bit one, which a 64-bit Wine alone does not run.
+try_setup() {
+    local class='HKCU\Software\Classes\Quorix.cSession' folder='C:\Quorix'
+    expect works "setup: install" "${wine[@]}" "$setup" /S "/D=$folder"
+    expect works "setup: installed" "${wine[@]}" reg query "$class"
+    expect works "setup: uninstall" "${wine[@]}" "$folder\\uninstall.exe" /S "_?=$folder"
+    expect fails "setup: uninstalled" "${wine[@]}" reg query "$class"
+    expect fails "setup: left behind" ls -d "$QUORIX_WINE_PREFIX"/drive_c/Quorix/[!u]*
+}
+
 # In a folder whose name has a blank, on a drive where nothing is registered.
 try_width() {
     local width=$1 folder="$root/build/kit/as unpacked/$name"
@@ -95,6 +109,7 @@ try_width() {
     # Wine looks classes up for the whole machine only.
     try_registration user "${wine[@]}" reg query 'HKCU\Software\Classes\Quorix.cSession'
     try_registration machine "${wine[@]}" "$probe"
+    [ "$width" = 64 ] || try_setup
     stop_wine "$width"
 }
 
@@ -107,7 +122,8 @@ done
 with_store add_licenses
 add_texts
 pack
+make_setup
 mkdir -p "$root/build/kit/as unpacked"
 (cd "$root/build/kit/as unpacked" && cmake -E tar xf "$archive")
 for width in 32 64; do try_width "$width"; done
-echo "$archive"
+ls "$archive" "$setup"

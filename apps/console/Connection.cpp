@@ -15,9 +15,17 @@ namespace quorix::console {
 namespace {
 
 constexpr std::int16_t kAttempts = 32767;  // in a row; a client that listens does so for months
+constexpr std::int16_t kNoHost = 100;      // of OnSocketError
 constexpr std::int16_t kUntrusted = 101;   // of OnSocketError: the certificate was refused
 constexpr std::int16_t kNoAnswer = 408;    // of OnError: no login in time
 constexpr std::uint16_t kPort = 5222;
+
+String SocketReason(StringView description, std::int16_t code) {
+    if (code == kNoHost) return u"unknown host";
+    const bool endsWithDot = !description.empty() && description.back() == u'.';
+    if (endsWithDot) description.remove_suffix(1);
+    return Concat({description, u" (", ToString(code), u")"});
+}
 
 }  // namespace
 
@@ -121,7 +129,7 @@ void Connection::StartDeadline() {
     auto passed = [](gpointer self) -> gboolean {
         auto* connection = static_cast<Connection*>(self);
         connection->deadline_ = 0;
-        connection->End(ExitCode::silence, u"No login", u"the server does not answer");
+        connection->End(ExitCode::silence, u"No login", u"the server has not answered in time");
         return G_SOURCE_REMOVE;
     };
     if (options_.timeout > 0)
@@ -169,9 +177,7 @@ void Connection::OnDisConnected() {
 
 void Connection::OnSocketError(const NodePtr& /*XMLElement*/, StringView Description, std::int16_t Code) {
     if (Code == kUntrusted) return Distrust();
-    const bool endsWithDot = !Description.empty() && Description.back() == u'.';
-    reason_ = Concat(
-        {Description.substr(0, Description.size() - (endsWithDot ? 1 : 0)), u" (", ToString(Code), u")"});
+    reason_ = SocketReason(Description, Code);
     if (!wasOnline_) return GiveUp(reason_);
     if (!online_) Show("attempt-failed", {{"reason", reason_}});
 }
@@ -180,7 +186,8 @@ void Connection::OnSocketError(const NodePtr& /*XMLElement*/, StringView Descrip
 void Connection::OnError(const NodePtr& XMLElement, StringView /*FromJid*/, std::int16_t eErrorCode,
                          StringView ErrorDescription) {
     if (XMLElement && XMLElement->Root().Is(u"message")) return;
-    reason_ = ErrorDescription;
+    const bool isInClear = StartsWith(ErrorDescription, u"The password would go out in the clear");
+    reason_ = Concat({ErrorDescription, isInClear ? u"; use --tls, or --plain" : u""});
     isSilence_ = eErrorCode == kNoAnswer;
     isRefused_ = eErrorCode != 0 && !isSilence_;
     if (wasOnline_ && !online_) End(ExitCode::network, u"Not connected", reason_);
@@ -188,7 +195,7 @@ void Connection::OnError(const NodePtr& XMLElement, StringView /*FromJid*/, std:
 
 // No login came of it.
 void Connection::GiveUp(StringView reason) {
-    if (isSilence_) return End(ExitCode::silence, u"No login", reason);
+    if (isSilence_) return End(ExitCode::silence, u"No login", u"the server has not answered in time");
     if (!isRefused_) return End(ExitCode::network, u"No login", reason);
     End(ExitCode::refused, newUser_ ? u"account refused" : u"login refused", reason);
 }

@@ -9,6 +9,7 @@
 
 #include "quorix/base/Jid.h"
 #include "quorix/base/WireText.h"
+#include "quorix/xml/cXML_Node.h"
 
 namespace quorix::console {
 
@@ -54,6 +55,13 @@ bool IsNamespace(StringView text) {
     return colon != StringView::npos && IsName(text.substr(0, colon)) && HasNone(text, u"<>&\"'");
 }
 
+// One that is not would end the stream.
+bool IsStanza(StringView text) {
+    cXML_Node node;
+    node.xml(text);
+    return static_cast<bool>(node.Root());
+}
+
 constexpr ParameterKind kKinds[] = {
     {"JID", false, IsJid, "an address: name@server or server, with or without /resource"},
     {"JIDS", false, [](StringView text) { return AreJids(Parts(text, u',')); },
@@ -66,7 +74,7 @@ constexpr ParameterKind kKinds[] = {
     {"GROUPS", true, Anything, "groups with semicolons between them"},
     {"TEXT", true, Anything, "the rest of the line"},
     {"MARKUP", true, Anything, "formatted text as XHTML"},
-    {"XML", true, Anything, "a whole stanza"},
+    {"XML", true, IsStanza, "a whole stanza"},
     {"VALUES", true, [](StringView text) { return !ParseValues(text).empty(); }, "NAME=VALUE; NAME=VALUE"},
     {"USER", false, IsName, "the name of an account, without @server"},
     {"PASSWORD", true, Anything, "the rest of the line; on a terminal asked for when missing"},

@@ -13,10 +13,11 @@ namespace quorix::console {
 
 std::string PasswordFromFile(const std::string& file) {
     std::ifstream stream(file);
+    if (!stream) throw std::runtime_error("cannot read " + file);
     std::string line;
     std::getline(stream, line);
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) throw std::runtime_error("There is no password in " + file);
+    if (line.empty()) throw std::runtime_error("there is no password in " + file);
     return line;
 }
 

@@ -1,5 +1,8 @@
 #include "apps/console/Text.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "quorix/base/WireText.h"
 
 namespace quorix::console {
@@ -8,10 +11,14 @@ namespace {
 
 bool TakesWireText(const cSession& session) { return session.Mode() == KV_Classic; }
 
+// What can be typed, and no stream can hold.
+bool IsForbidden(char16_t c) { return (c < u' ' && c != u'\t') || c >= 0xFFFE; }
+
 String XmlEscaped(StringView text) {
     constexpr std::pair<StringView, StringView> kEntities[] = {
         {u"&", u"&amp;"}, {u"<", u"&lt;"}, {u">", u"&gt;"}, {u"\"", u"&quot;"}, {u"'", u"&apos;"}};
     String xml(text);
+    std::replace_if(xml.begin(), xml.end(), IsForbidden, u'\uFFFD');
     for (const auto& [character, entity] : kEntities) xml = ReplaceAll(xml, character, entity);
     return xml;
 }
