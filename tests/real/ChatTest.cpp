@@ -42,44 +42,6 @@ TEST_P(Chat, ASubscriptionIsAskedForGrantedAndEnded) {
     EXPECT_EQ(ann->FindPresence(bob.jid, u"work", true) > 0, !isTakenBack);
 }
 
-TEST_P(Chat, AContactIsAddedRegroupedRenamedAndRemovedOnAllResources) {
-    Person home(Server().Port(), u"rost.ann", u"home");
-    Person work(Server().Port(), u"rost.ann", u"work");
-    const Person bob(Server().Port(), u"rost.bob", u"x");
-    ASSERT_TRUE(home.Join() && work.Return());
-
-    auto contact = home->CreateRosterItem();
-    contact->JID(bob.jid);
-    contact->NickName(u"B\u00f6b & Co");
-    contact->AddGroup(u"Fr\u00e9res <1>");
-    contact->Add();
-    for (Person* resource : {&home, &work}) {
-        ASSERT_TRUE(resource->Sees("OnRosterItem rost.bob@localhost 0"));
-        EXPECT_EQ(resource->Contact(bob)->NickName(), u"B\u00f6b & Co");
-        EXPECT_TRUE(resource->Contact(bob)->inGroup(u"Fr\u00e9res <1>"));
-    }
-
-    auto mine = home.Contact(bob);
-    mine->NickName(u"Robert");
-    mine->RemoveAllGroups();
-    mine->AddGroup(u"Work");
-    mine->AddGroup(u"Home");
-    mine->Add();
-    ASSERT_TRUE(work.Sees("OnRosterItem rost.bob@localhost 0"));
-    EXPECT_EQ(work.log->rosterElement->GetAttrib(u"name"), u"Robert");
-    EXPECT_EQ(work.Contact(bob)->NickName(), u"B\u00f6b & Co") << "a contact that stays keeps its name";
-    EXPECT_TRUE(work.Contact(bob)->inGroup(u"Work") && work.Contact(bob)->inGroup(u"Home"));
-    EXPECT_EQ(work.Contact(bob)->Groups().Count(), 2);
-    ASSERT_TRUE(home.Sees("OnRosterItem rost.bob@localhost 0"));
-
-    mine->Subscription(KV_Remove);
-    mine->Update();
-    EXPECT_TRUE(home.Sees("OnRosterItem rost.bob@localhost 4") &&
-                work.Sees("OnRosterItem rost.bob@localhost 4"));
-    EXPECT_EQ(home.Contact(bob), nullptr);
-    EXPECT_EQ(work.Contact(bob), nullptr);
-}
-
 TEST_P(Chat, EventsThatAMessageAsksForComeBack) {
     Person ann(Server().Port(), u"ev.ann", u"caf\u00e9");
     Person bob(Server().Port(), u"ev.bob", u"work");

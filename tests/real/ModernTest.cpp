@@ -326,14 +326,6 @@ void Scripts::Carry(const Texts& texts) {
 TEST_P(Scripts, ComeThereAndBack) { Carry(Short()); }
 TEST_P(Scripts, ComeThereAndBackAtAnyLength) { Carry(Long()); }
 
-// Prosody and jabberd2 send the answer in one piece with the end of the stream.
-TEST_P(Modern, ConfirmsTheRemovalOfAnAccount) {
-    User rosa(Server(), u"removed.rosa");
-    ASSERT_TRUE(rosa.Join());
-    rosa->RemoveAccount();
-    EXPECT_TRUE(rosa.AwaitEvent("OnAccountRemoved"));
-}
-
 QUORIX_ON_EVERY_SERVER(Modern);
 QUORIX_ON_EVERY_SERVER(Scripts);
 

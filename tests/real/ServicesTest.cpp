@@ -72,26 +72,6 @@ TEST_P(Services, KeepPrivateData) {
     EXPECT_TRUE(user.Hears("<text>remember</text>"));
 }
 
-TEST_P(Services, PublishACardAndShowItToOthers) {
-    User owner(Server(), u"owner");
-    User reader(Server(), u"reader");
-    ASSERT_TRUE(owner.Join() && reader.Join());
-    auto card = std::make_shared<cVcard>();
-    card->FullName(u"Zo\u00eb & Co <x>");
-    card->HomeCity(u"K\u00f6ln");
-    card->BusinessPhone(u"123");
-    owner->UpdateVcard(card);
-    ASSERT_TRUE(owner.AwaitEvent("OnIQResult"));
-
-    reader->SendXML(u"<iq type='get' id='c' to='owner@localhost'><vCard xmlns='vcard-temp'/></iq>");
-    ASSERT_TRUE(reader.Told("OnVCardResult owner@localhost"));
-    EXPECT_EQ(reader.log->vcard->FullName(), u"Zo\u00eb & Co <x>");
-    EXPECT_EQ(reader.log->vcard->HomeCity(), u"K\u00f6ln");
-    if (GetParam() != ServerKind::jabberd2) {  // which keeps one number and no markers
-        EXPECT_EQ(reader.log->vcard->BusinessPhone(), u"123");
-    }
-}
-
 // Only ejabberd has a directory of its users, and still understands the oldest form of entering a room: a
 // directed presence and nothing else.
 class EjabberdServices : public Services {};

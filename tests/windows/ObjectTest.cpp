@@ -1,6 +1,8 @@
 // The behaviour that every object shares: errors, identity, reference counts, default members, threads.
 #include <gtest/gtest.h>
 
+#include <olectl.h>
+
 #include <thread>
 
 #include "tests/windows/support/Component.h"
@@ -87,18 +89,6 @@ TEST(Object, TakesNamedArguments) {
     EXPECT_EQ(node.Text(L"xml"), "<a><b>new</b></a>");
 }
 
-TEST(Object, IsOneObjectHoweverOftenItIsHandedOut) {
-    const Late fields = FieldsWithTwo();
-    const Late byKey = fields.Object(L"Item", {Of(L"key")});
-    EXPECT_EQ(byKey.Raw(), fields.Object(L"Item", {Of(1)}).Raw());
-    EXPECT_NE(byKey.Raw(), fields.Object(L"Item", {Of(2)}).Raw());
-
-    const Late node = Late::Create(L"Quorix.cXML_Node");
-    node.Put(L"xml", Of(L"<a><b/></a>"));
-    const Late root = node.Object(L"getNode", {Of(L"/a")});
-    EXPECT_EQ(root.Object(L"firstChild").Raw(), node.Object(L"getNode", {Of(L"//b")}).Raw());
-}
-
 TEST(Object, HasExactlyTheReferencesThatItsClientsHold) {
     Late fields = FieldsWithTwo();
     EXPECT_EQ(fields.References(), 1U);
@@ -115,20 +105,56 @@ TEST(Object, HasExactlyTheReferencesThatItsClientsHold) {
     EXPECT_EQ(item.References(), 2U);
 
     fields.Release();
+    EXPECT_FALSE(Component::IsUnused());
     EXPECT_EQ(item.Text(L"FieldName"), "first") << "an element outlives its collection";
 }
 
-TEST(Object, EndsWithItsLastReference) {
-    ASSERT_TRUE(Component::IsUnused());
-    {
-        const Late fields = FieldsWithTwo();
-        const Late item = fields.Object(L"Item", {Of(1)});
-        const Variant enumerator = fields.Get(L"_NewEnum");
-        const Late socket = Late::Create(L"Quorix.cSocketSSL");
-        const Connection sink(socket);
-        EXPECT_FALSE(Component::IsUnused());
+// Each of the interfaces, asked at each other one, is there and belongs to the same object.
+void ExpectLeadToEachOther(IUnknown* object, const std::vector<IID>& ids) {
+    for (const IID& from : ids) {
+        ComPtr<IUnknown> start;
+        ASSERT_EQ(object->QueryInterface(from, reinterpret_cast<void**>(start.GetAddressOf())), S_OK);
+        for (const IID& to : ids) {
+            ComPtr<IUnknown> end, identity;
+            ASSERT_EQ(start->QueryInterface(to, reinterpret_cast<void**>(end.GetAddressOf())), S_OK);
+            ASSERT_EQ(end->QueryInterface(IID_PPV_ARGS(&identity)), S_OK);
+            EXPECT_EQ(identity.Get(), object);
+        }
+        void* other = object;
+        EXPECT_EQ(start->QueryInterface(IID_IStream, &other), E_NOINTERFACE);
+        EXPECT_EQ(other, nullptr);
     }
-    EXPECT_TRUE(Component::IsUnused());
+}
+
+IID OwnInterface(const Late& object) {
+    ComPtr<ITypeInfo> info;
+    TYPEATTR* attributes = nullptr;
+    if (FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info)) || FAILED(info->GetTypeAttr(&attributes)))
+        throw std::logic_error("an object without a description");
+    const IID id = attributes->guid;
+    info->ReleaseTypeAttr(attributes);
+    return id;
+}
+
+TEST(Object, HasInterfacesThatLeadToEachOtherAndToThoseTheyDeriveFrom) {
+    const Late session = Late::Create(L"Quorix.cSession");
+    ExpectLeadToEachOther(session.Raw(),
+                          {IID_IUnknown, IID_IDispatch, OwnInterface(session), IID_IProvideClassInfo,
+                           IID_IProvideClassInfo2, IID_ISupportErrorInfo});
+    const Late socket = Late::Create(L"Quorix.cSocketSSL");
+    ExpectLeadToEachOther(socket.Raw(), {IID_IDispatch, IID_IConnectionPointContainer});
+    const ComPtr<IConnectionPoint> point = ConnectionPointOf(socket);
+    ExpectLeadToEachOther(point.Get(), {IID_IUnknown, IID_IConnectionPoint});
+    ComPtr<IEnumConnections> connections;
+    ASSERT_EQ(point->EnumConnections(&connections), S_OK);
+    ExpectLeadToEachOther(connections.Get(), {IID_IUnknown, IID_IEnumConnections});
+    const Variant elements = Late::Create(L"Quorix.cSearchFields").Get(L"_NewEnum");
+    ExpectLeadToEachOther(elements.punkVal, {IID_IUnknown, IID_IEnumVARIANT});
+    ComPtr<IClassFactory> factory;
+    CLSID node;
+    ASSERT_EQ(CLSIDFromProgID(L"Quorix.cXML_Node", &node), S_OK);
+    ASSERT_EQ(Component::GetClassObject(node, IID_PPV_ARGS(&factory)), S_OK);
+    ExpectLeadToEachOther(factory.Get(), {IID_IUnknown, IID_IClassFactory});
 }
 
 TEST(Object, RefusesCallsFromAnotherThread) {

@@ -89,6 +89,7 @@ TEST(SocketObject, OfASessionTellsItsEventsToTheSessionAlone) {
     session.Put(L"ServerAddress", Of(L"no.such.host.invalid"));
     session.Do(L"Connect", {Of(false)});
     EXPECT_TRUE(PumpUntil([&] { return events->Saw(7); })) << "the session hears its socket still";
+    EXPECT_EQ(events->types[7], (std::vector<VARTYPE>{VT_DISPATCH, VT_BSTR, VT_I2}));
 }
 
 }  // namespace

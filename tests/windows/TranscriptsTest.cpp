@@ -8,9 +8,9 @@
 #include "quorix/base/WireText.h"
 #include "quorix/net/cSocketSSL.h"
 #include "quorix/net/mSocketSSL.h"
-#include "quorix/scripting/SessionEventTable.h"
 #include "testkit/transcripts/Runner.h"
 #include "tests/windows/support/Component.h"
+#include "tests/windows/support/Functions.h"
 #include "tests/windows/support/Sink.h"
 
 namespace windowstest {
@@ -81,6 +81,40 @@ void Require(const Answer& answer, const std::string& member) {
 
 std::wstring Widened(const std::string& name) { return {name.begin(), name.end()}; }
 
+// The type of a VARIANT that carries a value declared so. Interfaces and enumerations are named types.
+VARTYPE CarriedAs(ITypeInfo& info, const TYPEDESC& declared) {
+    if (declared.vt == VT_PTR) {
+        const VARTYPE to = CarriedAs(info, *declared.lptdesc);
+        return to == VT_DISPATCH ? to : static_cast<VARTYPE>(to | VT_BYREF);
+    }
+    if (declared.vt != VT_USERDEFINED) return declared.vt;
+    ComPtr<ITypeInfo> named;
+    TYPEATTR* type = nullptr;
+    info.GetRefTypeInfo(declared.hreftype, &named);
+    named->GetTypeAttr(&type);
+    const VARTYPE carried = type->typekind == TKIND_DISPATCH ? VT_DISPATCH : VT_I4;
+    named->ReleaseTypeAttr(type);
+    return carried;
+}
+
+struct DeclaredEvent {
+    std::string name;
+    std::vector<VARTYPE> arguments;
+};
+
+// The events that the type library declares, by their numbers.
+std::map<DISPID, DeclaredEvent> DeclaredEvents(const Late& session) {
+    std::map<DISPID, DeclaredEvent> all;
+    const ComPtr<ITypeInfo> info = DefaultEventsInfoOf(session);
+    ForEachFunction(*info.Get(), [&](const FUNCDESC& function) {
+        DeclaredEvent& event = all[function.memid];
+        event.name = NameOf(*info.Get(), function.memid);
+        for (SHORT p = 0; p < function.cParams; ++p)
+            event.arguments.push_back(CarriedAs(*info.Get(), function.lprgelemdescParam[p].tdesc));
+    });
+    return all;
+}
+
 // There is no other time than the clock's here, of which there is little, and no other network than the
 // system's.
 bool IsForAutomation(const Scenario& scenario) {
@@ -131,24 +165,25 @@ public:
 
 private:
     void Listen(const Object& session, const EventHandler& onEvent) {
+        // A compiled one, which gets each argument as it is declared.
+        sink_ = automation::Adopt(new Sink(DefaultEventsOf(LateOf(session))));
         DWORD cookie = 0;  // the sink leaves with the session, and does not keep it
         if (FAILED(ConnectionPointOf(LateOf(session))->Advise(sink_.Get(), &cookie))) {
             throw std::runtime_error("cannot connect a sink");
         }
-        const auto& events = scripting::SessionEventList();
-        for (std::size_t i = 0; i < events.size(); ++i) {
-            const DISPID id = static_cast<DISPID>(i) + 1;
-            sink_->at[id] = [this, id, name = events[i].name, onEvent](DISPPARAMS&) {
+        for (const auto& [id, event] : DeclaredEvents(LateOf(session))) {
+            sink_->at[id] = [this, id = id, event = event, onEvent](DISPPARAMS&) {
                 Values arguments;
                 for (const Variant& value : sink_->values[id]) arguments.push_back(FromVariant(value));
-                onEvent(name, arguments);
+                const bool asDeclared = sink_->types[id] == event.arguments;
+                onEvent(asDeclared ? event.name : event.name + " with other arguments", arguments);
                 return S_OK;
             };
         }
     }
 
     std::shared_ptr<Server> server_ = std::make_shared<Server>();
-    ComPtr<Sink> sink_ = quorix::automation::Adopt(new Sink);
+    ComPtr<Sink> sink_;
 };
 
 class Transcript : public ::testing::TestWithParam<std::filesystem::path> {};

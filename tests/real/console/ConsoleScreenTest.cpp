@@ -33,6 +33,15 @@ protected:
         return LoginOptions(port, "juliet", std::move(more));
     }
 
+    // What is typed, and what then comes on the screen.
+    static void Talk(const ConsoleScreen& screen,
+                     const std::vector<std::pair<const char*, const char*>>& lines) {
+        for (const auto& [typed, shown] : lines) {
+            screen.Enter(typed);
+            ASSERT_TRUE(screen.Shows(shown));
+        }
+    }
+
     int port = 0;
     std::shared_ptr<LoopbackServer> server = LoopbackServer::Create();
 };
@@ -98,39 +107,29 @@ TEST_F(ConsoleOnATerminal, HoldsWhatIsTypedWithoutAConnectionAndSendsItLater) {
     ASSERT_TRUE(screen.Shows("Logged in"));
     server->DropConnections();
     ASSERT_TRUE(screen.Shows("Disconnected: "));
-    screen.Enter("/msg echo@localhost dropped");
-    ASSERT_TRUE(screen.Shows("Not connected. Do this when the connection is back?"));
-    screen.Enter("n");
-    ASSERT_TRUE(screen.Shows("It was dropped."));
-    screen.Enter("/msg echo@localhost kept");
-    screen.Enter("y");
-    EXPECT_TRUE(screen.Shows("echo@localhost: You said: kept"));
+    Talk(screen, {{"/msg echo@localhost dropped", "Not connected. Do this when the connection is back?"},
+                  {"n", "It was dropped."},
+                  {"/msg echo@localhost kept", "/msg echo@localhost kept"},
+                  {"y", "echo@localhost: You said: kept"}});
     EXPECT_THAT(screen.Text(), Not(HasSubstr("You said: dropped")));
 }
 
 TEST_F(ConsoleOnATerminal, AsksForSecretsUnseenAndRemembersNone) {
     const ConsoleScreen screen({}, Login({"--plain"}));
     ASSERT_TRUE(screen.Shows("Logged in"));
-    screen.Enter("/passwd");
-    ASSERT_TRUE(screen.Shows("Password:"));
+    Talk(screen, {{"/passwd", "Password:"}});
     screen.Press("C-d");
     ASSERT_TRUE(screen.Shows("! /passwd: nothing was done."));
     screen.Enter("/passwd");
     ASSERT_TRUE(RunUntil([&] { return screen.Count("Password:") == 2; })) << screen.Text();
-    screen.Enter("new hidden");
-    ASSERT_TRUE(screen.Shows("Once more:"));
-    screen.Enter("new hidden");
-    ASSERT_TRUE(screen.Shows("Password changed."));
-    screen.Enter("/passwd typed hidden");
-    ASSERT_TRUE(screen.Shows("> /passwd ***"));
+    Talk(screen, {{"new hidden", "Once more:"},
+                  {"new hidden", "Password changed."},
+                  {"/passwd typed hidden", "> /passwd ***"}});
     screen.Press("Up");
     EXPECT_TRUE(screen.Shows("> /passwd ***"));
     EXPECT_THAT(screen.Text(), Not(HasSubstr("hidden")));
     screen.Press("C-u");
-    screen.Enter("/unregister");
-    ASSERT_TRUE(screen.Shows("for good. Go on? [y/N]"));
-    screen.Enter("n");
-    EXPECT_TRUE(screen.Shows("/unregister: nothing was done."));
+    Talk(screen, {{"/unregister", "for good. Go on? [y/N]"}, {"n", "/unregister: nothing was done."}});
 }
 
 TEST_F(ConsoleOnATerminal, AcceptsACertificateByHandUntilItChanges) {
@@ -163,10 +162,7 @@ TEST_F(ConsoleOnATerminal, CompletesAndTalksToOnePartner) {
     screen.Press("Enter");
     ASSERT_TRUE(RunUntil([&] { return screen.LastLine() == "echo>"; })) << screen.Text();
     EXPECT_THAT(screen.Text(), Not(HasSubstr("unread")));
-    screen.Enter("just typed");
-    EXPECT_TRUE(screen.Shows("me to echo@localhost: just typed"));
-    screen.Enter("/w");
-    EXPECT_TRUE(screen.Shows("1 echo@localhost <- here"));
+    Talk(screen, {{"just typed", "me to echo@localhost: just typed"}, {"/w", "1 echo@localhost <- here"}});
 }
 
 TEST(ConsoleCompletion, WorksInTheShells) {

@@ -6,9 +6,7 @@
 #include <fstream>
 
 #include "quorix/net/mSocketSSL.h"
-#include "quorix/platform/Timer.h"
 #include "testkit/Certificates.h"
-#include "testkit/EventRecorder.h"
 #include "testkit/TemporaryFolder.h"
 #include "tests/real/Loopback.h"
 #include "tests/real/RunUntil.h"
@@ -111,28 +109,6 @@ TEST_F(TlsPeers, EveryLineReturnsInOrderUnderAnyCipherAndWaitsInBoundedMemory) {
     auto client = Client(*older);
     client->socket->Connect();
     EXPECT_EQ(client->log, kHandshakeFailed);
-}
-
-// The loop turns while a session waits for the handshake.
-TEST_F(TlsPeers, ASilentOneKeepsNobodyElseWaiting) {
-    auto silent = SocketRecorder::Create();
-    silent->socket->Listen();
-    auto session = cSession::Create();
-    auto events = std::make_shared<EventRecorder>();
-    session->Advise(events);
-    session->Mode(KV_Modern);
-    session->ServerAddress(u"localhost");
-    session->Port(static_cast<std::int16_t>(silent->socket->LocalPort()));
-    session->UseSSL(true);
-    session->Reconnect(false);
-    session->Socket()->TimeOut(1000);
-    int beats = 0;
-    Timer timer;
-    timer.Start(20, [&] { ++beats; });
-    session->Connect();
-    EXPECT_TRUE(RunUntil([&] { return !events->lines.empty(); }));
-    EXPECT_EQ(events->lines, Lines{"OnSocketError Timeout 0"});
-    EXPECT_GT(beats, 10);
 }
 
 // `openssl s_client` verifies what it meets; then somebody comes who does not speak TLS.

@@ -1,12 +1,9 @@
 // Saving and loading: encodings and declarations.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
-#include "quorix/base/WireText.h"
 #include "quorix/xml/cXML_Node.h"
 #include "quorix/xml/cXML_Writer.h"
+#include "testkit/TemporaryFolder.h"
 #include "tests/unit/ErrorOf.h"
 
 namespace quorix {
@@ -15,18 +12,11 @@ namespace {
 
 class XmlFile : public ::testing::Test {
 protected:
-    void TearDown() override { std::filesystem::remove(path_); }
+    void Put(const std::string& bytes) const { folder_.Write(kFile, bytes); }
+    std::string Bytes() const { return folder_.Read(kFile); }
+    String Name() const { return (folder_.Path() / kFile).u16string(); }
 
-    void Put(const std::string& bytes) { std::ofstream(path_, std::ios::binary) << bytes; }
-
-    std::string Bytes() const {
-        std::ifstream file(path_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    String Name() const { return path_.u16string(); }
-
-    String Loaded(const std::string& bytes) {
+    String Loaded(const std::string& bytes) const {
         Put(bytes);
         cXML_Node node;
         node.xml(u"<?xml version='1.0' encoding='ISO-8859-2'?><text/>");
@@ -34,9 +24,9 @@ protected:
         return node.xml();
     }
 
-    std::filesystem::path path_ =
-        std::filesystem::temp_directory_path() /
-        (u"quorix-\u00e9-" + TextFromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+private:
+    static constexpr const char* kFile = "\u00e9.xml";
+    testkit::TemporaryFolder folder_;
 };
 
 TEST_F(XmlFile, IsReadInTheEncodingItDeclares) {

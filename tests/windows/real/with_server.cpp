@@ -8,48 +8,18 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "testkit/Certificates.h"
+#include "testkit/TemporaryFolder.h"
 #include "tests/real/Servers.h"
 
 extern char** environ;
 
 namespace quorix::real {
 namespace {
-
-namespace fs = std::filesystem;
-
-// A certificate of our own for "localhost", for one day.
-class TemporaryCertificate {
-public:
-    TemporaryCertificate() : folder_(MakeFolder()), files_{folder_ / "chain.pem", folder_ / "key.pem"} {
-        const std::string command =
-            "openssl req -x509 -newkey rsa:2048 -nodes -days 1 -subj /CN=localhost"
-            " -addext subjectAltName=DNS:localhost -out '" +
-            files_.chain.string() + "' -keyout '" + files_.key.string() + "' 2>/dev/null";
-        if (std::system(command.c_str()) != 0) throw std::runtime_error("openssl made no certificate");
-        fs::permissions(files_.key, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    }
-    ~TemporaryCertificate() { fs::remove_all(folder_); }
-    TemporaryCertificate(const TemporaryCertificate&) = delete;
-    TemporaryCertificate& operator=(const TemporaryCertificate&) = delete;
-
-    const Certificate& Files() const { return files_; }
-
-private:
-    static fs::path MakeFolder() {
-        std::string pattern = (fs::temp_directory_path() / "with-server.XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        fs::permissions(pattern, fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec);
-        return pattern;
-    }
-
-    fs::path folder_;
-    Certificate files_;
-};
 
 std::string Replaced(std::string text, const std::string& mark, int value) {
     for (std::size_t at; (at = text.find(mark)) != std::string::npos;) {
@@ -79,8 +49,10 @@ ServerKind KindOf(std::vector<std::string>& command) {
 }
 
 int Run(ServerKind kind, std::vector<std::string> command) {
-    const TemporaryCertificate certificate;
-    const std::unique_ptr<RealServer> server = MakeServer(kind, &certificate.Files());
+    const testkit::TemporaryFolder folder;
+    const testkit::Identity identity = testkit::SelfSigned({});
+    const Certificate files{identity.SaveCertificate(folder.Path()), identity.SaveKey(folder.Path())};
+    const std::unique_ptr<RealServer> server = MakeServer(kind, &files);
     server->Start();
     for (std::string& argument : command) {
         argument = Replaced(argument, "@port@", server->Port());

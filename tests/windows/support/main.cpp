@@ -37,7 +37,9 @@ int main(int count, char** values) {
         printf("cannot register %s\n", values[1]);
         return 2;
     }
-    const int failed = RUN_ALL_TESTS();
+    const bool passed = RUN_ALL_TESTS() == 0;
+    const bool isUnused = Component::IsUnused();
+    if (!isUnused) printf("An object of the component is left.\n");
     CoUninitialize();
-    return failed;
+    return passed && isUnused ? 0 : 1;
 }
