@@ -117,7 +117,8 @@ void EditTerminal::TakeLine() {
 }
 
 void EditTerminal::TakeEnd() {
-    shown_ = false;  // readline has gone to the next line
+    const int lines = (statusWidth_ > 0 ? 1 : 0) + InputWidth() / std::max(Columns(), 1);
+    if (std::exchange(shown_, false)) Erase(lines + 1);  // readline has gone to the next line
     if (answer_) {
         AnswerQuestion({});
         return ShowSoon();
