@@ -18,6 +18,7 @@ namespace quorix::real {
 namespace {
 
 using namespace testkit;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -205,7 +206,7 @@ void ConsoleChat::Talk(const std::string& mode) const {
     auto type = [&](const std::string& line) { console.Type(line); };
     auto shows = [&](const std::string& text) { return console.Shows(text); };
     ASSERT_TRUE(shows("Logged in as " + ann + "/console."));
-    type("/add " + bobJid + " Böb");
+    type("/agents\n/add " + bobJid + " Böb");
     ASSERT_TRUE(bob.Sees("OnSubscriptionRequest " + ann + " 2"));
     bob->SendPresence(annJid, KV_Subscribe_Accept, u"");
     bob->SendPresence(annJid, KV_Subscribe, u"");
@@ -234,7 +235,7 @@ void ConsoleChat::Talk(const std::string& mode) const {
     ASSERT_TRUE(shows(bobJid + ": hi"));
     type("/remove " + bobJid);
     EXPECT_TRUE(shows(", removed"));
-    console.OutputAfter("");
+    EXPECT_THAT(console.OutputAfter(""), Not(AllOf(HasSubstr(" refused "), HasSubstr("agents: 0"))));
 }
 
 TEST_P(ConsoleChat, DoesAndShowsWhatAChatNeedsInEitherMode) {
