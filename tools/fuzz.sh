@@ -2,6 +2,7 @@
 # Runs the fuzz targets, which are built already.
 #
 #   fuzz.sh run SECONDS [TARGET...]   each for a time; what it finds worth keeping goes to .cache/fuzz
+#   fuzz.sh seed                      puts each scenario of tests/transcripts there
 #   fuzz.sh keep                      puts into fuzz/corpus the least of it that takes the same branches
 #   fuzz.sh coverage                  prints which lines of quorix/ the corpora reach
 set -euo pipefail
@@ -22,6 +23,17 @@ run() {
             ".cache/fuzz/$target" "fuzz/corpus/$target" || status=1
     done
     return $status
+}
+
+seed() {
+    local transcript
+    mkdir -p .cache/fuzz/transcripts
+    for transcript in tests/transcripts/*.transcript; do
+        # A paragraph of tags is for those below it.
+        awk -v RS= -v name=".cache/fuzz/transcripts/$(basename "$transcript")" '
+            /^\[[^\n]*$/ { tags = $0 "\n\n"; next }
+            { print tags $0 > (name NR); close(name NR) }' "$transcript"
+    done
 }
 
 keep() {
@@ -46,7 +58,7 @@ coverage() {
     done
     llvm-profdata merge -sparse $folder/*.profraw -o $folder/all.profdata
     llvm-cov report "${objects[@]:1:1}" "${objects[@]:2}" -instr-profile=$folder/all.profdata \
-        -show-branch-summary=0 -show-region-summary=0 -ignore-filename-regex='/(testkit|fuzz|apps/console)/[^/]*$'
+        -show-branch-summary=0 -show-region-summary=0 -ignore-filename-regex='/(testkit|testkit/transcripts|fuzz|apps/console)/[^/]*$'
 }
 
 "$@"
