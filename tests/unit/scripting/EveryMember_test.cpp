@@ -1,6 +1,8 @@
 // Every member of every class, with every kind of value in every place; and who hears of events.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "quorix/link/SessionLink.h"
 #include "testkit/DeterministicEnvironment.h"
 #include "testkit/ScriptObjects.h"
@@ -97,6 +99,9 @@ protected:
 
 TEST_F(EveryMember, TakesWhatSuitsAndRefusesTheRestWithItsPlace) {
     EXPECT_EQ(objects.size(), Classes().size()) << "a class without an object";
+    std::set<std::size_t> kinds;
+    for (const Value& value : values) kinds.insert(value.index());
+    EXPECT_EQ(kinds.size(), std::variant_size_v<Value::variant>) << "a kind without a value";
     for (const Object& object : objects) {
         for (const Member& member : object.table->Members()) {
             for (std::size_t i = 0; i < member.parameters.size(); ++i) CallWithEachIn(object, member, i);
