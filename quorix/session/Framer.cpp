@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::string_view kDeclaration = "<?xml";
 constexpr std::size_t kKeptAnyway = 1U << 16U;
+constexpr std::size_t kDocument = 2;   // trees of one: an element, and what stands behind it
+constexpr std::size_t kReadable = 64;  // trees that are not packed
 
 bool IsBlankByte(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
@@ -41,7 +43,7 @@ void Framer::Append(std::string_view bytes, bool keepText) {
 // The beginning is always kept, since it may be asked for before the whole.
 void Framer::Keep(std::string_view bytes) {
     bool whole = keepText_ || state_ == State::Document || Waiting().size() < kKeptAnyway;
-    if (whole && trees_.size() < 2) text_.Append(bytes);
+    if (whole && trees_.size() < kDocument) text_.Append(bytes);
 }
 
 void Framer::Take(std::string_view bytes) {
@@ -54,7 +56,9 @@ void Framer::TakeContent(std::string_view bytes) {
     while (true) {
         switch (content_.Next()) {
             case StreamParser::Event::Element: trees_.push_back(content_.Take()); break;
-            case StreamParser::Event::Nothing: complete_ = content_.AtRest(); return;
+            case StreamParser::Event::Nothing:
+                complete_ = content_.AtRest();
+                return complete_ ? void() : Pack();
             default: return Block();
         }
     }
@@ -88,17 +92,22 @@ bool Framer::IsOneDocument() const {
     return elements == 1;
 }
 
+// A busy stream makes thousands of stanzas wait for one that ends with its piece.
+void Framer::Pack() {
+    for (std::size_t i = kReadable; i < trees_.size(); ++i) packed_.Push(*trees_[i]);
+    trees_.resize(std::min(trees_.size(), kReadable));
+}
+
 void Framer::Release() {
     if (state_ == State::Document) return void(ReleaseWhole());
     if (ParsedXmlPtr rest = content_.TakeRest(); rest->First()) trees_.push_back(std::move(rest));
     bool kept = keepText_ || Waiting().size() < kKeptAnyway;
+    bool mayBeDocument = kept && trees_.size() <= kDocument && IsOneDocument();
     // White space that is written as a reference cannot stand beside the root of a document.
-    if (!(trees_.size() <= 2 && IsOneDocument() && kept && ReleaseWhole())) {
-        for (ParsedXmlPtr& tree : trees_) {
-            for (ParsedNode node = tree->First(); node; node = node.NextSibling()) {
-                if (!node.IsBlankText()) ready_.push_back({tree, node, {}});
-            }
-        }
+    if (!(mayBeDocument && ReleaseWhole())) {
+        if (!packed_.IsEmpty()) Pack();
+        releasedTrees_.assign(trees_.begin(), trees_.end());
+        releasedPacked_ = std::exchange(packed_, {});
     }
     trees_.clear();
     text_.Clear();
@@ -110,7 +119,7 @@ bool Framer::ReleaseWhole() {
     ParsedXmlPtr tree =
         trees_.size() == 1 && !trees_[0]->First().NextSibling() ? trees_[0] : ParsedXml::FromWire(Waiting());
     if (!tree) return false;  // something has begun behind the document
-    ready_.push_back({std::move(tree), {}, std::move(text_)});
+    whole_ = Frame{std::move(tree), {}, std::move(text_)};
     document_.reset();
     state_ = State::Idle;
     return true;
@@ -119,16 +128,34 @@ bool Framer::ReleaseWhole() {
 // Its beginning may still be asked for.
 void Framer::Block() {
     trees_.clear();
+    packed_.Clear();
     document_.reset();
     state_ = State::Hopeless;
 }
 
 std::optional<Frame> Framer::Next() {
-    if (ready_.empty() && std::exchange(complete_, false)) Release();
-    if (ready_.empty()) return {};
-    Frame next = std::move(ready_.front());
-    ready_.pop_front();
-    return next;
+    std::optional<Frame> next = NextReleased();
+    if (next || !std::exchange(complete_, false)) return next;
+    Release();
+    return NextReleased();
+}
+
+std::optional<Frame> Framer::NextReleased() {
+    if (whole_) return std::exchange(whole_, {});
+    while (!node_) {
+        tree_ = NextTree();
+        if (!tree_) return {};
+        node_ = tree_->First().OrNextNotBlank();
+    }
+    const ParsedNode node = std::exchange(node_, node_.NextSibling().OrNextNotBlank());
+    return Frame{node_ ? tree_ : std::move(tree_), node, {}};
+}
+
+ParsedXmlPtr Framer::NextTree() {
+    if (releasedTrees_.empty()) return releasedPacked_.IsEmpty() ? nullptr : releasedPacked_.Pop();
+    ParsedXmlPtr tree = std::move(releasedTrees_.front());
+    releasedTrees_.pop_front();
+    return tree;
 }
 
 }  // namespace quorix

@@ -7,8 +7,10 @@
 #include <deque>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "quorix/base/WireBuffer.h"
+#include "quorix/xml/PackedTrees.h"
 #include "quorix/xml/StreamParser.h"
 
 namespace quorix {
@@ -43,8 +45,11 @@ private:
     void TakeContent(std::string_view bytes);
     void TakeDocument(std::string_view bytes);
     void Keep(std::string_view bytes);
+    void Pack();
     void Release();
     bool ReleaseWhole();  // false when it is no document
+    std::optional<Frame> NextReleased();
+    ParsedXmlPtr NextTree();
     bool IsOneDocument() const;
     void Block();
 
@@ -56,8 +61,16 @@ private:
     bool documentClosed_ = false;
     bool complete_ = false;
     WireBuffer text_;
-    std::vector<ParsedXmlPtr> trees_;  // complete, but not what follows them
-    std::deque<Frame> ready_;
+    // Complete, but not what follows them: the first of them, and, if there are many, those behind.
+    std::vector<ParsedXmlPtr> trees_;
+    PackedTrees packed_;
+
+    // What is complete and was not handed on: a document, or a tree from a node on and others behind it.
+    std::optional<Frame> whole_;
+    ParsedXmlPtr tree_;
+    ParsedNode node_;
+    std::deque<ParsedXmlPtr> releasedTrees_;
+    PackedTrees releasedPacked_;
 };
 
 }  // namespace quorix

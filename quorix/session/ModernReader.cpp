@@ -89,19 +89,13 @@ private:
 
     void Collect(ParsedXmlPtr tree) {
         tree_ = std::move(tree);
-        next_ = FirstFrom(tree_->First());
-    }
-
-    // White space between stanzas is nothing.
-    static ParsedNode FirstFrom(ParsedNode node) {
-        while (node && node.IsBlankText()) node = node.NextSibling();
-        return node;
+        next_ = tree_->First().OrNextNotBlank();
     }
 
     StreamStep TakeStanza() {
         StreamStep step = StreamStep::Kind::Stanza;
         step.frame.node = next_;
-        next_ = FirstFrom(next_.NextSibling());
+        next_ = next_.NextSibling().OrNextNotBlank();  // white space between stanzas is nothing
         step.frame.tree = next_ ? tree_ : std::move(tree_);
         return step.frame.node.Is(error_) ? TakeError(step.frame) : std::move(step);
     }

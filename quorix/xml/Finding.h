@@ -66,6 +66,10 @@ Node FindElement(const Node& top, StringView name, StringView xmlns) {
     return {};
 }
 
+inline ParsedNode FindElement(const ParsedNode& top, StringView name, StringView xmlns) {
+    return top.Find(name, xmlns);
+}
+
 // The first `x` element of this `xmlns`.
 template <class Node>
 Node FindExtension(const Node& top, StringView xmlns) {

@@ -41,45 +41,12 @@ void AppendBytesOfLetters(std::string& out, std::string_view text) {
     }
 }
 
-// Memory for one object and, behind it, for `size` bytes, of which it tells the place.
-template <class T>
-struct WithTail {
-    using value_type = T;
-
-    WithTail(std::size_t theSize, char** thePlace) : size(theSize), place(thePlace) {}
-    template <class Other>
-    WithTail(const WithTail<Other>& other)  // NOLINT(google-explicit-constructor): allocators convert
-        : size(other.size), place(other.place) {}
-
-    T* allocate(std::size_t count) {
-        char* block = static_cast<char*>(::operator new(count * sizeof(T) + size));
-        *place = block + count * sizeof(T);
-        return reinterpret_cast<T*>(block);
-    }
-    void deallocate(T* block, std::size_t) { ::operator delete(block); }
-    bool operator==(const WithTail&) const = default;
-
-    std::size_t size;
-    char** place;
-};
-
-template <class T>
-std::size_t SizeOf(const std::vector<T>& items) {
-    return items.size() * sizeof(T);
-}
-
 // What one large tree took is not kept for small ones.
 template <class Items>
 void KeepSmall(Items& items) {
     items.clear();
     if (items.capacity() * sizeof(*items.data()) > kKeptBytes)
         Items().swap(items);  // assigning would keep it
-}
-
-template <class Items>
-void CopyTo(char* block, const Items& items) {
-    const char* bytes = reinterpret_cast<const char*>(items.data());
-    std::copy_n(bytes, items.size() * sizeof(*items.data()), block);
 }
 
 }  // namespace
@@ -203,19 +170,10 @@ bool ParsedBuilder::IsBlank() const {
 }
 
 ParsedXmlPtr ParsedBuilder::Take() {
-    std::size_t nodes = SizeOf(nodes_);
-    std::size_t attributes = SizeOf(attributes_);
-    char* tail = nullptr;
-    auto tree = std::allocate_shared<ParsedXml>(
-        WithTail<ParsedXml>{nodes + attributes + chars_.size(), &tail}, ParsedXml::Key());
-    CopyTo(tail, nodes_);
-    CopyTo(tail + nodes, attributes_);
-    CopyTo(tail + nodes + attributes, chars_);
-    tree->nodes_ = reinterpret_cast<const ParsedXml::Node*>(tail);
-    tree->attributes_ = reinterpret_cast<const ParsedXml::Attribute*>(tail + nodes);
-    tree->chars_ = tail + nodes + attributes;
-    tree->nodeCount_ = static_cast<std::uint32_t>(nodes_.size());
-    tree->charCount_ = At();
+    auto tree = ParsedXml::Blank(nodes_.size(), attributes_.size(), chars_.size());
+    std::copy(nodes_.begin(), nodes_.end(), tree->nodes_);
+    std::copy(attributes_.begin(), attributes_.end(), tree->attributes_);
+    std::copy(chars_.begin(), chars_.end(), tree->chars_);
     tree->tooDeep_ = tooDeep_;
     Clear();
     return tree;

@@ -15,10 +15,32 @@ ParsedNode FirstElementFrom(ParsedNode node) {
     return node;
 }
 
+// Memory for one object and, behind it, for `size` bytes, of which it tells the place.
+template <class T>
+struct WithTail {
+    using value_type = T;
+
+    WithTail(std::size_t theSize, char** thePlace) : size(theSize), place(thePlace) {}
+    template <class Other>
+    WithTail(const WithTail<Other>& other)  // NOLINT(google-explicit-constructor): allocators convert
+        : size(other.size), place(other.place) {}
+
+    T* allocate(std::size_t count) {
+        char* block = static_cast<char*>(::operator new(count * sizeof(T) + size));
+        *place = block + count * sizeof(T);
+        return reinterpret_cast<T*>(block);
+    }
+    void deallocate(T* block, std::size_t) { ::operator delete(block); }
+    bool operator==(const WithTail&) const = default;
+
+    std::size_t size;
+    char** place;
+};
+
 }  // namespace
 
 bool EqualsBeyondAscii(std::string_view utf8, StringView text) {
-    return utf8.size() <= 3 * text.size() && !IsAscii(utf8) && TextFromUtf8(utf8) == text;
+    return !IsAscii(utf8) && TextFromUtf8(utf8) == text;
 }
 
 ParsedXmlPtr ParsedXml::FromText(StringView text) {
@@ -46,16 +68,42 @@ String ParsedXml::Xml() const {
     return all;
 }
 
+std::shared_ptr<ParsedXml> ParsedXml::Blank(std::size_t nodes, std::size_t attributes, std::size_t chars) {
+    const std::size_t toAttributes = nodes * sizeof(Node);
+    const std::size_t toChars = toAttributes + attributes * sizeof(Attribute);
+    char* tail = nullptr;
+    auto tree = std::allocate_shared<ParsedXml>(WithTail<ParsedXml>{toChars + chars, &tail}, Key());
+    tree->nodes_ = reinterpret_cast<Node*>(tail);
+    tree->attributes_ = reinterpret_cast<Attribute*>(tail + toAttributes);
+    tree->chars_ = tail + toChars;
+    tree->nodeCount_ = static_cast<std::uint32_t>(nodes);
+    tree->attributeCount_ = static_cast<std::uint32_t>(attributes);
+    tree->charCount_ = static_cast<std::uint32_t>(chars);
+    return tree;
+}
+
 const ParsedXml::Attribute* ParsedXml::Find(const Node& element, StringView name) const {
-    const Attribute* end = attributes_ + element.attributes + element.attributeCount;
-    const Attribute* found =
-        std::find_if(attributes_ + element.attributes, end,
-                     [&](const Attribute& attribute) { return EqualsText(NameOf(attribute), name); });
+    const Attribute* begin = attributes_ + element.attributes;
+    const Attribute* end = begin + element.attributeCount;
+    const Attribute* found = std::find_if(
+        begin, end, [&](const Attribute& attribute) { return EqualsText(NameOf(attribute), name); });
     return found == end ? nullptr : found;
+}
+
+// They stand in document order, up to the next node that is not below this one.
+std::uint32_t ParsedXml::EndOf(std::uint32_t node) const {
+    while (nodes_[node].next == kNone && nodes_[node].parent != kNone) node = nodes_[node].parent;
+    return std::min(nodes_[node].next, nodeCount_);
 }
 
 bool ParsedNode::IsBlankText() const {
     return tree_ != nullptr && Kind() == XmlKind::Text && IsBlankUtf8(RawContent());
+}
+
+ParsedNode ParsedNode::OrNextNotBlank() const {
+    ParsedNode node = *this;
+    while (node.IsBlankText()) node = node.NextSibling();
+    return node;
 }
 
 String ParsedNode::Name() const { return IsElement() ? TextFromUtf8(RawName()) : String(); }
@@ -75,11 +123,9 @@ std::string_view ParsedNode::RawContent() const {
                                              : text;
 }
 
-// They stand in document order, so they end where those of the next node begin that is not below this one.
 std::size_t ParsedNode::RawSize() const {
-    ParsedNode behind = *this;
-    while (behind && !behind.NextSibling()) behind = behind.Parent();
-    std::uint32_t end = behind ? tree_->nodes_[behind.NextSibling().index_].text.at : tree_->charCount_;
+    std::uint32_t behind = tree_->EndOf(index_);
+    std::uint32_t end = behind < tree_->nodeCount_ ? tree_->nodes_[behind].text.at : tree_->charCount_;
     return end - tree_->nodes_[index_].text.at;
 }
 
@@ -127,6 +173,16 @@ ParsedNode ParsedNode::Child(StringView name) const {
     ParsedNode child = FirstChild();
     while (child && !child.Is(name)) child = child.NextSibling();
     return child;
+}
+
+// Every message is looked through so, some of them several times.
+ParsedNode ParsedNode::Find(StringView name, StringView xmlns) const {
+    const std::uint32_t end = tree_ ? tree_->EndOf(index_) : 0;
+    for (std::uint32_t i = index_; i < end; ++i) {
+        ParsedNode node(tree_, i);
+        if (node.Is(name) && node.AttributeIs(u"xmlns", xmlns)) return node;
+    }
+    return {};
 }
 
 }  // namespace quorix

@@ -36,10 +36,11 @@ public:
 
     bool IsElement() const { return tree_ != nullptr && Kind() == XmlKind::Element; }
     bool IsText() const { return tree_ != nullptr && (Kind() == XmlKind::Text || Kind() == XmlKind::CData); }
-    bool IsBlankText() const;        // white space, and not in a CDATA section
-    XmlKind Kind() const;            // of a node
-    String Name() const;             // of an element
-    bool Is(StringView name) const;  // an element of this name
+    bool IsBlankText() const;           // white space, and not in a CDATA section
+    ParsedNode OrNextNotBlank() const;  // this one, or the first sibling behind it that is no blank text
+    XmlKind Kind() const;               // of a node
+    String Name() const;                // of an element
+    bool Is(StringView name) const;     // an element of this name
 
     // The text of all descendants of an element in one; the content of other nodes.
     String Text() const;
@@ -58,6 +59,9 @@ public:
     ParsedNode FirstElement() const;
     ParsedNode NextElement() const;
     ParsedNode Child(StringView name) const;  // the first child element of this name
+
+    // The first element of this name and `xmlns`, here or below.
+    ParsedNode Find(StringView name, StringView xmlns) const;
 
     // The next node in document order below `top`; empty at its end.
     ParsedNode Following(const ParsedNode& top) const;
@@ -99,6 +103,7 @@ public:
     ParsedXml& operator=(const ParsedXml&) = delete;
 
 private:
+    friend class PackedTrees;
     friend class ParsedBuilder;
     friend class ParsedNode;
     struct Key {};
@@ -127,6 +132,9 @@ private:
     };
     static constexpr std::uint32_t kMostAttributes = (1U << 27U) - 1;
 
+    // One of this size, to be filled in.
+    static std::shared_ptr<ParsedXml> Blank(std::size_t nodes, std::size_t attributes, std::size_t chars);
+
     std::string_view View(Span span) const { return {chars_ + span.at, span.size}; }
     std::string_view NameOf(const Attribute& attribute) const {
         return {chars_ + attribute.at, attribute.nameSize};
@@ -135,12 +143,14 @@ private:
         return {chars_ + attribute.at + attribute.nameSize, attribute.valueSize};
     }
     const Attribute* Find(const Node& element, StringView name) const;
+    std::uint32_t EndOf(std::uint32_t node) const;  // where those end that are in it
 
     // All of it stands behind this object, in the same piece of memory.
-    const Node* nodes_ = nullptr;
-    const Attribute* attributes_ = nullptr;
-    const char* chars_ = nullptr;
+    Node* nodes_ = nullptr;
+    Attribute* attributes_ = nullptr;
+    char* chars_ = nullptr;
     std::uint32_t nodeCount_ = 0;
+    std::uint32_t attributeCount_ = 0;
     std::uint32_t charCount_ = 0;
     bool tooDeep_ = false;
 
@@ -154,6 +164,7 @@ bool EqualsBeyondAscii(std::string_view utf8, StringView text);
 
 // Most names are ASCII, and most that differ do so in their length. In UTF-8, all other text is longer.
 inline bool EqualsText(std::string_view utf8, StringView text) {
+    if (utf8.size() > 3 * text.size()) return false;
     if (utf8.size() > text.size()) return EqualsBeyondAscii(utf8, text);
     if (utf8.size() < text.size()) return false;
     for (std::size_t i = 0; i < utf8.size(); ++i) {

@@ -28,6 +28,26 @@ TEST_F(SessionTest, EndsWhereNestingOnlyCostsMemoryInTheModernMode) {
     EXPECT_EQ(Raised(bomb), tooDeep);
 }
 
+TEST_F(LoggedIn, KeepsHundredsThatWaitAsTheyCame) {
+    Lines stanzas;
+    for (int i = 0; i < 300; ++i) {
+        std::string many = "<m";
+        for (int k = 0; k < i; ++k)
+            many += " a" + std::to_string(k) + "=\"" + std::string(i % 4 * 80, 'v') + "\"";
+        many += "/>";
+        for (int k = 0; k < i; ++k) many += "<n/>";
+        stanzas.push_back("<s i=\"" + std::to_string(i) + "\">t<b><c/></b><!--k-->" + many + "<![CDATA[d]]>" +
+                          std::string(i % 5 * 20000, 'x') + "</s>");
+    }
+    std::string stream;
+    for (const std::string& stanza : stanzas) stream += stanza + "\n";
+    Say(stream + "<end>");
+    EXPECT_EQ(events->incoming, Lines{});
+    Say("</end>");
+    stanzas.push_back("<end/>");
+    EXPECT_EQ(events->incoming, stanzas);
+}
+
 TEST_F(LoggedIn, TakesAnAttributeOfTwelveMegabytes) {
     Say("<a b='" + std::string(12 << 20, 'x') + "'/>");
     ASSERT_EQ(events->incoming.size(), 1U);
