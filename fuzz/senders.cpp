@@ -39,10 +39,10 @@ public:
         Say("<iq type='result' id='fullagents'><query xmlns='jabber:iq:agents'><agent "
             "jid='a'><name>A</name></agent>"
             "</query></iq>");
-        env_.Peer().TakeHeard();
     }
 
     std::size_t ElementsSent(const testkit::Sender& sender, const testkit::Values& values) {
+        env_.Peer().TakeHeard();
         sender.send(*session_, values);
         std::string bytes = env_.Peer().TakeHeard();
         auto document = XmlDocument::Create();
