@@ -6,6 +6,7 @@
 
 #include "quorix/base/WireText.h"
 #include "quorix/scripting/Classes.h"
+#include "testkit/transcripts/Runner.h"
 
 namespace quorix::transcripts {
 namespace {
@@ -147,6 +148,16 @@ Value NativeFace::Control(const std::string& what, const Values& arguments) {
     const auto control = controls.find(what);
     if (control == controls.end()) throw std::runtime_error("nothing is called " + what);
     return control->second();
+}
+
+std::string Play(const std::filesystem::path& file, const Begin& begin) {
+    std::string failures;
+    for (const Scenario& scenario : ReadTranscript(file)) {
+        NativeFace face(begin);
+        const std::string failure = Runner(face, scenario).Play();
+        if (!failure.empty()) failures += scenario.title + ": " + failure + "\n";
+    }
+    return failures;
 }
 
 }  // namespace quorix::transcripts

@@ -4,7 +4,6 @@
 
 #include "quorix/base/WireText.h"
 #include "quorix/session/cSession.h"
-#include "testkit/transcripts/NativeFace.h"
 
 namespace quorix::transcripts {
 namespace {
@@ -261,16 +260,6 @@ void Runner::Assign(const std::string& target, const Value& value) {
     } else {
         face_.Put(std::get<Object>(named.owner), named.member, value);
     }
-}
-
-std::string Play(const std::filesystem::path& file, const Begin& begin) {
-    std::string failures;
-    for (const Scenario& scenario : ReadTranscript(file)) {
-        NativeFace face(begin);
-        const std::string failure = Runner(face, scenario).Play();
-        if (!failure.empty()) failures += scenario.title + ": " + failure + "\n";
-    }
-    return failures;
 }
 
 }  // namespace quorix::transcripts

@@ -67,30 +67,6 @@ const Failure kFailures[] = {
     {"an account that is there",
      [](User& user, RealServer& /*server*/) { user->Connect(true); },
      {"409 User already exists", "409 The requested username already exists.", "409 conflict"}},
-    {"a password in the clear",
-     [](User& user, RealServer& /*server*/) {
-         user->AuthType(KV_AutoAuth);
-         user->username(u"told.new");
-         user->Connect(true);
-     },
-     {"0 The password would go out in the clear", "0 The password would go out in the clear",
-      "0 The password would go out in the clear"}},
-    {"a silent server",
-     [](User& user, RealServer& server) {
-         server.Freeze();
-         user->LoginTimeout(1);
-         user->Connect();
-     },
-     {"408 No login in time", "408 No login in time", "408 No login in time"}},
-    {"a stanza too big",
-     [](User& user, RealServer& /*server*/) {
-         user->MaxStanzaSize(2000);
-         if (!user.LogIn()) return;
-         user->SendMyPresence();
-         user->CreateMessage(user.FullJid(), MSG_Chat, String(2000, u'x'), u"")->SendMessage();
-     },
-     {"0 A stanza is longer than MaxStanzaSize", "0 A stanza is longer than MaxStanzaSize",
-      "0 A stanza is longer than MaxStanzaSize"}},
     {"a second login",
      [](User& user, RealServer& server) {
          User second(server, u"told");
@@ -157,52 +133,11 @@ TEST_P(Modern, NoticesAServerThatFellSilentAndComesBackToIt) {
     EXPECT_TRUE(user.Sees("OnMessage back"));
 }
 
-TEST_P(Modern, GivesUpOnAServerThatIsGone) {
-    User user(Server(), u"gone");
-    ASSERT_TRUE(user.Join());
-    user.Events().Take();
-    user->Reconnect(true);
-    user->ReconnectInterval(0);
-    user->ReconnectAttempts(2);
-    Server().Kill();
-    const std::string refused = "OnSocketError Connection refused. 10061";
-    const std::string givenUp = "OnError localhost 408 Reconnecting has been given up";
-    EXPECT_TRUE(user.Await([&] { return Holds(user.Events().lines, givenUp); }));
-    EXPECT_EQ(Failures(user.Events().lines), (Lines{"OnDisConnected", refused, refused, givenUp}));
-}
-
-TEST_P(Modern, FindsItsServerWhereverTheNameLeads) {
-    const Address nobody{0x7F000002};
-    const Address ip4{0x7F000001};
-    const Address ip6{0, 0, Ip6{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}};
-    const auto port = static_cast<std::uint16_t>(Server().Port());
-    const struct {
-        const char* what;
-        std::vector<Address> addresses;
-        std::vector<ServiceTarget> service;
-    } routes[] = {
-        {"IPv4 only", {ip4}, {}},
-        {"IPv6 only", {ip6}, {}},
-        {"IPv6 before IPv4", {ip6, ip4}, {}},
-        {"a first address that refuses", {nobody, ip4}, {}},
-        {"a service", {nobody}, {{"first.example", port}, {"second.example", port}}},
-    };
+TEST_P(Modern, ReachesItsServerByIp6) {
+    if (!HasIp6() || GetParam() == ServerKind::jabberd2) return;
     User user(Server(), u"route");
-    ASSERT_TRUE(user.Join());
-    for (const auto& route : routes) {
-        const bool needsIp6 = route.addresses.size() == 1 && route.addresses[0].ip6;
-        if (needsIp6 && (!HasIp6() || GetParam() == ServerKind::jabberd2)) continue;
-        user->Disconnect();
-        Server().AwaitLogouts();
-        StagedEnvironment environment;
-        environment.addresses = {
-            {"localhost", route.addresses}, {"first.example", {nobody}}, {"second.example", {ip4}}};
-        environment.service = route.service;
-        User visitor(Server(), u"route");
-        visitor->Port(static_cast<std::int16_t>(route.service.empty() ? port : 0));
-        EXPECT_TRUE(visitor.LogIn()) << route.what;
-        EXPECT_EQ(visitor.Events().Count("OnSocketError"), 0U) << route.what;
-    }
+    user->ConnectHost(u"::1");
+    EXPECT_TRUE(user.Join());
 }
 
 // Reads of one byte each.

@@ -43,16 +43,6 @@ TEST(Number, FromTheWireNeverFails) {
     EXPECT_EQ(WireInt32(u"2147483648"), 0);
 }
 
-TEST(Number, AskedForByAnApplicationIsStrict) {
-    EXPECT_EQ(ToInt32(u"2.5"), 2);
-    EXPECT_EQ(ToInt32(u"3.5"), 4);
-    EXPECT_EQ(ToInt32(u"+7 "), 7);
-    EXPECT_EQ(ErrorOf([] { ToInt32(u"5abc"); }), ERR_TypeMismatch);
-    EXPECT_EQ(ErrorOf([] { ToInt32(u"2147483648"); }), ERR_Overflow);
-    EXPECT_TRUE(ToBoolean(u"tRuE") && ToBoolean(u"-0.5") && !ToBoolean(u"False"));
-    EXPECT_EQ(ErrorOf([] { ToBoolean(u"yes"); }), ERR_TypeMismatch);
-}
-
 TEST(Collection, CountsFromOneFindsByKeyAlsoAfterRemovalsAndRefusesWhatIsNotThere) {
     Collection<int> numbers;
     numbers.Add(10, u"a");
