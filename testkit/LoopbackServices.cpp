@@ -150,7 +150,7 @@ String LoopbackServices::Rooms(const Stanza& /*query*/, StringView /*user*/) {
 
 String LoopbackServices::ManyRooms(const Stanza& /*query*/, StringView /*user*/) {
     String rooms;
-    for (int number = 1; number <= 5000; ++number) {
+    for (int number = 1; number <= 20000; ++number) {
         rooms += Concat({u"<item jid='r", ToString(number), u"@", kCrowd, u"' name='Room'/>"});
     }
     return Concat({u"<conference xmlns='jabber:iq:browse'>", rooms, u"</conference>"});
