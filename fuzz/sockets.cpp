@@ -105,9 +105,9 @@ private:
 
     // No name that somebody else would be asked for.
     void LookUp() {
-        const std::string host = input_.PickValueInArray({"localhost", "127.0.0.1", "::1", "256.1", ""});
+        const std::string host = input_.PickValueInArray({"localhost", "127.0.0.1", "::1", "127.1", ""});
         Environment& environment = Environment::Current();
-        const LookUpId lookUp = environment.LookUpAddresses(host, [](std::vector<Address> found) {
+        const LookUpId lookUp = environment.LookUpAddresses(host, [](const std::vector<Address>& found) {
             for (const Address& address : found) Expect(!AddressText(address).empty());
         });
         if (input_.ConsumeBool()) environment.CancelLookUp(lookUp);
