@@ -41,7 +41,7 @@ public:
         listener_.Advise(weak_from_this());
         listener_.Listen();
         for (const auto& end : {client_, server_}) end->socket.Advise(end);
-        client_->separator = Text(3);
+        if (input_.ConsumeBool()) client_->separator = Text(3);
         client_->socket.LineSeparator(WireFromBytes(client_->separator));
         for (int steps = 0; steps < 50 && input_.remaining_bytes() > 0; ++steps) Step();
         for (int turn = 0; turn < 10000 && ArePair() && !HaveAll(); ++turn) Turn();
@@ -56,12 +56,14 @@ public:
     }
 
 private:
+    static constexpr std::size_t kMuch = 8000000;
+
     void Step() {
         switch (input_.ConsumeIntegralInRange(0, 11)) {
             case 0: return Connect(input_.ConsumeIntegralInRange(0, 5));
             case 1: return Send(*client_, Text(40));
             case 2: return Send(*server_, Text(40));
-            case 3: return Send(*server_, std::string(input_.ConsumeIntegralInRange(0, 300000), 'x'));
+            case 3: return SendMuch();
             case 4: return client_->socket.Disconnect();
             case 5: return server_->socket.Disconnect();
             case 6: return Listen();
@@ -96,6 +98,11 @@ private:
         if (end.socket.State() != sockConnected) return;
         end.socket.SendBytes(bytes);
         end.sent += bytes;
+    }
+
+    // More than the system takes at once.
+    void SendMuch() {
+        if (server_->sent.size() < kMuch) Send(*server_, std::string(kMuch, 'y'));
     }
 
     void Listen() {
