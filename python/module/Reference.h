@@ -4,7 +4,6 @@
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
-#include <cxxabi.h>
 #include <unistd.h>
 
 #include <utility>
@@ -48,12 +47,13 @@ inline void Check(int result) {
 }
 
 // An interpreter that ends also ends each thread that wants its lock meanwhile, by unwinding it. The
-// library's frames below `body` are no place for that, so the thread stays until the process is gone.
-template <class Body>
-auto OutlivingThreads(Body body) {
+// library's frames below `call`, one of Python's functions, are no place for that, so the thread stays until
+// the process is gone. Python's functions throw nothing else.
+template <class Call>
+auto OutlivingThreads(Call call) {
     try {
-        return body();
-    } catch (const abi::__forced_unwind&) {
+        return call();
+    } catch (...) {
         for (;;) pause();
     }
 }
@@ -62,12 +62,10 @@ auto OutlivingThreads(Body body) {
 template <class Wait>
 auto Unlocked(Wait wait) {
     if (Py_IsInitialized() == 0 || PyGILState_Check() == 0) return wait();
-    return OutlivingThreads([&] {
-        PyThreadState* state = PyEval_SaveThread();
-        auto result = wait();
-        PyEval_RestoreThread(state);
-        return result;
-    });
+    PyThreadState* state = PyEval_SaveThread();
+    auto result = wait();
+    OutlivingThreads([state] { PyEval_RestoreThread(state); });
+    return result;
 }
 
 // Holds the interpreter's lock, whoever had it.
