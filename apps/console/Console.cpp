@@ -31,8 +31,12 @@ OutputStyle StyleOf(const Options& options, bool onTerminal) {
     const char* kind = std::getenv("TERM");
     const bool canColor = onTerminal && (noColor == nullptr || *noColor == '\0') && kind != nullptr &&
                           std::string_view(kind) != "dumb";
-    return {options.json, Chosen(options.times, onTerminal), Chosen(options.color, canColor),
-            options.bell && onTerminal, options.task != Options::Task::chat};
+    return {options.json,
+            Chosen(options.times, onTerminal),
+            Chosen(options.color, canColor),
+            options.bell && onTerminal,
+            options.task != Options::Task::chat,
+            options.task == Options::Task::send};
 }
 
 // Calls `then` once after `seconds`, from the message loop.

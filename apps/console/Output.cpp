@@ -81,6 +81,7 @@ void Output::Show(std::string_view name, const Fields& fields) {
     if (style_.json) return terminal_.Print(Json(form, fields));
     if (form.kind == EventKind::echo && !terminal_.IsInteractive()) return;
     if (form.kind == EventKind::notice && style_.quiet) return;
+    if (form.kind != EventKind::error && style_.onlyErrors) return;
     ShowLine(form, fields);
     if (style_.bell && name == "message") terminal_.Bell();
 }

@@ -13,7 +13,8 @@ struct OutputStyle {
     bool times = false;
     bool colors = false;
     bool bell = false;
-    bool quiet = false;  // no notices
+    bool quiet = false;       // no notices
+    bool onlyErrors = false;  // nor anything else
 };
 
 class Output {

@@ -141,7 +141,7 @@ TEST_F(ConsoleClient, SaysWhyItEndsAndWithItsOwnCode) {
          6,
          "! No login: the server has not answered in time"},
         {"text",
-         {"send", "juliet@localhost", "hello", "--account", "juliet@localhost", "--port", port, "--password",
+         {"send", "echo@localhost", "hello", "-a", "juliet@localhost", "--port", port, "--password",
           "secret"},
          0,
          ""},
@@ -154,6 +154,7 @@ TEST_F(ConsoleClient, SaysWhyItEndsAndWithItsOwnCode) {
         ConsoleProgram console(each.arguments);
         EXPECT_EQ(console.ExitCode(), each.code) << each.name;
         EXPECT_THAT(console.Output(), HasSubstr(each.says)) << each.name;
+        EXPECT_EQ(console.Output().empty(), each.code == 0) << each.name;
     }
 }
 
