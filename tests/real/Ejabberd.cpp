@@ -4,12 +4,6 @@
 namespace quorix::real {
 namespace {
 
-// The database keeps what it has confirmed in memory for seconds. Saved all the time, with a mark each time,
-// it loses no account and no roster when the server is killed.
-constexpr const char* kSaveOften =
-    "spawn(fun Save() -> timer:sleep(50), [catch dets:sync(T) || T <- dets:all()], catch mnesia:sync_log(), "
-    "file:write_file(saved, []), Save() end)";
-
 constexpr const char* kSettings = R"(
 hosts: [localhost]
 loglevel: warning
@@ -68,20 +62,12 @@ private:
 
     // A node without a name talks to no other, and leaves no port mapper behind.
     void Launch() override {
-        Run({"erl", "-noinput", "-start_epmd", "false", "-mnesia", "dir", "\"" + File("mnesia") + "\"",
-             "-eval", kSaveOften, "-s", "ejabberd"},
+        Run({"erl", "-noinput", "-start_epmd", "false", "-mnesia", "dir", "\"" + File("mnesia") + "\"", "-s",
+             "ejabberd"},
             {{"ERL_LIBS", QUORIX_ERLANG_LIBRARIES},
              {"EJABBERD_CONFIG_PATH", File("ejabberd.yml")},
              {"EJABBERD_LOG_PATH", File("ejabberd.log")},
              {"ERL_CRASH_DUMP", "/dev/null"}});
-    }
-
-    // The first mark may be of a saving that had begun before.
-    void Settle() override {
-        for (int mark = 0; mark < 2; ++mark) {
-            std::filesystem::remove(File("saved"));
-            Await("the database to be saved", [this] { return std::filesystem::exists(File("saved")); });
-        }
     }
 };
 

@@ -66,15 +66,10 @@ void RealServer::Start() {
     }
 }
 
-void RealServer::Kill() {
-    if (processes_.empty()) return;
-    Settle();
-    processes_.clear();
-}
+void RealServer::Kill() { processes_.clear(); }
 
 void RealServer::ShutDown() {
     if (processes_.empty()) return;
-    Settle();
     ending_ = std::exchange(processes_, {});
     for (const auto& process : ending_) process->Signal(SIGTERM);
 }

@@ -33,7 +33,8 @@ public:
     // when it ends or 120 s pass before. Nothing happens when it runs already.
     void Start();
 
-    // Ends the server without a word to its clients. Started again, it has the same port and accounts.
+    // Ends the server without a word to its clients. Started again, it has the same port, and the same
+    // accounts but for ejabberd, which keeps new ones in memory for seconds.
     void Kill();
 
     // Asks the server to end, so that it may tell its clients; it is killed when it is started again.
@@ -60,8 +61,6 @@ protected:
     virtual void Configure() = 0;
     // Starts the programs of the server.
     virtual void Launch() = 0;
-    // Returns when what clients were told can no longer be lost.
-    virtual void Settle() {}
 
     static std::string Contents(const std::filesystem::path& file);  // "" when there is no such file
     std::string File(const std::string& name) const { return (folder_ / name).string(); }

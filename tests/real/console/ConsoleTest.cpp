@@ -91,6 +91,7 @@ TEST_P(ConsoleServices, AreAskedAndShownWhatTheyAnswer) {
         {"/say lobby@conference.localhost hello", "lobby@conference.localhost/Jule: hello"},
         {"/nick lobby@conference.localhost J\n/leave lobby@conference.localhost", "* you have left lobby@"},
         {"/invite a@b lobby@conference.localhost\n/version localhost", "localhost runs Loopback 1 none"},
+        {"/msg echo@localhost a\u2028b \u009b31m\u202E", "You said: a\n    b <U+009B>31m<U+202E>"},
         {"/time localhost", "time at localhost: 2 January 2026, noon"},
         {"/last localhost", "localhost has been idle for 4711 s"},
         {"/offer localhost http://h/f a file", "localhost has fetched the offer"},
@@ -252,26 +253,6 @@ TEST_P(ConsoleChat, EndsWhenAnotherLoginTakesItsPlace) {
     ASSERT_TRUE(second.Shows("Logged in"));
     EXPECT_EQ(first.ExitCode(), 7) << first.Output();
     second.OutputAfter("");
-}
-
-// What strangers write, sent by a real peer through a real server.
-TEST_P(ConsoleChat, ShowsNothingOfAStrangerAsItsOwn) {
-    Person bob(Server().Port(), u"con.eve", u"work");
-    ASSERT_TRUE(bob.Join());
-    ConsoleProgram console(LoginOptions(Server().Port(), "con.dan", {"--new", "--plain"}));
-    ASSERT_TRUE(console.Shows("Logged in as con.dan@localhost/console."));
-    const std::pair<StringView, const char*> cases[] = {
-        {u"hi\nLogged in as root.", "hi\n    Logged in as root."},
-        {u"a\u2028! forged", "a\n    ! forged"},
-        {u"\u009b31mred \u0085 \u007f", "<U+009B>31mred <U+0085> <U+007F>"},
-        {u"\u202Eevil\u202C", "<U+202E>evil<U+202C>"},
-        {u"end", "end"},
-    };
-    for (const auto& [text, shown] : cases) {
-        bob->CreateMessage(u"con.dan@localhost/console", MSG_Chat, text, u"")->SendMessage();
-        EXPECT_TRUE(console.Shows(std::string("con.eve@localhost: ") + shown));
-    }
-    console.OutputAfter("");
 }
 
 QUORIX_ON_EVERY_SERVER(ConsoleChat);
