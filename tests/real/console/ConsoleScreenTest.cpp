@@ -98,7 +98,7 @@ TEST_F(ConsoleOnATerminal, CountsTheEntriesOfALongListAndRingsAndColours) {
     screen.Record();
     screen.Enter("/rooms crowd.localhost");
     ASSERT_TRUE(screen.Shows("room r20000@crowd.localhost"));
-    EXPECT_NE(screen.Recorded().find("| /rooms: "), std::string::npos);
+    EXPECT_TRUE(RunUntil([&] { return screen.Recorded().find("| /rooms: ") != std::string::npos; }));
     screen.Record();
     screen.Enter("/msg echo@localhost hello");
     ASSERT_TRUE(screen.Shows("You said: hello"));
