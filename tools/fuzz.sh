@@ -3,7 +3,7 @@
 #
 #   fuzz.sh run SECONDS [TARGET...]   each for a time; what it finds worth keeping goes to .cache/fuzz
 #   fuzz.sh seed                      puts each scenario of tests/transcripts there
-#   fuzz.sh keep                      puts into fuzz/corpus the least of it that takes the same branches
+#   fuzz.sh keep [TARGET...]          puts into fuzz/corpus the least of it that takes the same branches
 #   fuzz.sh coverage                  prints which lines of quorix/ the corpora reach
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -38,10 +38,10 @@ seed() {
 
 keep() {
     local target least
-    for target in $(targets); do
+    for target in ${*:-$(targets)}; do
         least=$(mktemp -d)
         mkdir -p ".cache/fuzz/$target" "fuzz/corpus/$target"
-        "$programs/fuzz_$target" -merge=1 -max_len=4096 -verbosity=0 "$least" "fuzz/corpus/$target" ".cache/fuzz/$target"
+        "$programs/fuzz_$target" -set_cover_merge=1 -use_counters=0 -max_len=4096 -verbosity=0 "$least" "fuzz/corpus/$target" ".cache/fuzz/$target"
         rm -rf "fuzz/corpus/$target"
         mv "$least" "fuzz/corpus/$target"
         chmod 755 "fuzz/corpus/$target"
