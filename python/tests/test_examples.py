@@ -55,7 +55,11 @@ def start(program, user, *more):
 
 async def output(program, *arguments):
     process = await start(program, *arguments)
-    text, _ = await asyncio.wait_for(process.communicate(), PATIENCE)
+    try:
+        text, _ = await asyncio.wait_for(process.communicate(), PATIENCE)
+    except asyncio.TimeoutError:
+        process.kill()
+        raise
     return process.returncode, text.decode()
 
 
