@@ -113,16 +113,6 @@ Entity EntityAt(StringView text) {
 
 }  // namespace
 
-String XmlEscape(StringView text) {
-    String result;
-    result.reserve(text.size() + text.size() / 8);
-    for (char16_t c : text) {
-        StringView entity = EntityOf(c);
-        entity.empty() ? result.append(1, c) : result.append(entity);
-    }
-    return result;
-}
-
 // One pass. An "&" that comes of "&amp;" may begin another entity, but not "&amp;" again.
 String XmlUnescape(StringView text) {
     String result;

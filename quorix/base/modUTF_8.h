@@ -10,9 +10,9 @@ namespace quorix {
 // Values longer than this are returned as they are.
 inline constexpr std::size_t kMaxCodecUnits = 32767;
 
-// Text to wire text; with `escape`, through XmlEscape first. What XML cannot hold (XmlText.h) becomes U+FFFD.
-// A text that holds a unit of U+8000 or above (surrogates included, U+FFFE and U+FFFF not), or more than
-// kMaxCodecUnits units after escaping, is returned unchanged: neither escaped nor encoded.
+// Text to wire text; with `escape`, & " < > ' go by their entities. What XML cannot hold (XmlText.h) becomes
+// U+FFFD. A text that holds a unit of U+8000 or above (surrogates included, U+FFFE and U+FFFF not), or more
+// than kMaxCodecUnits units after escaping, is returned unchanged: neither escaped nor encoded.
 String EncodeUTF8(StringView text, bool escape);
 
 // Appends what EncodeUTF8 would return, or nothing and false when that is `text` unchanged.
@@ -29,9 +29,6 @@ String DecodeUTF8(StringView wire, bool unescape);
 
 // Whether decoding with `unescape` would return it as it is: in most cases.
 bool IsDecoded(StringView wire);
-
-// & " < > ' by their entities, in this order.
-String XmlEscape(StringView text);
 
 // The entities by their characters, "&amp;" first: "&amp;lt;" becomes "<", on purpose.
 String XmlUnescape(StringView text);
