@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """help_filter.py HEADER: writes HEADER as Doxygen reads it.
 
 A member that says nothing of itself gets the text that object browsers and Python show of it, and an argument that an
