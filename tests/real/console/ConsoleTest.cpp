@@ -159,6 +159,22 @@ TEST_F(ConsoleClient, SaysWhyItEndsAndWithItsOwnCode) {
     }
 }
 
+class ConsoleWithoutTheLogin : public ::testing::TestWithParam<ServerKind> {};
+INSTANTIATE_TEST_SUITE_P(Real, ConsoleWithoutTheLogin, ::testing::Values(ServerKind::prosody), NameOfCase);
+
+// The server has nothing but SASL.
+TEST_P(ConsoleWithoutTheLogin, SaysThatItIsRefused) {
+    const std::string missing = WhyMissing(GetParam());
+    if (!missing.empty()) return SkipOrFail(missing);
+    const auto server = MakeServer(GetParam());
+    server->LeaveOutTheLogin();
+    server->Start();
+    ConsoleProgram console(
+        {"juliet@localhost", "--port", std::to_string(server->Port()), "--plain", "--password", "x"});
+    EXPECT_EQ(console.ExitCode(), 4);
+    EXPECT_THAT(console.Output(), HasSubstr("! login refused: service-unavailable"));
+}
+
 // A command line that is wrong goes nowhere: what goes out after the login is the good-bye alone.
 TEST_F(ConsoleClient, SendsNothingForWrongArguments) {
     std::string lines = "plain text\n/\n/bogus\n/msg@\n";
