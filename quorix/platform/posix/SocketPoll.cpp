@@ -15,6 +15,20 @@ constexpr int kEventsAtOnce = 64;
 
 thread_local SocketPoll* waiting = nullptr;
 
+// Also when memory runs out meanwhile, since the watch may not outlive that.
+class Delivering {
+public:
+    Delivering(SocketWatch*& current, SocketWatch& watch)
+        : current_(current), outer_(std::exchange(current, &watch)) {}
+    ~Delivering() { current_ = outer_; }
+    Delivering(const Delivering&) = delete;
+    Delivering& operator=(const Delivering&) = delete;
+
+private:
+    SocketWatch*& current_;
+    SocketWatch* outer_;
+};
+
 }  // namespace
 
 struct SocketPoll::Source {
@@ -154,9 +168,10 @@ void SocketPoll::DeliverForATurn() {
 }
 
 void SocketPoll::Deliver(SocketWatch& watch) {
-    SocketWatch* outer = std::exchange(delivering_, &watch);
-    watch.Dispatch();
-    delivering_ = outer;
+    {
+        const Delivering delivering(delivering_, watch);
+        watch.Dispatch();
+    }
     Ask(watch);
 }
 
